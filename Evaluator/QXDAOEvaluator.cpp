@@ -1,0 +1,132 @@
+#include "Evaluator/QXDAOEvaluator.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace korvex {
+
+namespace {
+
+constexpr std::string_view digits = "0123456789";
+constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+constexpr std::string_view brackets = "()[]{}";
+
+// Longer operators first, so that the first match is the longest.
+constexpr std::array<std::string_view, 27> operators = {"===", "!==", "==", "!=", "<>", "<=", ">=", "&&", "||",
+                                                        "<<",  ">>",  "+",  "-",  "*",  "/",  "%",  "=",  "<",
+                                                        ">",   "!",   "?",  ":",  ",",  "~",  "&",  "|",  "^"};
+
+bool isDigit(char character) { return digits.find(character) != std::string_view::npos; }
+
+bool startsName(char character) {
+  const bool ascii = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+  return ascii || character == '_' || character == '$' || static_cast<unsigned char>(character) >= 0x80U;
+}
+
+bool continuesName(char character) { return startsName(character) || isDigit(character); }
+
+template <typename Predicate>
+std::size_t countWhile(std::string_view text, std::size_t from, Predicate predicate) {
+  std::size_t end = from;
+  while (end < text.size() && predicate(text[end])) ++end;
+  return end - from;
+}
+
+bool characterAt(std::string_view text, std::size_t at, std::string_view wanted) {
+  return at < text.size() && wanted.find(text[at]) != std::string_view::npos;
+}
+
+// Each function below gives the length of its token at the front of the text, 0 when there is none.
+
+std::size_t lengthOfName(std::string_view text) {
+  std::size_t length = 0;
+  while (length < text.size() && startsName(text[length])) {
+    length += countWhile(text, length, continuesName);
+    if (!characterAt(text, length, ".")) return length;
+    ++length;
+  }
+  return 0;  // no name at all, or a dot without a name after it
+}
+
+std::size_t lengthOfExponent(std::string_view text, std::size_t at) {
+  if (!characterAt(text, at, "eE")) return 0;
+  const std::size_t sign = characterAt(text, at + 1, "+-") ? 1 : 0;
+  const std::size_t count = countWhile(text, at + 1 + sign, isDigit);
+  return count == 0 ? 0 : 1 + sign + count;
+}
+
+std::size_t lengthOfNumber(std::string_view text) {
+  const std::size_t whole = countWhile(text, 0, isDigit);
+  std::size_t length = whole;
+  if (characterAt(text, length, ".")) {
+    const std::size_t fraction = countWhile(text, length + 1, isDigit);
+    if (whole + fraction == 0) return 0;
+    length += 1 + fraction;
+  }
+  if (length == 0) return 0;
+  length += lengthOfExponent(text, length);
+  const bool runsOn = length < text.size() && (continuesName(text[length]) || text[length] == '.');
+  return runsOn ? 0 : length;
+}
+
+std::size_t lengthOfString(std::string_view text) {
+  if (!characterAt(text, 0, "'\"")) return 0;
+  for (std::size_t at = 1; at < text.size(); ++at) {
+    if (text[at] == '\\') {
+      ++at;
+    } else if (text[at] == text[0]) {
+      return at + 1;
+    }
+  }
+  return 0;
+}
+
+std::size_t lengthOfOperator(std::string_view text) {
+  const auto* found = std::find_if(operators.begin(), operators.end(),
+                                   [text](std::string_view symbol) { return text.starts_with(symbol); });
+  return found == operators.end() ? 0 : found->size();
+}
+
+std::size_t lengthOfBracket(std::string_view text) { return characterAt(text, 0, brackets) ? 1 : 0; }
+
+struct TokenRule {
+  QXDAOTokenType type;
+  std::size_t (*length)(std::string_view text);
+};
+
+constexpr std::array<TokenRule, 5> tokenRules = {{
+    {QXDAOTokenTypeName, lengthOfName},
+    {QXDAOTokenTypeNumber, lengthOfNumber},
+    {QXDAOTokenTypeString, lengthOfString},
+    {QXDAOTokenTypeOperator, lengthOfOperator},
+    {QXDAOTokenTypeBracket, lengthOfBracket},
+}};
+
+// Moves the first token of the text to the list; false when no rule knows it.
+bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
+  for (const TokenRule& rule : tokenRules) {
+    if (const std::size_t length = rule.length(text); length != 0) {
+      tokens.push_back({rule.type, std::string(text.substr(0, length))});
+      text.remove_prefix(length);
+      return true;
+    }
+  }
+  return false;
+}
+
+void skipWhiteSpace(std::string_view& text) {
+  text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+}
+
+}  // namespace
+
+QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view expression) {
+  QXDAOTokenList tokens;
+  for (skipWhiteSpace(expression); !expression.empty(); skipWhiteSpace(expression)) {
+    if (!takeToken(expression, tokens)) return {};
+  }
+  return tokens;
+}
+
+}  // namespace korvex
