@@ -1,0 +1,114 @@
+#include <algorithm>
+#include <array>
+
+#include "DAO/Core/Messages.h"
+#include "DAO/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+using ChildBuilder = std::unique_ptr<QXDAOElement> (*)(const XMLNode& xml, QXDAOContainerElement& holder);
+
+template <typename T>
+std::unique_ptr<QXDAOElement> buildPlain(const XMLNode& xml, QXDAOContainerElement& /*holder*/) {
+  auto element = std::make_unique<T>();
+  element->initWithXML(xml);
+  return element;
+}
+
+// For the elements that know their holder; the placement rule has checked its class.
+template <typename T, typename Holder>
+std::unique_ptr<QXDAOElement> buildLinked(const XMLNode& xml, QXDAOContainerElement& holder) {
+  auto element = std::make_unique<T>();
+  element->initWithXML(xml, static_cast<Holder*>(&holder));
+  return element;
+}
+
+using HolderTest = bool (*)(const QXDAOContainerElement& holder);
+
+bool anyHolder(const QXDAOContainerElement& /*holder*/) { return true; }
+
+template <typename T>
+bool holderIs(const QXDAOContainerElement& holder) {
+  return QXDAOElementCast<T>(&holder) != nullptr;
+}
+
+struct TagRule {
+  std::string_view tag;
+  ChildBuilder build;
+  HolderTest mayStandIn = anyHolder;
+  Messages::Message misplaced = {};
+};
+
+// The tag table: every element that may stand inside another one, and where. Filled by the
+// compiler, so it needs neither a first use nor a lock.
+constexpr std::array<TagRule, 12> tagTable = {{
+    {C_IF, buildPlain<QXDAOCondition>},
+    {C_CHOOSE, buildPlain<QXDAOChoose>},
+    {C_WHEN, buildPlain<QXDAOCondition>},
+    {C_OTHERWISE, buildPlain<QXDAOCondition>},
+    {C_FOREACH, buildPlain<QXDAOForeach>},
+    {C_WHERE, buildPlain<QXDAOTrim>},
+    {C_SET, buildPlain<QXDAOTrim>},
+    {C_TRIM, buildPlain<QXDAOTrim>},
+    {C_STEP, buildLinked<QXDAOMethodStep, QXDAOMethod>, holderIs<QXDAOMethod>, Messages::misplacedStep},
+    {C_TRY, buildLinked<QXDAOTry, QXDAOMethod>, holderIs<QXDAOMethod>, Messages::misplacedTry},
+    {C_EXCEPT, buildLinked<QXDAOExcept, QXDAOTry>, holderIs<QXDAOTry>, Messages::misplacedExcept},
+    {C_FORMAT, buildPlain<QXDAOKeyValueFormatter>},
+}};
+
+const TagRule* ruleOfTag(OptionalStringView tag) {
+  const auto* found =
+      std::find_if(tagTable.begin(), tagTable.end(), [tag](const TagRule& rule) { return tag == rule.tag; });
+  return found == tagTable.end() ? nullptr : found;
+}
+
+std::unique_ptr<QXDAOText> buildText(const XMLNode& xml) {
+  auto text = std::make_unique<QXDAOText>();
+  text->initWithXML(xml);
+  return text;
+}
+
+constexpr std::size_t usualChildCount = 5;
+
+}  // namespace
+
+std::optional<QXDAOElementList> QXDAOContainerElement::takeChildren() { return std::exchange(_children, std::nullopt); }
+
+void QXDAOContainerElement::processNodes(const XMLNode& xml) {
+  QXDAOElementList children;
+  children.reserve(usualChildCount);
+  for (const XMLNode& node : xml.children()) {
+    std::unique_ptr<QXDAOElement> child;
+    if (node.kind() == XMLNodeKind::Text) child = textFrom(node);
+    if (node.kind() == XMLNodeKind::Element) child = elementFrom(node);
+    if (failed()) return;
+    if (child) children.push_back(std::move(child));
+  }
+  _children = std::move(children);
+}
+
+std::unique_ptr<QXDAOElement> QXDAOContainerElement::textFrom(const XMLNode& node) {
+  auto text = buildText(node);
+  if (isEmpty(text->expression())) return nullptr;
+  return text;
+}
+
+std::unique_ptr<QXDAOElement> QXDAOContainerElement::elementFrom(const XMLNode& node) {
+  const OptionalStringView tag = node.name();
+  const TagRule* rule = ruleOfTag(tag);
+  if (!rule) {
+    setError(filledFormat(Messages::unknownElement, tag), node);
+    return nullptr;
+  }
+  if (!rule->mayStandIn(*this)) {
+    setError(std::string(rule->misplaced), node);
+    return nullptr;
+  }
+  auto child = rule->build(node, *this);
+  if (hasFailed(*child)) adoptErrorOf(*child, node);
+  return child;
+}
+
+}  // namespace korvex

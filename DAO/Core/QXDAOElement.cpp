@@ -1,0 +1,91 @@
+#include "DAO/QXDAOElement.h"
+
+#include <algorithm>
+#include <array>
+
+#include "DAO/Core/Messages.h"
+
+namespace korvex {
+
+namespace {
+
+using ElementBuilder = std::unique_ptr<QXDAOElement> (*)(const XMLNode& xml);
+
+template <typename T>
+std::unique_ptr<QXDAOElement> buildPlain(const XMLNode& xml) {
+  auto element = std::make_unique<T>();
+  element->initWithXML(xml);
+  return element;
+}
+
+template <typename T>
+std::unique_ptr<QXDAOElement> buildNamed(const XMLNode& xml) {
+  auto element = std::make_unique<T>();
+  element->initNamedElementWithXML(xml);
+  return element;
+}
+
+struct RootTag {
+  std::string_view tag;
+  ElementBuilder build;
+};
+
+// Every other tag is a method's, or for the method to refuse.
+constexpr std::array<RootTag, 5> rootTags = {{
+    {C_SQL, buildNamed<QXDAOSqlBlock>},
+    {C_MAP, buildNamed<QXDAOMap>},
+    {C_CONST, buildPlain<QXDAOConst>},
+    {C_CRYPT, buildPlain<QXDAOCryptProperty>},
+    {C_PACK, buildPlain<QXDAOPack>},
+}};
+
+ElementBuilder builderOfRootTag(OptionalStringView tag) {
+  const auto* found =
+      std::find_if(rootTags.begin(), rootTags.end(), [tag](const RootTag& row) { return tag == row.tag; });
+  return found == rootTags.end() ? buildNamed<QXDAOMethod> : found->build;
+}
+
+}  // namespace
+
+std::unique_ptr<QXDAOElement> QXDAOElement::elementWithXML(const XMLNode& xml, std::optional<QXDAOError>* error) {
+  std::unique_ptr<QXDAOElement> element = builderOfRootTag(xml.name())(xml);
+  if (!element->failed()) return element;
+  if (error) {
+    Failure& failure = *element->_error;
+    *error = QXDAOError{.domain = std::string(QXDAO_ERROR_DOMAIN),
+                        .code = 0,
+                        .userInfo = {{"error", std::move(failure.message)}, {"xml", xml}},
+                        .origin = failure.origin ? failure.origin : xml};
+  }
+  return nullptr;
+}
+
+void QXDAOElement::initWithXML(const XMLNode& /*xml*/) {
+  _name.reset();
+  _error.reset();
+}
+
+void QXDAOElement::initNamedElementWithXML(const XMLNode& xml) {
+  _name.reset();
+  _error.reset();
+  if (xml.kind() == XMLNodeKind::Element) _name = ownedString(xml.valueOfAttribute(C_ID));
+  if (isEmpty(_name)) setError(std::string(Messages::emptyName));
+}
+
+OptionalStringView QXDAOElement::error() const {
+  if (!_error) return std::nullopt;
+  return _error->message;
+}
+
+void QXDAOElement::setError(std::string message, const XMLNode& origin) {
+  _error = std::make_unique<Failure>(Failure{std::move(message), origin});
+}
+
+void QXDAOElement::setErrorWithName(std::string_view format) { setError(filledFormat(format, _name)); }
+
+void QXDAOElement::adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML) {
+  const Failure& failure = *child._error;
+  setError(failure.message, failure.origin ? failure.origin : childXML);
+}
+
+}  // namespace korvex

@@ -1,0 +1,20 @@
+#include "DAO/Core/Messages.h"
+#include "DAO/QXDAOElement.h"
+
+namespace korvex {
+
+void QXDAOConst::initWithXML(const XMLNode& xml) {
+  QXDAOElement::initWithXML(xml);
+  if (!readDeclaration(xml)) setError(filledFormat(Messages::invalidConst, xml.stringValue()));
+}
+
+bool QXDAOConst::readDeclaration(const XMLNode& xml) {
+  const XMLAttribute attribute = xml.onlyAttribute();
+  if (!attribute) return false;
+  setName(ownedString(attribute.name()));
+  _text = std::make_unique<QXDAOText>();
+  _text->initWithText(ownedString(attribute.stringValue()));
+  return !isEmpty(name()) && xml.childCount() == 0;
+}
+
+}  // namespace korvex

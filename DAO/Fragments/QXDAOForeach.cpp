@@ -1,0 +1,79 @@
+#include <algorithm>
+#include <array>
+
+#include "DAO/Core/Messages.h"
+#include "DAO/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+struct ForeachAttribute {
+  std::string_view name;
+  void (*store)(QXDAOForeach& element, OptionalStringView value);
+};
+
+template <void (QXDAOForeach::*set)(OptionalString)>
+void storeText(QXDAOForeach& element, OptionalStringView value) {
+  (element.*set)(ownedString(value));
+}
+
+void storeReverse(QXDAOForeach& element, OptionalStringView value) {
+  element.setReverse(value && booleanAttributeValue(*value));
+}
+
+// The only attributes that a foreach may have.
+constexpr std::array<ForeachAttribute, 6> foreachAttributes = {{
+    {C_ITEM, storeText<&QXDAOForeach::setItem>},
+    {C_COLLECTION, storeText<&QXDAOForeach::setCollection>},
+    {C_OPEN, storeText<&QXDAOForeach::setOpen>},
+    {C_SEPARATOR, storeText<&QXDAOForeach::setSeparator>},
+    {C_CLOSE, storeText<&QXDAOForeach::setClose>},
+    {C_REVERSE, storeReverse},
+}};
+
+const ForeachAttribute* attributeNamed(OptionalStringView name) {
+  const auto* found = std::find_if(foreachAttributes.begin(), foreachAttributes.end(),
+                                   [name](const ForeachAttribute& row) { return name == row.name; });
+  return found == foreachAttributes.end() ? nullptr : found;
+}
+
+constexpr std::size_t usualTextLength = 200;
+
+}  // namespace
+
+void QXDAOForeach::initWithXML(const XMLNode& xml) {
+  QXDAOElement::initWithXML(xml);
+  readAttributes(xml);
+  if (isEmpty(_item) || isEmpty(_collection)) setError(std::string(Messages::foreachParameters));
+  if (failed()) return;
+  readText(xml);
+}
+
+void QXDAOForeach::readAttributes(const XMLNode& xml) {
+  for (const XMLAttribute& attribute : xml.attributes()) {
+    const ForeachAttribute* known = attributeNamed(attribute.name());
+    if (!known) {
+      setError(std::string(Messages::foreachParameters));
+      return;
+    }
+    known->store(*this, attribute.stringValue());
+  }
+}
+
+void QXDAOForeach::readText(const XMLNode& xml) {
+  std::string gathered;
+  gathered.reserve(usualTextLength);
+  for (const XMLNode& node : xml.children()) {
+    if (node.kind() == XMLNodeKind::Comment) continue;
+    if (node.kind() != XMLNodeKind::Text) {
+      setError(std::string(Messages::foreachContent), node.kind() == XMLNodeKind::Element ? node : xml);
+      break;
+    }
+    gathered.append(node.text().value_or(std::string_view()));
+  }
+  _text = std::make_unique<QXDAOText>();
+  _text->initWithText(std::string(spaceNewLineTabBothEndsTrimmed(std::string_view(gathered))));
+}
+
+}  // namespace korvex

@@ -1,0 +1,192 @@
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+#include "DAO/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr std::string_view shortestReference = "%{'*',p}";
+constexpr std::string_view listSeparator = ", ";
+constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";  // U+FFFD
+constexpr std::size_t usualStarCount = 5;
+constexpr std::size_t longestCharacterOfOneUnit = 3;
+
+// The bytes that mean something while a reference is open. All of them are ASCII, so a byte of a
+// longer character is never taken for one.
+constexpr auto isMarkup = [] {
+  std::array<bool, 256> table{};
+  for (const char byte : std::string_view("%',{}")) table[static_cast<unsigned char>(byte)] = true;
+  return table;
+}();
+
+// Expands the list references of a text in one pass from left to right.
+//
+// The state follows the language's own scan rules to the letter: what an expansion or an opening
+// leaves alone (format, formatBegin, lastComma, the pending "%") shapes what later text means.
+// Positions are byte offsets; 0 means "not set" for referenceBegin and formatBegin, which are
+// always one past a character otherwise.
+class ListReferenceScan {
+ public:
+  explicit ListReferenceScan(std::string_view text) : _text(text) {}
+
+  // True when a reference was expanded; the result is then in output().
+  bool run() {
+    for (std::size_t at = nextOfInterest(0); at < _text.size(); at = nextOfInterest(at + 1)) take(at);
+    if (_replaced) _output.append(_text.substr(_copyBegin));
+    return _replaced;
+  }
+
+  std::string& output() { return _output; }
+
+ private:
+  // The next position at which a rule can change anything: outside a reference only a "%" does,
+  // or whatever follows a pending one; inside a reference only markup does.
+  [[nodiscard]] std::size_t nextOfInterest(std::size_t from) const {
+    if (_referenceBegin == 0) return _pendingSymbol ? from : positionOfSymbol(from);
+    while (from < _text.size() && !isMarkup[static_cast<unsigned char>(_text[from])]) ++from;
+    return from;
+  }
+
+  [[nodiscard]] std::size_t positionOfSymbol(std::size_t from) const {
+    if (from >= _text.size()) return from;
+    const void* found = std::memchr(_text.data() + from, '%', _text.size() - from);
+    return found ? static_cast<std::size_t>(static_cast<const char*>(found) - _text.data()) : _text.size();
+  }
+
+  void take(std::size_t at) {
+    switch (_text[at]) {
+      case '%':
+        _pendingSymbol = true;
+        return;
+      case '\'':
+        takeQuote(at);
+        return;
+      case ',':
+        takeComma(at);
+        return;
+      case '{':
+        takeOpeningBrace(at);
+        return;
+      case '}':
+        if (_formatPresent && _referenceBegin != 0) expand(at);
+        break;
+      default:
+        break;
+    }
+    dropPendingSymbolOutsideReference();
+  }
+
+  void dropPendingSymbolOutsideReference() {
+    if (_referenceBegin == 0) _pendingSymbol = false;
+  }
+
+  void takeQuote(std::size_t at) {
+    if (_referenceBegin == 0) {
+      _pendingSymbol = false;
+    } else if (_formatBegin == 0) {
+      _formatBegin = at + 1;
+    } else {
+      _format = between(_formatBegin, at);
+      _formatPresent = true;
+      _formatBegin = 0;
+    }
+  }
+
+  void takeComma(std::size_t at) {
+    dropPendingSymbolOutsideReference();
+    if (_referenceBegin == 0 || !_formatPresent) return;
+    takeStarBefore(at);
+    ++_commaCount;
+    _lastComma = at;
+  }
+
+  void takeOpeningBrace(std::size_t at) {
+    if (!_pendingSymbol || _formatBegin != 0) return;
+    _referenceBegin = at + 1;
+    _stars.clear();
+    _stars.reserve(usualStarCount);
+    _commaCount = 0;
+  }
+
+  void takeStarBefore(std::size_t at) {
+    if (_commaCount > 0) _stars.push_back(spaceNewLineTabBothEndsTrimmed(between(_lastComma + 1, at)));
+  }
+
+  void expand(std::size_t at) {
+    if (!_replaced) _output.reserve(_text.size());
+    appendTextBeforeReference();
+    takeStarBefore(at);
+    for (std::size_t star = 0; star < _stars.size(); ++star) {
+      if (star > 0) _output.append(listSeparator);
+      appendFormatFilledWith(_stars[star]);
+    }
+    _formatPresent = false;
+    _copyBegin = at + 1;
+    _referenceBegin = 0;
+    _replaced = true;
+  }
+
+  // The text since the last expansion, without the "{" and the one UTF-16 unit before it. That
+  // unit is normally the "%"; where it is half of a character, the other half has no UTF-8 form.
+  void appendTextBeforeReference() {
+    const std::size_t brace = _referenceBegin - 1;
+    const std::size_t length = lengthOfCharacterBefore(_text, brace);
+    _output.append(between(_copyBegin, brace - length));
+    if (length > longestCharacterOfOneUnit) _output.append(replacementCharacter);
+  }
+
+  void appendFormatFilledWith(std::string_view star) {
+    std::size_t begin = 0;
+    for (std::size_t mark = _format.find('*'); mark != std::string_view::npos; mark = _format.find('*', begin)) {
+      _output.append(_format.substr(begin, mark - begin)).append(star);
+      begin = mark + 1;
+    }
+    _output.append(_format.substr(begin));
+  }
+
+  [[nodiscard]] std::string_view between(std::size_t begin, std::size_t end) const {
+    return _text.substr(begin, end - begin);
+  }
+
+  std::string_view _text;
+  std::size_t _copyBegin = 0;
+  bool _pendingSymbol = false;
+  std::size_t _referenceBegin = 0;
+  std::size_t _formatBegin = 0;
+  std::string_view _format;
+  bool _formatPresent = false;
+  std::vector<std::string_view> _stars;
+  std::size_t _commaCount = 0;
+  std::size_t _lastComma = 0;
+  std::string _output;
+  bool _replaced = false;
+};
+
+}  // namespace
+
+void QXDAOText::initWithXML(const XMLNode& xml) {
+  QXDAOElement::initWithXML(xml);
+  if (xml.kind() == XMLNodeKind::Text) {
+    _expression = ownedString(spaceNewLineTabBothEndsTrimmed(xml.text()));
+  } else {
+    _expression = ownedString(spaceNewLineTabBothEndsTrimmed(OptionalStringView(xml.stringValue())));
+  }
+  processText();
+}
+
+void QXDAOText::initWithText(OptionalString text) {
+  QXDAOElement::initWithXML({});
+  _expression = std::move(text);
+  processText();
+}
+
+void QXDAOText::processText() {
+  if (!_expression || !hasAtLeastUTF16Units(*_expression, shortestReference.size())) return;
+  ListReferenceScan scan(*_expression);
+  if (scan.run()) _expression = std::move(scan.output());
+}
+
+}  // namespace korvex

@@ -1,0 +1,37 @@
+#include "DAO/Core/Messages.h"
+#include "DAO/QXDAOElement.h"
+
+namespace korvex {
+
+void QXDAOMap::initNamedElementWithXML(const XMLNode& xml) {
+  QXDAOElement::initNamedElementWithXML(xml);
+  if (failed()) return;
+  _resultClass = ownedString(xml.valueOfAttribute(C_RESULT));
+  if (isEmpty(_resultClass)) {
+    setErrorWithName(Messages::emptyMapResult);
+    return;
+  }
+  readColumns(xml);
+}
+
+void QXDAOMap::readColumns(const XMLNode& xml) {
+  _columnPropertyMap.emplace();
+  for (const XMLNode& node : xml.children()) {
+    if (node.kind() == XMLNodeKind::Comment) continue;
+    if (!readColumn(node)) {
+      setError(filledFormat(Messages::invalidMap, name()), node.kind() == XMLNodeKind::Element ? node : xml);
+      return;
+    }
+  }
+}
+
+bool QXDAOMap::readColumn(const XMLNode& node) {
+  if (node.kind() != XMLNodeKind::Element || node.name() != C_RESULT) return false;
+  const OptionalStringView property = node.valueOfAttribute(C_PROPERTY);
+  const OptionalStringView column = node.valueOfAttribute(C_COLUMN);
+  if (isEmpty(property) || isEmpty(column)) return false;
+  _columnPropertyMap->insert_or_assign(std::string(*column), std::string(*property));
+  return true;
+}
+
+}  // namespace korvex

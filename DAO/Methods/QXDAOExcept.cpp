@@ -1,0 +1,18 @@
+#include "DAO/Core/Messages.h"
+#include "DAO/QXDAOElement.h"
+
+namespace korvex {
+
+void QXDAOExcept::initWithXML(const XMLNode& xml, QXDAOTry* tryElement) {
+  QXDAOElement::initWithXML(xml);
+  const OptionalString& methodName = tryElement->parentMethod()->name();
+  if (tryElement->exceptElement()) setError(filledFormat(Messages::tooManyExcepts, methodName));
+  if (xml.hasAttributes()) setError(filledFormat(Messages::invalidExcept, methodName));
+  if (failed()) return;
+  // Registered before its own content is walked, so that a second except block finds it.
+  tryElement->setExceptElement(this);
+  _tryElement = tryElement;
+  processNodes(xml);
+}
+
+}  // namespace korvex

@@ -1,0 +1,152 @@
+#include <algorithm>
+#include <array>
+
+#include "DAO/Core/Messages.h"
+#include "DAO/QXDAOElement.h"
+#include "Platform/NumberScanner.h"
+
+namespace korvex {
+
+namespace {
+
+struct OperationTag {
+  std::string_view tag;
+  QXDAOOperation operation;
+};
+
+constexpr std::array<OperationTag, 5> operationTags = {{
+    {C_SELECT, QXDAOOperationSelect},
+    {C_UPDATE, QXDAOOperationUpdate},
+    {C_INSERT, QXDAOOperationInsert},
+    {C_DELETE, QXDAOOperationDelete},
+    {C_UPGRADE, QXDAOOperationUpgrade},
+}};
+
+// The Boolean value of an attribute, or `otherwise` when it is absent or empty.
+bool optionOf(const XMLNode& xml, std::string_view attributeName, bool otherwise) {
+  const OptionalStringView value = xml.valueOfAttribute(attributeName);
+  return isEmpty(value) ? otherwise : booleanAttributeValue(*value);
+}
+
+// A leading "$" marks an argument that must not be null.
+QXDAOMethodArgument argumentOf(std::string_view declaration) {
+  const bool notNull = declaration.front() == '$';
+  QXDAOMethodArgument argument;
+  argument.setNotNull(notNull);
+  argument.setName(std::string(declaration.substr(notNull ? 1 : 0)));
+  return argument;
+}
+
+}  // namespace
+
+void QXDAOMethod::initNamedElementWithXML(const XMLNode& xml) {
+  if (xml.name() == C_UPGRADE) {
+    QXDAOElement::initWithXML(xml);
+    if (!readUpgradeDeclaration(xml)) setError(filledFormat(Messages::invalidUpgrade, xml.stringValue()));
+  } else {
+    QXDAOElement::initNamedElementWithXML(xml);
+  }
+  if (!failed()) setupMethod(xml);
+}
+
+bool QXDAOMethod::hasArgumentWithName(std::string_view argumentName) const {
+  return _arguments && std::any_of(_arguments->begin(), _arguments->end(),
+                                   [argumentName](const auto& argument) { return argument.name() == argumentName; });
+}
+
+bool QXDAOMethod::readUpgradeDeclaration(const XMLNode& xml) {
+  const XMLAttribute attribute = xml.onlyAttribute();
+  if (attribute.name() != C_TO_VERSION) return false;
+  const OptionalStringView version = attribute.stringValue();
+  const std::optional<double> number = version == C_INITIAL ? 0.0 : scanDecimalNumber(version.value_or(""));
+  _toVersion = number.value_or(0.0);
+  return number.has_value();
+}
+
+void QXDAOMethod::setupMethod(const XMLNode& xml) {
+  decideOperation(xml);
+  if (failed()) return;
+  readArguments(xml);
+  if (failed()) return;
+  readOptions(xml);
+  processNodes(xml);  // also when the result type failed; a failure here then takes its place
+  if (!failed()) checkStepElements();
+  if (!failed()) checkTryBlock();
+  if (!failed()) readForeach(xml);
+}
+
+void QXDAOMethod::decideOperation(const XMLNode& xml) {
+  const OptionalStringView tag = xml.name();
+  const auto* found = std::find_if(operationTags.begin(), operationTags.end(),
+                                   [tag](const OperationTag& row) { return tag == row.tag; });
+  if (found == operationTags.end()) {
+    setError(filledFormat(Messages::unknownRootTag, tag));
+  } else {
+    _operation = found->operation;
+  }
+}
+
+void QXDAOMethod::readArguments(const XMLNode& xml) {
+  std::vector<QXDAOMethodArgument> list;
+  const OptionalStringView declarations = xml.valueOfAttribute(C_ARGUMENTS);
+  if (!isEmpty(declarations)) {
+    for (const std::string_view piece : splitAt(*declarations, ',')) {
+      const std::string_view declaration = spaceBothEndsTrimmed(piece);
+      if (declaration.empty()) {
+        setErrorWithName(Messages::invalidArguments);
+        return;
+      }
+      list.push_back(argumentOf(declaration));
+    }
+  }
+  _arguments = std::move(list);
+}
+
+void QXDAOMethod::readOptions(const XMLNode& xml) {
+  _profile = optionOf(xml, C_PROFILE, _profile);
+  if (_operation != QXDAOOperationSelect) return;
+  _parallel = optionOf(xml, C_PARALLEL, _parallel);
+  _assignedTable = optionOf(xml, C_ASSIGNED_TABLE, _assignedTable);
+  decideResultType(xml);
+}
+
+// A single step is dissolved into the method; two or more make the method a stepped one.
+void QXDAOMethod::checkStepElements() {
+  const QXDAOElementList& list = *children();
+  const auto stepCount = static_cast<std::size_t>(std::count_if(
+      list.begin(), list.end(), [](const auto& child) { return child->kind() == QXDAOElementKindMethodStep; }));
+  if (stepCount == 0) return;
+  if (_operation == QXDAOOperationSelect) {
+    setErrorWithName(Messages::stepsInSelect);
+  } else if (stepCount != list.size()) {
+    setErrorWithName(Messages::besideSteps);
+  } else if (stepCount == 1) {
+    setChildren(QXDAOElementCast<QXDAOMethodStep>(list.front().get())->takeChildren());
+  } else {
+    _steped = true;
+  }
+}
+
+void QXDAOMethod::checkTryBlock() {
+  if (_tryBlock && children()->size() != 1) setErrorWithName(Messages::besideTry);
+}
+
+void QXDAOMethod::readForeach(const XMLNode& xml) {
+  const OptionalStringView declaration = xml.valueOfAttribute(C_FOREACH);
+  if (isEmpty(declaration)) return;
+  _foreachResumable = optionOf(xml, C_RESUMABLE, _foreachResumable);
+  _foreach = readForeachNames(*declaration);
+  if (!_foreach) setErrorWithName(Messages::invalidMethodForeach);
+}
+
+// "collection.item": the collection is an argument, the item is a name that no argument has.
+bool QXDAOMethod::readForeachNames(std::string_view declaration) {
+  const std::vector<std::string_view> pieces = splitAt(declaration, '.');
+  if (pieces.size() != 2) return false;
+  _foreachCollection = std::string(spaceBothEndsTrimmed(pieces[0]));
+  _foreachItemName = std::string(spaceBothEndsTrimmed(pieces[1]));
+  return hasArgumentWithName(*_foreachCollection) && !_foreachItemName->empty() &&
+         !hasArgumentWithName(*_foreachItemName);
+}
+
+}  // namespace korvex

@@ -1,0 +1,53 @@
+// The "result" attribute of a select: an optional pair of brackets for a list, and inside it a
+// keyword, ":" and the name of a result map, or a class name. Nothing is trimmed.
+#include <algorithm>
+#include <array>
+
+#include "DAO/Core/Messages.h"
+#include "DAO/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+struct ResultKeyword {
+  std::string_view keyword;
+  QXDAOSelectResultType type;
+};
+
+constexpr std::array<ResultKeyword, 7> resultKeywords = {{
+    {"int", QXDAOSelectResultTypeInt},
+    {"long long", QXDAOSelectResultTypeLongLong},
+    {"bool", QXDAOSelectResultTypeBool},
+    {"double", QXDAOSelectResultTypeDouble},
+    {"string", QXDAOSelectResultTypeString},
+    {"binary", QXDAOSelectResultTypeBinary},
+    {"{}", QXDAOSelectResultTypeColumnMap},
+}};
+
+QXDAOSelectResultType typeOfWord(std::string_view word) {
+  const auto* found = std::find_if(resultKeywords.begin(), resultKeywords.end(),
+                                   [word](const ResultKeyword& row) { return word == row.keyword; });
+  return found == resultKeywords.end() ? QXDAOSelectResultTypeObject : found->type;
+}
+
+}  // namespace
+
+void QXDAOMethod::decideResultType(const XMLNode& xml) {
+  if (_operation != QXDAOOperationSelect) return;
+  const OptionalStringView declaration = xml.valueOfAttribute(C_RESULT);
+  if (isEmpty(declaration)) {
+    setErrorWithName(Messages::undefinedResult);
+    return;
+  }
+  std::string_view result = *declaration;
+  if (result.starts_with('[') && result.ends_with(']')) {
+    _resultArrayed = true;
+    result = result.substr(1, result.size() - 2);
+  }
+  const bool mapped = result.starts_with(':');
+  _resultType = mapped ? QXDAOSelectResultTypeMappedObject : typeOfWord(result);
+  _resultTypeName = std::string(result.substr(mapped ? 1 : 0));
+}
+
+}  // namespace korvex

@@ -1,0 +1,773 @@
+// The mapping language as typed element trees.
+//
+// QXDAOElement::elementWithXML takes one definition element of a document and gives the tree of
+// elements that it describes, or an error record that names the first violated rule:
+//
+//   QXDAOElement
+//     QXDAOText               a piece of SQL text, list references expanded
+//     QXDAOForeach            <foreach>: text repeated for each entry of a collection
+//     QXDAOKeyValueFormatter  <format>: prefix, pairs and join of key-value pairs
+//     QXDAOSqlBlock           <sql>: named, reusable SQL text
+//     QXDAOConst              <const>: a named constant
+//     QXDAOMap                <map>: columns of a result row → properties of a class
+//     QXDAOCryptProperty      <crypt>: a property that is stored encrypted
+//     QXDAOPack               <pack>: several properties in one column
+//     QXDAOContainerElement   elements with children:
+//       QXDAOMethod           <select>, <update>, <insert>, <delete>, <upgrade>
+//       QXDAOMethodStep       <step>
+//       QXDAOTry              <try>
+//       QXDAOExcept           <except>
+//       QXDAOCondition        <if>, <when>, <otherwise>
+//       QXDAOChoose           <choose>
+//       QXDAOTrim             <trim>, <where>, <set>
+//
+// Construction: a new element is blank; its one initWith… operation fills it from a document node.
+// These operations are not virtual: whoever builds an element knows its class. They always finish;
+// a violated rule leaves a message that travels up to the error record. Elements copy what they
+// keep, so a finished tree outlives the document it was read from.
+//
+// Ownership: a parent owns its children; plain pointers (parentMethod, exceptElement, tryElement)
+// own nothing and point inside the same tree.
+//
+// Threads: a tree is built on the caller's thread, and trees may be built on any number of threads
+// at once. A finished tree is only read, except for the slots marked as the engine's, which the
+// engine guards itself. Setters are plain stores without a lock.
+//
+// Destructors are inline on purpose: an engine that is compiled with run-time type information can
+// derive from these classes although the library is compiled without.
+//
+// Absence: an OptionalString tells an absent string from an empty one; a list or dictionary that
+// has not been set is nullopt. Setters replace the old value and check nothing.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "Evaluator/QXDAOEvaluator.h"
+#include "Platform/Strings.h"
+#include "Platform/XMLNode.h"
+#include "Statistics/QXSCDAOMethodCounter.h"
+
+namespace korvex {
+
+// ---------------------------------------------------------------------------------------------
+// Keywords of the language: tags, attributes and the attribute values that are reserved.
+
+inline constexpr std::string_view C_ID = "id";
+inline constexpr std::string_view C_SQL = "sql";
+inline constexpr std::string_view C_MAP = "map";
+inline constexpr std::string_view C_CONST = "const";
+inline constexpr std::string_view C_RESULT = "result";
+inline constexpr std::string_view C_ARGUMENTS = "arguments";
+inline constexpr std::string_view C_PARALLEL = "parallel";
+inline constexpr std::string_view C_PROFILE = "profile";
+inline constexpr std::string_view C_PROPERTY = "property";
+inline constexpr std::string_view C_COLUMN = "column";
+inline constexpr std::string_view C_SELECT = "select";
+inline constexpr std::string_view C_UPDATE = "update";
+inline constexpr std::string_view C_INSERT = "insert";
+inline constexpr std::string_view C_DELETE = "delete";
+inline constexpr std::string_view C_UPGRADE = "upgrade";
+inline constexpr std::string_view C_CRYPT = "crypt";
+inline constexpr std::string_view C_CLASS = "class";
+inline constexpr std::string_view C_TO_VERSION = "toVersion";
+inline constexpr std::string_view C_STEP = "step";
+inline constexpr std::string_view C_FORMAT = "format";
+inline constexpr std::string_view C_IF = "if";
+inline constexpr std::string_view C_WHEN = "when";
+inline constexpr std::string_view C_CHOOSE = "choose";
+inline constexpr std::string_view C_OTHERWISE = "otherwise";
+inline constexpr std::string_view C_FOREACH = "foreach";
+inline constexpr std::string_view C_WHERE = "where";
+inline constexpr std::string_view C_SET = "set";
+inline constexpr std::string_view C_TRIM = "trim";
+inline constexpr std::string_view C_TRUE = "true";
+inline constexpr std::string_view C_FALSE = "false";
+inline constexpr std::string_view C_RESERVED_TABLE = "T";
+inline constexpr std::string_view C_ITEM = "item";
+inline constexpr std::string_view C_COLLECTION = "collection";
+inline constexpr std::string_view C_OPEN = "open";
+inline constexpr std::string_view C_CLOSE = "close";
+inline constexpr std::string_view C_REVERSE = "reverse";
+inline constexpr std::string_view C_SEPARATOR = "separator";
+inline constexpr std::string_view C_PREFIX = "prefix";
+inline constexpr std::string_view C_PREFIX_OVERRIDES = "prefixOverrides";
+inline constexpr std::string_view C_SUFFIX_OVERRIDES = "suffixOverrides";
+inline constexpr std::string_view C_ON_VOID = "onVoid";
+inline constexpr std::string_view C_TRY = "try";
+inline constexpr std::string_view C_EXCEPT = "except";
+inline constexpr std::string_view C_ASSIGNED_TABLE = "assignedTable";
+inline constexpr std::string_view C_INITIAL = "initial";
+inline constexpr std::string_view C_PAIRS = "pairs";
+inline constexpr std::string_view C_JOIN = "join";
+inline constexpr std::string_view C_RESUMABLE = "resumable";
+inline constexpr std::string_view C_PACK = "pack";
+inline constexpr std::string_view C_PROPERTIES = "properties";
+inline constexpr std::string_view C_AS = "as";
+
+// ---------------------------------------------------------------------------------------------
+// Enumerations
+
+enum QXDAOOperation : std::uint64_t {
+  QXDAOOperationSelect = 0,
+  QXDAOOperationUpdate = 1,
+  QXDAOOperationInsert = 2,
+  QXDAOOperationDelete = 3,
+  QXDAOOperationUpgrade = 4,
+};
+
+// What one row of a select becomes; the comment is how "result" spells it.
+enum QXDAOSelectResultType : std::uint64_t {
+  QXDAOSelectResultTypeInt = 0,           // int
+  QXDAOSelectResultTypeLongLong = 1,      // long long
+  QXDAOSelectResultTypeBool = 2,          // bool
+  QXDAOSelectResultTypeDouble = 3,        // double
+  QXDAOSelectResultTypeString = 4,        // string
+  QXDAOSelectResultTypeBinary = 5,        // binary
+  QXDAOSelectResultTypeColumnMap = 6,     // {}
+  QXDAOSelectResultTypeObject = 7,        // any other text: a class name
+  QXDAOSelectResultTypeMappedObject = 8,  // ":" and the name of a <map>
+};
+
+enum QXDAOConditionType : std::uint64_t {
+  QXDAOConditionTypeIf = 0,
+  QXDAOConditionTypeWhen = 1,
+  QXDAOConditionTypeOtherwise = 2,
+};
+
+// What the engine does when the content of a <trim>, <where> or <set> turns out empty.
+enum QXDAOTrimOnVoidType : std::uint64_t {
+  QXDAOTrimOnVoidTypeNone = 0,
+  QXDAOTrimOnVoidTypeQuit = 1,
+  QXDAOTrimOnVoidTypeIgnoreAfter = 2,
+};
+
+// The engine's note on its own analysis of a text.
+enum QXDAOTextSpeedyStatus : std::uint64_t {
+  QXDAOTextSpeedyStatusNone = 0,
+  QXDAOTextSpeedyStatusValid = 1,
+  QXDAOTextSpeedyStatusInvalid = 2,
+};
+
+// The class of an element, as a value: the library builds without run-time type information.
+enum QXDAOElementKind : std::uint8_t {
+  QXDAOElementKindText,
+  QXDAOElementKindForeach,
+  QXDAOElementKindKeyValueFormatter,
+  QXDAOElementKindSqlBlock,
+  QXDAOElementKindConst,
+  QXDAOElementKindMap,
+  QXDAOElementKindCryptProperty,
+  QXDAOElementKindPack,
+  QXDAOElementKindMethod,
+  QXDAOElementKindMethodStep,
+  QXDAOElementKindTry,
+  QXDAOElementKindExcept,
+  QXDAOElementKindCondition,
+  QXDAOElementKindChoose,
+  QXDAOElementKindTrim,
+};
+
+// ---------------------------------------------------------------------------------------------
+// Error records
+
+// The domain of every error record.
+inline constexpr std::string_view QXDAO_ERROR_DOMAIN = "korvex.dao";
+
+// Why a definition was refused. Failures differ by their message alone; the code is always 0.
+struct QXDAOError {
+  using Value = std::variant<std::string, XMLNode>;
+
+  std::string domain;
+  int code = 0;
+  // Two entries: "error", the message (a string), and "xml", the definition element that was
+  // handed to the factory (a node of the caller's tree: valid while that tree is).
+  std::map<std::string, Value, std::less<>> userInfo;
+  // The node whose own rule failed, at or below "xml": the element at fault, or the parent of a
+  // text at fault. Valid while the caller's tree is.
+  XMLNode origin;
+
+  // The entries of userInfo by type. An empty message or a null node on a record without them.
+  [[nodiscard]] std::string_view message() const;
+  [[nodiscard]] XMLNode xml() const;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Elements
+
+// Whatever an engine keeps in the slots that the elements hold for it: derive from this.
+class QXDAOEngineValue {
+ public:
+  QXDAOEngineValue() = default;
+  QXDAOEngineValue(const QXDAOEngineValue&) = delete;
+  QXDAOEngineValue& operator=(const QXDAOEngineValue&) = delete;
+  virtual ~QXDAOEngineValue() = default;
+};
+
+using QXDAOEngineList = std::vector<std::unique_ptr<QXDAOEngineValue>>;
+
+class QXDAOElement {
+ public:
+  QXDAOElement(const QXDAOElement&) = delete;
+  QXDAOElement& operator=(const QXDAOElement&) = delete;
+  virtual ~QXDAOElement() = default;
+
+  // The root factory: builds the element tree of one definition element. The tag decides the
+  // class: sql, map, const, crypt and pack have their own, every other tag goes to QXDAOMethod,
+  // which refuses what is not a method. Never null without a reason: on failure the result is
+  // null and `error`, if given, is filled; on success `error` is left as it was.
+  [[nodiscard]] static std::unique_ptr<QXDAOElement> elementWithXML(const XMLNode& xml,
+                                                                    std::optional<QXDAOError>* error = nullptr);
+
+  [[nodiscard]] QXDAOElementKind kind() const { return _kind; }
+
+  // The "id" of methods, sql blocks and maps, the declared name of a constant; absent elsewhere.
+  [[nodiscard]] const OptionalString& name() const { return _name; }
+  void setName(OptionalString name) { _name = std::move(name); }
+
+ protected:
+  explicit QXDAOElement(QXDAOElementKind kind) : _kind(kind) {}
+
+  // Base constructions. The plain one reads nothing; the named one takes the name from "id" and
+  // fails without one.
+  void initWithXML(const XMLNode& xml);
+  void initNamedElementWithXML(const XMLNode& xml);
+
+  // The failure message; absent while no rule was violated. Only construction writes it.
+  [[nodiscard]] OptionalStringView error() const;
+  [[nodiscard]] bool failed() const { return _error != nullptr; }
+  // Stores a message in place of any earlier one. `origin` is the node at fault; without one the
+  // element's own node is meant, which whoever built the element fills in.
+  void setError(std::string message, const XMLNode& origin = {});
+  // The same with the element's own name in the place of the format's "%@".
+  void setErrorWithName(std::string_view format);
+  // Takes over the failure of a child that was built from `childXML`.
+  void adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML);
+  // Whether another element failed: error() of a sibling class is out of reach.
+  [[nodiscard]] static bool hasFailed(const QXDAOElement& element) { return element.failed(); }
+
+ private:
+  struct Failure {
+    std::string message;
+    XMLNode origin;
+  };
+
+  OptionalString _name;
+  std::unique_ptr<Failure> _error;
+  QXDAOElementKind _kind;
+};
+
+// The element as a T, or null when it is null or of another class.
+template <typename T>
+[[nodiscard]] T* QXDAOElementCast(QXDAOElement* element) {
+  return element && element->kind() == T::Kind ? static_cast<T*>(element) : nullptr;
+}
+template <typename T>
+[[nodiscard]] const T* QXDAOElementCast(const QXDAOElement* element) {
+  return element && element->kind() == T::Kind ? static_cast<const T*>(element) : nullptr;
+}
+
+using QXDAOElementList = std::vector<std::unique_ptr<QXDAOElement>>;
+
+// An element with an ordered list of child elements.
+class QXDAOContainerElement : public QXDAOElement {
+ public:
+  // In document order; absent until the children have been walked.
+  [[nodiscard]] const std::optional<QXDAOElementList>& children() const { return _children; }
+  void setChildren(std::optional<QXDAOElementList> children) { _children = std::move(children); }
+  // Gives the children away and leaves them absent here.
+  [[nodiscard]] std::optional<QXDAOElementList> takeChildren();
+
+ protected:
+  using QXDAOElement::QXDAOElement;
+
+  // The child walk: turns the nodes below `xml` into children. Comments are skipped, texts that
+  // are empty after trimming and expansion are dropped, elements are looked up in the tag table.
+  // The first failure is stored in this element, ends the walk and leaves children() undefined.
+  void processNodes(const XMLNode& xml);
+
+ private:
+  // One node of the walk as a child: null when it is dropped or when this element failed over it.
+  [[nodiscard]] static std::unique_ptr<QXDAOElement> textFrom(const XMLNode& node);
+  [[nodiscard]] std::unique_ptr<QXDAOElement> elementFrom(const XMLNode& node);
+
+  std::optional<QXDAOElementList> _children;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Text and dynamic fragments
+
+// One piece of SQL text. Never fails and has no name.
+//
+// A list reference %{'FORMAT', STAR, STAR…} in the text is written out as the format once per
+// star, every "*" in it replaced by the star, joined by ", ".
+class QXDAOText final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindText;
+  QXDAOText() : QXDAOElement(Kind) {}
+
+  // The text of a text node, without spaces, tabs and line feeds at both ends.
+  void initWithXML(const XMLNode& xml);
+  // The text as given; absent stays absent.
+  void initWithText(OptionalString text);
+
+  // The SQL text with its list references expanded.
+  [[nodiscard]] const OptionalString& expression() const { return _expression; }
+  void setExpression(OptionalString expression) { _expression = std::move(expression); }
+
+  // The engine's slots; null and None until the engine sets them.
+  [[nodiscard]] const std::unique_ptr<QXDAOEngineList>& speedyList() const { return _speedyList; }
+  void setSpeedyList(std::unique_ptr<QXDAOEngineList> list) { _speedyList = std::move(list); }
+  [[nodiscard]] QXDAOTextSpeedyStatus speedyStatus() const { return _speedyStatus; }
+  void setSpeedyStatus(QXDAOTextSpeedyStatus status) { _speedyStatus = status; }
+
+ private:
+  // Expands the list references of _expression in place, in one pass.
+  void processText();
+
+  OptionalString _expression;
+  std::unique_ptr<QXDAOEngineList> _speedyList;
+  QXDAOTextSpeedyStatus _speedyStatus = QXDAOTextSpeedyStatusNone;
+};
+
+// <if>, <when> and <otherwise>: content that applies under a condition. The attribute "true" or
+// "false" of if and when holds the expression and says which outcome applies.
+class QXDAOCondition final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindCondition;
+  QXDAOCondition() : QXDAOContainerElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  [[nodiscard]] QXDAOConditionType type() const { return _type; }
+  void setType(QXDAOConditionType type) { _type = type; }
+  // True when the content applies if the expression holds, false when it applies if it does not.
+  [[nodiscard]] bool evaluateAsTrue() const { return _evaluateAsTrue; }
+  void setEvaluateAsTrue(bool evaluateAsTrue) { _evaluateAsTrue = evaluateAsTrue; }
+  // The trimmed expression; absent for otherwise.
+  [[nodiscard]] const OptionalString& expression() const { return _expression; }
+  void setExpression(OptionalString expression) { _expression = std::move(expression); }
+  // The evaluator's tokens, never empty in a finished element; absent for otherwise.
+  [[nodiscard]] const std::optional<QXDAOTokenList>& tokenList() const { return _tokenList; }
+  void setTokenList(std::optional<QXDAOTokenList> tokens) { _tokenList = std::move(tokens); }
+
+ private:
+  [[nodiscard]] bool readCondition(const XMLNode& xml);
+  [[nodiscard]] bool readExpression(const XMLAttribute& attribute);
+
+  QXDAOConditionType _type = QXDAOConditionTypeIf;
+  bool _evaluateAsTrue = false;
+  OptionalString _expression;
+  std::optional<QXDAOTokenList> _tokenList;
+};
+
+// <choose>: its children are conditions, any number of when and then at most one otherwise.
+class QXDAOChoose final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindChoose;
+  QXDAOChoose() : QXDAOContainerElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+};
+
+// <foreach>: text that the engine repeats for each entry of a collection. String attributes are
+// kept as written; those that are not given stay absent.
+class QXDAOForeach final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindForeach;
+  QXDAOForeach() : QXDAOElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  // The name of the iteration variable and the collection it runs over; never empty when finished.
+  [[nodiscard]] const OptionalString& item() const { return _item; }
+  void setItem(OptionalString item) { _item = std::move(item); }
+  [[nodiscard]] const OptionalString& collection() const { return _collection; }
+  void setCollection(OptionalString collection) { _collection = std::move(collection); }
+  // The texts before, between and after the repetitions.
+  [[nodiscard]] const OptionalString& open() const { return _open; }
+  void setOpen(OptionalString open) { _open = std::move(open); }
+  [[nodiscard]] const OptionalString& separator() const { return _separator; }
+  void setSeparator(OptionalString separator) { _separator = std::move(separator); }
+  [[nodiscard]] const OptionalString& close() const { return _close; }
+  void setClose(OptionalString close) { _close = std::move(close); }
+  // The text to repeat; present in a finished element, its expression may be empty.
+  [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }
+  void setText(std::unique_ptr<QXDAOText> text) { _text = std::move(text); }
+  // From the last entry to the first.
+  [[nodiscard]] bool reverse() const { return _reverse; }
+  void setReverse(bool reverse) { _reverse = reverse; }
+  // The engine's flag; false until the engine sets it.
+  [[nodiscard]] bool commonBindModel() const { return _commonBindModel; }
+  void setCommonBindModel(bool commonBindModel) { _commonBindModel = commonBindModel; }
+
+ private:
+  void readAttributes(const XMLNode& xml);
+  void readText(const XMLNode& xml);
+
+  OptionalString _item;
+  OptionalString _collection;
+  OptionalString _open;
+  OptionalString _separator;
+  OptionalString _close;
+  std::unique_ptr<QXDAOText> _text;
+  bool _reverse = false;
+  bool _commonBindModel = false;
+};
+
+// <trim>, <where> and <set>: content whose ends are cleaned up when the SQL is put together.
+class QXDAOTrim final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindTrim;
+  QXDAOTrim() : QXDAOContainerElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  // The keyword to put before the content: "where", "set", or the "prefix" of a trim.
+  [[nodiscard]] const OptionalString& operationName() const { return _operationName; }
+  void setOperationName(OptionalString operationName) { _operationName = std::move(operationName); }
+  // What to remove from the start and the end of the content, in order, spaces included.
+  [[nodiscard]] const std::vector<std::string>& prefixOverrides() const { return _prefixOverrides; }
+  void setPrefixOverrides(std::vector<std::string> overrides) { _prefixOverrides = std::move(overrides); }
+  [[nodiscard]] const std::vector<std::string>& suffixOverrides() const { return _suffixOverrides; }
+  void setSuffixOverrides(std::vector<std::string> overrides) { _suffixOverrides = std::move(overrides); }
+  [[nodiscard]] QXDAOTrimOnVoidType onVoid() const { return _onVoid; }
+  void setOnVoid(QXDAOTrimOnVoidType onVoid) { _onVoid = onVoid; }
+
+ private:
+  void readOperation(const XMLNode& xml);
+  void readTrim(const XMLNode& xml);
+
+  OptionalString _operationName;
+  std::vector<std::string> _prefixOverrides;
+  std::vector<std::string> _suffixOverrides;
+  QXDAOTrimOnVoidType _onVoid = QXDAOTrimOnVoidTypeNone;
+};
+
+// <format>: how the engine writes key-value pairs at this place. Content is ignored.
+class QXDAOKeyValueFormatter final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindKeyValueFormatter;
+  QXDAOKeyValueFormatter() : QXDAOElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  // None of the three is empty in a finished element.
+  [[nodiscard]] const OptionalString& prefix() const { return _prefix; }
+  void setPrefix(OptionalString prefix) { _prefix = std::move(prefix); }
+  [[nodiscard]] const OptionalString& pairs() const { return _pairs; }
+  void setPairs(OptionalString pairs) { _pairs = std::move(pairs); }
+  [[nodiscard]] const OptionalString& join() const { return _join; }
+  void setJoin(OptionalString join) { _join = std::move(join); }
+
+ private:
+  OptionalString _prefix;
+  OptionalString _pairs;
+  OptionalString _join;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Reusable text
+
+// <sql>: a named piece of SQL text without dynamic fragments. "T" and "t" are reserved names.
+class QXDAOSqlBlock final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindSqlBlock;
+  QXDAOSqlBlock() : QXDAOElement(Kind) {}
+
+  void initNamedElementWithXML(const XMLNode& xml);
+
+  // Present in a finished element; its expression may be empty.
+  [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }
+  void setText(std::unique_ptr<QXDAOText> text) { _text = std::move(text); }
+
+ private:
+  void readText(const XMLNode& xml);
+
+  std::unique_ptr<QXDAOText> _text;
+};
+
+// <const NAME="text"/>: a named constant.
+class QXDAOConst final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindConst;
+  QXDAOConst() : QXDAOElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  // Present in a finished element.
+  [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }
+  void setText(std::unique_ptr<QXDAOText> text) { _text = std::move(text); }
+
+ private:
+  [[nodiscard]] bool readDeclaration(const XMLNode& xml);
+
+  std::unique_ptr<QXDAOText> _text;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Object mapping
+
+// <map>: which property of a class receives which column of a result row.
+class QXDAOMap final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindMap;
+  QXDAOMap() : QXDAOElement(Kind) {}
+
+  void initNamedElementWithXML(const XMLNode& xml);
+
+  // The class that a row becomes; never empty in a finished element.
+  [[nodiscard]] const OptionalString& resultClass() const { return _resultClass; }
+  void setResultClass(OptionalString resultClass) { _resultClass = std::move(resultClass); }
+  // Column name → property name; the last of several entries for one column wins.
+  using ColumnPropertyMap = std::unordered_map<std::string, std::string>;
+  [[nodiscard]] const std::optional<ColumnPropertyMap>& columnPropertyMap() const { return _columnPropertyMap; }
+  void setColumnPropertyMap(std::optional<ColumnPropertyMap> map) { _columnPropertyMap = std::move(map); }
+
+ private:
+  void readColumns(const XMLNode& xml);
+  [[nodiscard]] bool readColumn(const XMLNode& node);
+
+  OptionalString _resultClass;
+  std::optional<ColumnPropertyMap> _columnPropertyMap;
+};
+
+// <crypt>: one property of one class whose stored value the engine encrypts. It has no name.
+class QXDAOCryptProperty final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindCryptProperty;
+  QXDAOCryptProperty() : QXDAOElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  // Neither is empty in a finished element.
+  [[nodiscard]] const OptionalString& className() const { return _className; }
+  void setClassName(OptionalString className) { _className = std::move(className); }
+  [[nodiscard]] const OptionalString& propertyName() const { return _propertyName; }
+  void setPropertyName(OptionalString propertyName) { _propertyName = std::move(propertyName); }
+
+ private:
+  [[nodiscard]] bool validCryptDescription(const XMLNode& xml);
+
+  OptionalString _className;
+  OptionalString _propertyName;
+};
+
+// <pack>: several properties of an object stored together in one column. It has no name and
+// names no class: one pack serves every class.
+class QXDAOPack final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindPack;
+  QXDAOPack() : QXDAOElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  // The column's name; never empty in a finished element.
+  [[nodiscard]] const OptionalString& column() const { return _column; }
+  void setColumn(OptionalString column) { _column = std::move(column); }
+  // The names in the order written, empty and repeated ones included; two or more when finished.
+  [[nodiscard]] const std::optional<std::vector<std::string>>& propertyList() const { return _propertyList; }
+  void setPropertyList(std::optional<std::vector<std::string>> list) { _propertyList = std::move(list); }
+  // Whether the engine stores the column encrypted.
+  [[nodiscard]] bool crypted() const { return _crypted; }
+  void setCrypted(bool crypted) { _crypted = crypted; }
+
+ private:
+  void readPropertyList(std::string_view properties);
+
+  bool _crypted = false;
+  OptionalString _column;
+  std::optional<std::vector<std::string>> _propertyList;
+};
+
+// ---------------------------------------------------------------------------------------------
+// Methods
+
+class ModelClass;
+
+// One declared argument of a method.
+class QXDAOMethodArgument {
+ public:
+  // Without the "$" mark.
+  [[nodiscard]] const OptionalString& name() const { return _name; }
+  void setName(OptionalString name) { _name = std::move(name); }
+  // The declaration began with "$".
+  [[nodiscard]] bool notNull() const { return _notNull; }
+  void setNotNull(bool notNull) { _notNull = notNull; }
+
+ private:
+  OptionalString _name;
+  bool _notNull = false;
+};
+
+// <select>, <update>, <insert>, <delete> and <upgrade>: one data-access method. Its children are
+// its body. An upgrade has no name, only the version it leads to.
+class QXDAOMethod final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindMethod;
+  QXDAOMethod() : QXDAOContainerElement(Kind) {}
+
+  void initNamedElementWithXML(const XMLNode& xml);
+
+  // True when an argument has exactly this name, the "$" mark not counted.
+  [[nodiscard]] bool hasArgumentWithName(std::string_view name) const;
+
+  // The "profile" attribute.
+  bool _profile = false;
+  // The engine's fields; the mapping layer never touches them.
+  bool _ignoreCounter = false;
+  std::unique_ptr<QXSCDAOMethodCounter> _counter;
+  const ModelClass* _cls = nullptr;  // not owned
+  std::unique_ptr<QXDAOEngineList> _mappingInfo;
+  std::int32_t _mappingSequence = 0;
+
+  // The engine's slot; absent until the engine sets it.
+  [[nodiscard]] const OptionalString& module() const { return _module; }
+  void setModule(OptionalString module) { _module = std::move(module); }
+
+  [[nodiscard]] QXDAOOperation operation() const { return _operation; }
+  void setOperation(QXDAOOperation operation) { _operation = operation; }
+
+  // What a select yields; Int, false and absent on other operations. The type name is the keyword,
+  // the class name, or the name of the result map.
+  [[nodiscard]] QXDAOSelectResultType resultType() const { return _resultType; }
+  void setResultType(QXDAOSelectResultType resultType) { _resultType = resultType; }
+  [[nodiscard]] bool resultArrayed() const { return _resultArrayed; }
+  void setResultArrayed(bool resultArrayed) { _resultArrayed = resultArrayed; }
+  [[nodiscard]] bool assignedTable() const { return _assignedTable; }
+  void setAssignedTable(bool assignedTable) { _assignedTable = assignedTable; }
+  [[nodiscard]] const OptionalString& resultTypeName() const { return _resultTypeName; }
+  void setResultTypeName(OptionalString resultTypeName) { _resultTypeName = std::move(resultTypeName); }
+
+  // The declared arguments in order; empty when none is declared.
+  [[nodiscard]] const std::optional<std::vector<QXDAOMethodArgument>>& arguments() const { return _arguments; }
+  void setArguments(std::optional<std::vector<QXDAOMethodArgument>> arguments) { _arguments = std::move(arguments); }
+
+  // The children are two or more steps; the only child is a try block.
+  [[nodiscard]] bool steped() const { return _steped; }
+  void setSteped(bool steped) { _steped = steped; }
+  [[nodiscard]] bool tryBlock() const { return _tryBlock; }
+  void setTryBlock(bool tryBlock) { _tryBlock = tryBlock; }
+
+  [[nodiscard]] bool parallel() const { return _parallel; }
+  void setParallel(bool parallel) { _parallel = parallel; }
+
+  // The "foreach" attribute "collection.item": the method runs once for each entry.
+  [[nodiscard]] bool foreach () const { return _foreach; }
+  void setForeach(bool foreach) { _foreach = foreach; }
+  [[nodiscard]] bool foreachResumable() const { return _foreachResumable; }
+  void setForeachResumable(bool foreachResumable) { _foreachResumable = foreachResumable; }
+  [[nodiscard]] const OptionalString& foreachItemName() const { return _foreachItemName; }
+  void setForeachItemName(OptionalString name) { _foreachItemName = std::move(name); }
+  [[nodiscard]] const OptionalString& foreachCollection() const { return _foreachCollection; }
+  void setForeachCollection(OptionalString name) { _foreachCollection = std::move(name); }
+
+  // The version that an upgrade leads to, 0 for "initial"; 0 on other operations.
+  [[nodiscard]] double toVersion() const { return _toVersion; }
+  void setToVersion(double toVersion) { _toVersion = toVersion; }
+
+ private:
+  [[nodiscard]] bool readUpgradeDeclaration(const XMLNode& xml);
+  // The second stage of building, and its own stages in their order. Each reports through the
+  // element's error; the first two end the setup by it.
+  void setupMethod(const XMLNode& xml);
+  void decideOperation(const XMLNode& xml);
+  void readArguments(const XMLNode& xml);
+  void readOptions(const XMLNode& xml);
+  void decideResultType(const XMLNode& xml);
+  void checkStepElements();
+  void checkTryBlock();
+  void readForeach(const XMLNode& xml);
+  [[nodiscard]] bool readForeachNames(std::string_view declaration);
+
+  OptionalString _module;
+  QXDAOOperation _operation = QXDAOOperationSelect;
+  QXDAOSelectResultType _resultType = QXDAOSelectResultTypeInt;
+  bool _resultArrayed = false;
+  bool _assignedTable = false;
+  OptionalString _resultTypeName;
+  std::optional<std::vector<QXDAOMethodArgument>> _arguments;
+  bool _steped = false;
+  bool _tryBlock = false;
+  bool _parallel = false;
+  bool _foreach = false;
+  bool _foreachResumable = false;
+  OptionalString _foreachItemName;
+  OptionalString _foreachCollection;
+  double _toVersion = 0;
+};
+
+// <step>: one of several parts of a method. A method with a single step is built as if the step's
+// content stood in the method itself.
+class QXDAOMethodStep final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindMethodStep;
+  QXDAOMethodStep() : QXDAOContainerElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod);
+
+  [[nodiscard]] QXDAOMethod* parentMethod() const { return _parentMethod; }
+  void setParentMethod(QXDAOMethod* parentMethod) { _parentMethod = parentMethod; }
+  [[nodiscard]] bool resumable() const { return _resumable; }
+  void setResumable(bool resumable) { _resumable = resumable; }
+
+ private:
+  QXDAOMethod* _parentMethod = nullptr;
+  bool _resumable = false;
+};
+
+class QXDAOExcept;
+
+// <try>: guarded content, followed by the except block that runs when it fails. The except block
+// is the last child.
+class QXDAOTry final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindTry;
+  QXDAOTry() : QXDAOContainerElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod);
+
+  [[nodiscard]] QXDAOMethod* parentMethod() const { return _parentMethod; }
+  void setParentMethod(QXDAOMethod* parentMethod) { _parentMethod = parentMethod; }
+  // The last child, owned by children(); null until it is built and after a failure.
+  [[nodiscard]] QXDAOExcept* exceptElement() const { return _exceptElement; }
+  void setExceptElement(QXDAOExcept* exceptElement) { _exceptElement = exceptElement; }
+
+ private:
+  [[nodiscard]] bool endsWithExcept() const;
+
+  QXDAOMethod* _parentMethod = nullptr;
+  QXDAOExcept* _exceptElement = nullptr;
+};
+
+// <except>: what runs when the content of its try block fails.
+class QXDAOExcept final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindExcept;
+  QXDAOExcept() : QXDAOContainerElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml, QXDAOTry* tryElement);
+
+  [[nodiscard]] QXDAOTry* tryElement() const { return _tryElement; }
+  void setTryElement(QXDAOTry* tryElement) { _tryElement = tryElement; }
+
+ private:
+  QXDAOTry* _tryElement = nullptr;
+};
+
+// ---------------------------------------------------------------------------------------------
+// The mapping sequence: one process-wide counter for the engine, starting at 0. Nothing in the
+// mapping layer calls these. Safe on any thread; past the largest value it wraps around.
+
+[[nodiscard]] std::int32_t GetQXDAOMappingSequence();
+void IncreaseQXDAOMappingSequence();
+
+}  // namespace korvex
