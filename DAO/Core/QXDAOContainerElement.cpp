@@ -1,8 +1,8 @@
-#include <algorithm>
 #include <array>
 
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -58,18 +58,6 @@ constexpr std::array<TagRule, 12> tagTable = {{
     {C_FORMAT, buildPlain<QXDAOKeyValueFormatter>},
 }};
 
-const TagRule* ruleOfTag(OptionalStringView tag) {
-  const auto* found =
-      std::find_if(tagTable.begin(), tagTable.end(), [tag](const TagRule& rule) { return tag == rule.tag; });
-  return found == tagTable.end() ? nullptr : found;
-}
-
-std::unique_ptr<QXDAOText> buildText(const XMLNode& xml) {
-  auto text = std::make_unique<QXDAOText>();
-  text->initWithXML(xml);
-  return text;
-}
-
 constexpr std::size_t usualChildCount = 5;
 
 }  // namespace
@@ -90,14 +78,15 @@ void QXDAOContainerElement::processNodes(const XMLNode& xml) {
 }
 
 std::unique_ptr<QXDAOElement> QXDAOContainerElement::textFrom(const XMLNode& node) {
-  auto text = buildText(node);
+  auto text = std::make_unique<QXDAOText>();
+  text->initWithXML(node);
   if (isEmpty(text->expression())) return nullptr;
   return text;
 }
 
 std::unique_ptr<QXDAOElement> QXDAOContainerElement::elementFrom(const XMLNode& node) {
   const OptionalStringView tag = node.name();
-  const TagRule* rule = ruleOfTag(tag);
+  const TagRule* rule = rowWith(tagTable, &TagRule::tag, tag);
   if (!rule) {
     setError(filledFormat(Messages::unknownElement, tag), node);
     return nullptr;

@@ -1,9 +1,9 @@
 #include "DAO/QXDAOElement.h"
 
-#include <algorithm>
 #include <array>
 
 #include "DAO/Core/Messages.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -40,9 +40,8 @@ constexpr std::array<RootTag, 5> rootTags = {{
 }};
 
 ElementBuilder builderOfRootTag(OptionalStringView tag) {
-  const auto* found =
-      std::find_if(rootTags.begin(), rootTags.end(), [tag](const RootTag& row) { return tag == row.tag; });
-  return found == rootTags.end() ? buildNamed<QXDAOMethod> : found->build;
+  const RootTag* row = rowWith(rootTags, &RootTag::tag, tag);
+  return row ? row->build : buildNamed<QXDAOMethod>;
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-#include <algorithm>
 #include <array>
 
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -20,9 +20,8 @@ constexpr std::array<ConditionTag, 3> conditionTags = {{
 }};
 
 QXDAOConditionType typeOfTag(OptionalStringView tag) {
-  const auto* found = std::find_if(conditionTags.begin(), conditionTags.end(),
-                                   [tag](const ConditionTag& row) { return tag == row.tag; });
-  return found == conditionTags.end() ? QXDAOConditionTypeIf : found->type;
+  const ConditionTag* row = rowWith(conditionTags, &ConditionTag::tag, tag);
+  return row ? row->type : QXDAOConditionTypeIf;
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-#include <algorithm>
 #include <array>
 
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -32,12 +32,6 @@ constexpr std::array<ForeachAttribute, 6> foreachAttributes = {{
     {C_REVERSE, storeReverse},
 }};
 
-const ForeachAttribute* attributeNamed(OptionalStringView name) {
-  const auto* found = std::find_if(foreachAttributes.begin(), foreachAttributes.end(),
-                                   [name](const ForeachAttribute& row) { return name == row.name; });
-  return found == foreachAttributes.end() ? nullptr : found;
-}
-
 constexpr std::size_t usualTextLength = 200;
 
 }  // namespace
@@ -52,7 +46,7 @@ void QXDAOForeach::initWithXML(const XMLNode& xml) {
 
 void QXDAOForeach::readAttributes(const XMLNode& xml) {
   for (const XMLAttribute& attribute : xml.attributes()) {
-    const ForeachAttribute* known = attributeNamed(attribute.name());
+    const ForeachAttribute* known = rowWith(foreachAttributes, &ForeachAttribute::name, attribute.name());
     if (!known) {
       setError(std::string(Messages::foreachParameters));
       return;

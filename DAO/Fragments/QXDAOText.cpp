@@ -1,6 +1,6 @@
+#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstring>
 
 #include "DAO/QXDAOElement.h"
 
@@ -45,15 +45,9 @@ class ListReferenceScan {
   // The next position at which a rule can change anything: outside a reference only a "%" does,
   // or whatever follows a pending one; inside a reference only markup does.
   [[nodiscard]] std::size_t nextOfInterest(std::size_t from) const {
-    if (_referenceBegin == 0) return _pendingSymbol ? from : positionOfSymbol(from);
+    if (_referenceBegin == 0) return _pendingSymbol ? from : std::min(_text.find('%', from), _text.size());
     while (from < _text.size() && !isMarkup[static_cast<unsigned char>(_text[from])]) ++from;
     return from;
-  }
-
-  [[nodiscard]] std::size_t positionOfSymbol(std::size_t from) const {
-    if (from >= _text.size()) return from;
-    const void* found = std::memchr(_text.data() + from, '%', _text.size() - from);
-    return found ? static_cast<std::size_t>(static_cast<const char*>(found) - _text.data()) : _text.size();
   }
 
   void take(std::size_t at) {

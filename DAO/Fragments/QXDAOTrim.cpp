@@ -1,8 +1,8 @@
-#include <algorithm>
 #include <array>
 
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -19,9 +19,8 @@ constexpr std::array<OnVoidWord, 2> onVoidWords = {{
 }};
 
 QXDAOTrimOnVoidType onVoidOf(OptionalStringView value) {
-  const auto* found = std::find_if(onVoidWords.begin(), onVoidWords.end(),
-                                   [value](const OnVoidWord& row) { return value == row.word; });
-  return found == onVoidWords.end() ? QXDAOTrimOnVoidTypeNone : found->type;
+  const OnVoidWord* row = rowWith(onVoidWords, &OnVoidWord::word, value);
+  return row ? row->type : QXDAOTrimOnVoidTypeNone;
 }
 
 // The pieces between "|", untrimmed: one empty piece for an empty text, none for an absent one.

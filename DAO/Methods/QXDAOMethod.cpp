@@ -4,6 +4,7 @@
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
 #include "Platform/NumberScanner.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -76,13 +77,10 @@ void QXDAOMethod::setupMethod(const XMLNode& xml) {
 }
 
 void QXDAOMethod::decideOperation(const XMLNode& xml) {
-  const OptionalStringView tag = xml.name();
-  const auto* found = std::find_if(operationTags.begin(), operationTags.end(),
-                                   [tag](const OperationTag& row) { return tag == row.tag; });
-  if (found == operationTags.end()) {
-    setError(filledFormat(Messages::unknownRootTag, tag));
+  if (const OperationTag* row = rowWith(operationTags, &OperationTag::tag, xml.name())) {
+    _operation = row->operation;
   } else {
-    _operation = found->operation;
+    setError(filledFormat(Messages::unknownRootTag, xml.name()));
   }
 }
 

@@ -1,10 +1,10 @@
 // The "result" attribute of a select: an optional pair of brackets for a list, and inside it a
 // keyword, ":" and the name of a result map, or a class name. Nothing is trimmed.
-#include <algorithm>
 #include <array>
 
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -26,9 +26,8 @@ constexpr std::array<ResultKeyword, 7> resultKeywords = {{
 }};
 
 QXDAOSelectResultType typeOfWord(std::string_view word) {
-  const auto* found = std::find_if(resultKeywords.begin(), resultKeywords.end(),
-                                   [word](const ResultKeyword& row) { return word == row.keyword; });
-  return found == resultKeywords.end() ? QXDAOSelectResultTypeObject : found->type;
+  const ResultKeyword* row = rowWith(resultKeywords, &ResultKeyword::keyword, word);
+  return row ? row->type : QXDAOSelectResultTypeObject;
 }
 
 }  // namespace

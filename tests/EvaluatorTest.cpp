@@ -1,0 +1,41 @@
+// Condition expressions: text → tokens, written as "kind:text" lists.
+#include <gtest/gtest.h>
+
+#include "Evaluator/QXDAOEvaluator.h"
+
+namespace korvex {
+namespace {
+
+// One letter a kind: n(ame), d(igits), s(tring), o(perator), b(racket).
+std::string tokens(std::string_view expression) {
+  std::string line;
+  for (const QXDAOToken& token : QXDAOEvaluator::buildTokenListWithExpression(expression)) {
+    if (!line.empty()) line += ' ';
+    line += std::string_view("ndsob")[token.type];
+    line += ':' + token.text;
+  }
+  return line;
+}
+
+TEST(Evaluator, Tokens) {
+  const std::vector<std::pair<const char*, const char*>> cases = {
+      {"a > 1", "n:a o:> d:1"},
+      {"person.age>=18&&!deleted", "n:person.age o:>= d:18 o:&& o:! n:deleted"},
+      {"(a == 'it\\'s') || b[0] <> \"x y\"", "b:( n:a o:== s:'it\\'s' b:) o:|| n:b b:[ d:0 b:] o:<> s:\"x y\""},
+      {"-1.5e-3 + .5 - 5.", "o:- d:1.5e-3 o:+ d:.5 o:- d:5."},
+      {"$n1 = _x\t*\n\xC3\xA9t\xC3\xA9", "n:$n1 o:= n:_x o:* n:\xC3\xA9t\xC3\xA9"},
+      {"1<=2", "d:1 o:<= d:2"},
+      {"name not nil", "n:name n:not n:nil"},
+  };
+  for (const auto& [expression, expected] : cases) EXPECT_EQ(tokens(expression), expected) << expression;
+}
+
+TEST(Evaluator, RefusesWhatItCannotTokenise) {
+  for (const char* expression : {"", " \t\n", "'open", "\"open'", "'a\\'", "a.", "a..b", "a.1", "1a", "1.2.3", "1e",
+                                 ".", "a # b", "a @ b", "a;"}) {
+    EXPECT_EQ(tokens(expression), "") << expression;
+  }
+}
+
+}  // namespace
+}  // namespace korvex
