@@ -249,10 +249,8 @@ class QXDAOElement {
   void setError(std::string message, const XMLNode& origin = {});
   // The same with the element's own name in the place of the format's "%@".
   void setErrorWithName(std::string_view format);
-  // Takes over the failure of a child that was built from `childXML`.
-  void adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML);
-  // Whether another element failed: error() of a sibling class is out of reach.
-  [[nodiscard]] static bool hasFailed(const QXDAOElement& element) { return element.failed(); }
+  // Takes over the failure of a child that was built from `childXML`; false when it has none.
+  bool adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML);
 
  private:
   struct Failure {
@@ -295,9 +293,9 @@ class QXDAOContainerElement : public QXDAOElement {
   void processNodes(const XMLNode& xml);
 
  private:
-  // One node of the walk as a child: null when it is dropped or when this element failed over it.
-  [[nodiscard]] static std::unique_ptr<QXDAOElement> textFrom(const XMLNode& node);
-  [[nodiscard]] std::unique_ptr<QXDAOElement> elementFrom(const XMLNode& node);
+  // One step of the walk each; appendElement is false when this element failed over the node.
+  static void appendText(const XMLNode& node, QXDAOElementList& children);
+  [[nodiscard]] bool appendElement(const XMLNode& node, QXDAOElementList& children);
 
   std::optional<QXDAOElementList> _children;
 };

@@ -64,40 +64,37 @@ constexpr std::size_t usualChildCount = 5;
 
 std::optional<QXDAOElementList> QXDAOContainerElement::takeChildren() { return std::exchange(_children, std::nullopt); }
 
+// A failure from before the walk, such as a select's missing result type, does not end it: the
+// walk ends by its own failures only.
 void QXDAOContainerElement::processNodes(const XMLNode& xml) {
   QXDAOElementList children;
   children.reserve(usualChildCount);
   for (const XMLNode& node : xml.children()) {
-    std::unique_ptr<QXDAOElement> child;
-    if (node.kind() == XMLNodeKind::Text) child = textFrom(node);
-    if (node.kind() == XMLNodeKind::Element) child = elementFrom(node);
-    if (failed()) return;
-    if (child) children.push_back(std::move(child));
+    if (node.kind() == XMLNodeKind::Text) appendText(node, children);
+    if (node.kind() == XMLNodeKind::Element && !appendElement(node, children)) return;
   }
   _children = std::move(children);
 }
 
-std::unique_ptr<QXDAOElement> QXDAOContainerElement::textFrom(const XMLNode& node) {
+void QXDAOContainerElement::appendText(const XMLNode& node, QXDAOElementList& children) {
   auto text = std::make_unique<QXDAOText>();
   text->initWithXML(node);
-  if (isEmpty(text->expression())) return nullptr;
-  return text;
+  if (!isEmpty(text->expression())) children.push_back(std::move(text));
 }
 
-std::unique_ptr<QXDAOElement> QXDAOContainerElement::elementFrom(const XMLNode& node) {
+bool QXDAOContainerElement::appendElement(const XMLNode& node, QXDAOElementList& children) {
   const OptionalStringView tag = node.name();
   const TagRule* rule = rowWith(tagTable, &TagRule::tag, tag);
   if (!rule) {
     setError(filledFormat(Messages::unknownElement, tag), node);
-    return nullptr;
+    return false;
   }
   if (!rule->mayStandIn(*this)) {
     setError(std::string(rule->misplaced), node);
-    return nullptr;
+    return false;
   }
-  auto child = rule->build(node, *this);
-  if (hasFailed(*child)) adoptErrorOf(*child, node);
-  return child;
+  children.push_back(rule->build(node, *this));
+  return !adoptErrorOf(*children.back(), node);
 }
 
 }  // namespace korvex

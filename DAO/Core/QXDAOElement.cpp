@@ -82,9 +82,11 @@ void QXDAOElement::setError(std::string message, const XMLNode& origin) {
 
 void QXDAOElement::setErrorWithName(std::string_view format) { setError(filledFormat(format, _name)); }
 
-void QXDAOElement::adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML) {
+bool QXDAOElement::adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML) {
+  if (!child.failed()) return false;
   const Failure& failure = *child._error;
   setError(failure.message, failure.origin ? failure.origin : childXML);
+  return true;
 }
 
 }  // namespace korvex
