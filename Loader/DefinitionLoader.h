@@ -1,0 +1,90 @@
+// From the bytes of a definition document to element trees and exact diagnostics.
+//
+//   bytes → Document (XML tree with positions) → loadDefinitions → elements and error records
+//
+// Nothing here throws or aborts on bad input; a failure is a value with a message and a position.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DAO/QXDAOElement.h"
+#include "Loader/SourceText.h"
+#include "Platform/XMLNode.h"
+
+namespace korvex {
+
+struct LoadOptions {
+  // Refuse what is not well-formed XML by a first pass of a strict parser. Switch it off only for
+  // documents that were checked before, such as when the app was built: a well-formed document
+  // gives the same tree either way, a malformed one may then give some tree instead of a message.
+  bool strict = true;
+  // Keep text nodes of white space only. A <map> with indented children is refused then.
+  bool keepWhiteSpaceText = false;
+  // The largest document that is read, in bytes.
+  std::size_t maximumBytes = std::size_t{64} * 1024 * 1024;
+  // The deepest nesting of elements, the root counting 1.
+  std::size_t maximumDepth = 256;
+};
+
+// What keeps a whole document from being read.
+enum class DocumentErrorKind { Unreadable, TooLarge, Malformed, TooDeep };
+
+struct DocumentError {
+  DocumentErrorKind kind = DocumentErrorKind::Malformed;
+  std::string message;
+  XMLPosition position;  // line 1, column 1 where the error is about the file as a whole
+};
+
+// A parsed document: the tree that XMLNode handles read, and its source text for diagnostics.
+// Not copyable; the handles and views taken from it are valid while it lives. After construction
+// it is only read, on any number of threads.
+class Document {
+ public:
+  struct Result;
+
+  // Parses bytes (copied): UTF-8, or UTF-16 and ISO-8859-1 that say so.
+  [[nodiscard]] static Result fromBytes(std::string_view bytes, const LoadOptions& options = {});
+  // Reads a file first. A directory, a missing file and the like are DocumentErrorKind::Unreadable.
+  [[nodiscard]] static Result fromFile(const std::string& path, const LoadOptions& options = {});
+
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+  ~Document();
+
+  // The root element; never null.
+  [[nodiscard]] XMLNode root() const;
+  [[nodiscard]] const SourceText& source() const;
+
+ private:
+  class Implementation;
+  explicit Document(std::unique_ptr<Implementation> implementation);
+
+  std::unique_ptr<Implementation> _implementation;
+};
+
+// Either a document or the reason why there is none.
+struct Document::Result {
+  std::unique_ptr<Document> document;        // null on failure
+  std::optional<DocumentError> error;        // present on failure
+  std::shared_ptr<const SourceText> source;  // for an excerpt; null when nothing could be read
+};
+
+// One definition of a document, built or refused.
+struct Definition {
+  std::string tag;
+  XMLPosition position;                   // where its start tag begins
+  std::unique_ptr<QXDAOElement> element;  // null when it was refused
+  std::optional<QXDAOError> error;        // present when it was refused; its nodes live in the document
+};
+
+// Builds every definition of a document, in document order, also after refused ones. Definitions
+// are the child elements of the root; a root that is itself a definition (select, sql, map…) is
+// the only one. The elements outlive the document.
+[[nodiscard]] std::vector<Definition> loadDefinitions(const Document& document);
+
+}  // namespace korvex

@@ -1,0 +1,41 @@
+// Expat's parser as an owned value.
+#pragma once
+
+#include <expat.h>
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <type_traits>
+
+namespace korvex {
+
+struct ExpatParserDeleter {
+  void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+};
+
+using ExpatParser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ExpatParserDeleter>;
+
+// Has the parser read a whole document. False when it failed or was stopped; its error code and its
+// current byte index tell more then.
+[[nodiscard]] inline bool parseWhole(const ExpatParser& parser, std::string_view document) {
+  // The parser copies what it is given. Pieces of this size are still in the cache when it reads the
+  // copy, and stay far below the largest length that its interface can name.
+  constexpr std::size_t pieceLength = std::size_t{1} << 20U;
+  bool last = false;
+  while (!last) {
+    const std::string_view piece = document.substr(0, pieceLength);
+    document.remove_prefix(piece.size());
+    last = document.empty();
+    if (XML_Parse(parser.get(), piece.data(), static_cast<int>(piece.size()), last) != XML_STATUS_OK) return false;
+  }
+  return true;
+}
+
+// The byte offset in the document where the parser stands.
+[[nodiscard]] inline std::size_t currentOffset(const ExpatParser& parser) {
+  const XML_Index index = XML_GetCurrentByteIndex(parser.get());
+  return index < 0 ? 0 : static_cast<std::size_t>(index);
+}
+
+}  // namespace korvex

@@ -1,0 +1,55 @@
+// The document tree as pugixml keeps it, put into the shape that the elements read.
+#pragma once
+
+#include <optional>
+#include <pugixml.hpp>
+#include <string>
+#include <string_view>
+
+#include "Loader/DefinitionLoader.h"
+#include "Loader/SourceText.h"
+#include "Platform/XMLNode.h"
+
+namespace korvex {
+
+// Handles are pugixml's own. Stays where it is built, since its nodes point into it; the text must
+// outlive it.
+class PugiTree final : public XMLTree {
+ public:
+  explicit PugiTree(const SourceText& source) : _source(source), _buffer(source.text()) {}
+  PugiTree(const PugiTree&) = delete;
+  PugiTree& operator=(const PugiTree&) = delete;
+
+  // Parses the text, whose being well-formed is not checked in full.
+  [[nodiscard]] std::optional<DocumentError> parse();
+  // Whether the DOCTYPE brings declarations of its own.
+  [[nodiscard]] bool hasInternalSubset() const;
+  // Makes each run of text and CDATA between other markup one text node, takes away those of white
+  // space only, and refuses elements that are nested too deeply.
+  [[nodiscard]] std::optional<DocumentError> arrange(const LoadOptions& options);
+
+  // The root element, once parsed.
+  [[nodiscard]] NodeHandle root() const { return _document.document_element().internal_object(); }
+
+  [[nodiscard]] XMLNodeKind kind(NodeHandle node) const override;
+  [[nodiscard]] OptionalStringView name(NodeHandle node) const override;
+  [[nodiscard]] OptionalStringView text(NodeHandle node) const override;
+  [[nodiscard]] NodeHandle firstChild(NodeHandle node) const override;
+  [[nodiscard]] NodeHandle nextSibling(NodeHandle node) const override;
+  [[nodiscard]] AttributeHandle firstAttribute(NodeHandle node) const override;
+  [[nodiscard]] AttributeHandle nextAttribute(AttributeHandle attribute) const override;
+  [[nodiscard]] OptionalStringView attributeName(AttributeHandle attribute) const override;
+  [[nodiscard]] OptionalStringView attributeValue(AttributeHandle attribute) const override;
+  [[nodiscard]] std::optional<XMLPosition> position(NodeHandle node) const override;
+
+ private:
+  [[nodiscard]] std::size_t offsetOf(const char* parsed) const;
+  void arrangeTexts(pugi::xml_node element, bool keepWhiteSpace);
+  [[nodiscard]] pugi::xml_node joinTexts(pugi::xml_node first);
+
+  const SourceText& _source;
+  std::string _buffer;  // parsed in place: names and values of the tree are pieces of it
+  pugi::xml_document _document;
+};
+
+}  // namespace korvex

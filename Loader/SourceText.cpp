@@ -1,0 +1,85 @@
+#include "Loader/SourceText.h"
+
+#include <algorithm>
+
+namespace korvex {
+
+namespace {
+
+constexpr std::size_t blockLength = 1024;
+
+// Every byte but those that continue a UTF-8 character.
+std::size_t characterCount(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(
+      text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+}
+
+// The offset after the line end that begins at `at`.
+std::size_t afterLineEnd(std::string_view text, std::size_t at) { return at + (text.substr(at, 2) == "\r\n" ? 2 : 1); }
+
+// Finds the line ends one after the other. Each of the two characters is sought by itself, and
+// only as often as it occurs: that is much faster than looking for either of them.
+class LineEnds {
+ public:
+  explicit LineEnds(std::string_view text) : _text(text), _feed(text.find('\n')), _return(text.find('\r')) {}
+
+  // The offset of the first line end at or after `from`, which only grows; npos when there is none.
+  std::size_t next(std::size_t from) {
+    if (_feed < from) _feed = _text.find('\n', from);
+    if (_return < from) _return = _text.find('\r', from);
+    return std::min(_feed, _return);
+  }
+
+ private:
+  std::string_view _text;
+  std::size_t _feed;
+  std::size_t _return;
+};
+
+}  // namespace
+
+XMLPosition SourceText::position(std::size_t offset) const {
+  const std::vector<std::size_t>& starts = index().lineStarts;
+  offset = std::min(offset, _text.size());
+  const auto after = std::upper_bound(starts.begin(), starts.end(), offset);
+  const auto line = static_cast<std::size_t>(after - starts.begin());
+  return {line, charactersBefore(offset) - charactersBefore(starts[line - 1]) + 1};
+}
+
+std::string_view SourceText::line(std::size_t number) const {
+  const std::vector<std::size_t>& starts = index().lineStarts;
+  if (number == 0 || number > starts.size()) return {};
+  const std::string_view rest = text().substr(starts[number - 1]);
+  return rest.substr(0, rest.find_first_of("\r\n"));
+}
+
+const SourceText::Index& SourceText::index() const {
+  std::call_once(_indexed, [this] {
+    findLines();
+    countCharacters();
+  });
+  return _index;
+}
+
+void SourceText::findLines() const {
+  LineEnds ends(_text);
+  _index.lineStarts.push_back(0);
+  for (std::size_t end = ends.next(0); end != std::string_view::npos; end = ends.next(_index.lineStarts.back())) {
+    _index.lineStarts.push_back(afterLineEnd(_text, end));
+  }
+}
+
+void SourceText::countCharacters() const {
+  std::size_t counted = 0;
+  for (std::size_t begin = 0; begin <= _text.size(); begin += blockLength) {
+    _index.charactersBefore.push_back(counted);
+    counted += characterCount(text().substr(begin, blockLength));
+  }
+}
+
+std::size_t SourceText::charactersBefore(std::size_t offset) const {
+  const std::size_t block = offset / blockLength;
+  return _index.charactersBefore[block] + characterCount(text().substr(block * blockLength, offset % blockLength));
+}
+
+}  // namespace korvex

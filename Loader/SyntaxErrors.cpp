@@ -1,0 +1,252 @@
+#include "Loader/SyntaxErrors.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "Loader/ExpatParser.h"
+#include "Platform/Tables.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+constexpr std::string_view whiteSpace = " \t\r\n";
+constexpr std::string_view nameEnds = " \t\r\n/>=;<&\"'";
+
+// The name that begins at `offset`, up to the first character that cannot stand in one.
+std::string nameAt(std::string_view text, std::size_t offset) {
+  const std::string_view rest = text.substr(offset);
+  return std::string(rest.substr(0, rest.find_first_of(nameEnds)));
+}
+
+std::string quoted(std::string_view name) { return std::string("'").append(name).append("'"); }
+
+bool standsAt(std::string_view text, std::size_t offset, std::string_view what) {
+  return offset <= text.size() && text.substr(offset).starts_with(what);
+}
+
+bool standsBefore(std::string_view text, std::size_t offset, std::string_view what) {
+  return text.substr(0, offset).ends_with(what);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Tags that do not match
+
+// Follows the tags of a document up to the point where the parser fails.
+class OpenTags {
+ public:
+  explicit OpenTags(std::string_view text) : _parser(XML_ParserCreate("UTF-8")) {
+    XML_SetUserData(_parser.get(), this);
+    XML_SetElementHandler(_parser.get(), open, close);
+    static_cast<void>(parseWhole(_parser, text));
+  }
+
+  // The offset of the innermost start tag that is still open.
+  [[nodiscard]] std::optional<std::size_t> innermost() const {
+    if (_offsets.empty()) return std::nullopt;
+    return _offsets.back();
+  }
+
+ private:
+  static void XMLCALL open(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
+    auto& self = *static_cast<OpenTags*>(userData);
+    self._offsets.push_back(currentOffset(self._parser));
+  }
+  static void XMLCALL close(void* userData, const XML_Char* /*tag*/) {
+    static_cast<OpenTags*>(userData)->_offsets.pop_back();
+  }
+
+  ExpatParser _parser;
+  std::vector<std::size_t> _offsets;
+};
+
+// "'name', opened on line 3" of the element whose start tag stands at `offset`.
+std::string openedElement(const SourceText& source, std::size_t offset) {
+  return quoted(nameAt(source.text(), offset + 1)) + ", opened on line " + std::to_string(source.position(offset).line);
+}
+
+// The parser points at the name in the end tag.
+SyntaxError mismatchedTag(const SourceText& source, std::size_t offset) {
+  constexpr std::size_t endTagOpening = 2;
+  const std::string tag = "end tag " + quoted(nameAt(source.text(), offset));
+  return {tag + " does not match " + openedElement(source, OpenTags(source.text()).innermost().value_or(0)),
+          offset - endTagOpening};
+}
+
+SyntaxError endedTooSoon(const SourceText& source, std::size_t offset) {
+  const std::optional<std::size_t> tag = OpenTags(source.text()).innermost();
+  if (!tag) return {"no root element", offset};
+  return {"no end tag for " + openedElement(source, *tag), offset};
+}
+
+// ---------------------------------------------------------------------------------------------
+// Markup that does not end
+
+struct Opening {
+  std::string_view text;
+  std::string_view message;
+};
+
+constexpr std::array<Opening, 6> openings{{
+    {"<!--", "comment is not closed"},
+    {"<!DOCTYPE", "DOCTYPE is not closed"},
+    {"<?", "processing instruction is not closed"},
+    {"<![", "CDATA section is not closed"},
+    {"<", "tag is not closed"},
+    {"&", "reference is not closed"},
+}};
+
+SyntaxError unclosedMarkup(const SourceText& source, std::size_t offset) {
+  const auto opening = std::find_if(openings.begin(), openings.end(), [&](const Opening& candidate) {
+    return standsAt(source.text(), offset, candidate.text);
+  });
+  return {std::string(opening == openings.end() ? "markup is not closed" : opening->message), offset};
+}
+
+// The parser points at the end of the text; the section is the first one that opens after all
+// those that are closed.
+SyntaxError unclosedSection(const SourceText& source, std::size_t /*offset*/) {
+  const std::size_t closed = source.text().rfind("]]>");
+  return unclosedMarkup(source, source.text().find("<![CDATA[", closed == npos ? 0 : closed));
+}
+
+// ---------------------------------------------------------------------------------------------
+// References and attributes
+
+constexpr std::array<std::string_view, 5> predefinedEntities{"&lt;", "&gt;", "&amp;", "&quot;", "&apos;"};
+
+bool isKnownReference(std::string_view markup) {
+  return markup.starts_with("&#") ||
+         std::any_of(predefinedEntities.begin(), predefinedEntities.end(),
+                     [markup](std::string_view entity) { return markup.starts_with(entity); });
+}
+
+// The parser points at the reference, or at the start tag that holds it.
+SyntaxError unknownEntity(const SourceText& source, std::size_t offset) {
+  const std::size_t within = unknownReference(source.text().substr(offset));
+  return undefinedEntity(source.text(), within == npos ? offset : offset + within);
+}
+
+SyntaxError duplicateAttribute(const SourceText& source, std::size_t offset) {
+  return {"attribute " + quoted(nameAt(source.text(), offset)) + " is given twice", offset};
+}
+
+// ---------------------------------------------------------------------------------------------
+// Characters that are out of place. Each rule looks at the character where the parser stopped and
+// at what stands before it, and tells nothing where it does not apply.
+
+using Explanation = std::optional<SyntaxError>;
+
+Explanation controlCharacter(std::string_view text, std::size_t offset) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  const auto byte = static_cast<unsigned char>(text[offset]);
+  const bool isControl = byte < 0x20U || byte == 0x7FU;
+  if (!isControl || whiteSpace.find(text[offset]) != npos) return std::nullopt;
+  return SyntaxError{
+      std::string("control character U+00") + digits[byte >> 4U] + digits[byte & 0xFU] + " is not allowed", offset};
+}
+
+Explanation beyondASCII(std::string_view text, std::size_t offset) {
+  if (static_cast<unsigned char>(text[offset]) < 0x80U) return std::nullopt;
+  return SyntaxError{"not valid UTF-8, or a character that is not allowed here", offset};
+}
+
+// An "&" that begins no reference, with what could be its name between it and the offset.
+Explanation bareAmpersand(std::string_view text, std::size_t offset) {
+  const std::size_t at = text.substr(0, offset).find_last_of(nameEnds);
+  if (at == npos || text[at] != '&') return std::nullopt;
+  return SyntaxError{"'&' does not begin a reference; write &amp;", at};
+}
+
+Explanation bareLessThan(std::string_view text, std::size_t offset) {
+  if (!standsBefore(text, offset, "<")) return std::nullopt;
+  if (text[offset] == '/') return SyntaxError{"end tag without a start tag", offset - 1};
+  return SyntaxError{"'<' does not begin a tag; write &lt; or use a CDATA section", offset - 1};
+}
+
+Explanation misplacedLessThan(std::string_view text, std::size_t offset) {
+  if (text[offset] != '<') return std::nullopt;
+  return SyntaxError{"'<' is not allowed here; in an attribute's value write &lt;", offset};
+}
+
+Explanation sectionEndInText(std::string_view text, std::size_t offset) {
+  if (text[offset] != '>' || !standsBefore(text, offset, "]]")) return std::nullopt;
+  return SyntaxError{"']]>' is not allowed in text; write ]]&gt;", offset - 2};
+}
+
+Explanation misplacedWhiteSpace(std::string_view text, std::size_t offset) {
+  if (whiteSpace.find(text[offset]) == npos) return std::nullopt;
+  return SyntaxError{"unexpected white space", offset};
+}
+
+Explanation dashesInComment(std::string_view text, std::size_t offset) {
+  if (!standsBefore(text, offset, "--")) return std::nullopt;
+  return SyntaxError{"'--' is not allowed in a comment", offset - 2};
+}
+
+constexpr std::array<Explanation (*)(std::string_view, std::size_t), 8> explanations{
+    controlCharacter,  beyondASCII,      bareAmpersand,   bareLessThan,
+    misplacedLessThan, sectionEndInText, dashesInComment, misplacedWhiteSpace,
+};
+
+SyntaxError unexpectedCharacter(const SourceText& source, std::size_t offset) {
+  for (const auto& explanation : explanations) {
+    if (Explanation error = explanation(source.text(), offset)) return *std::move(error);
+  }
+  return {"unexpected " + quoted(source.text().substr(offset, 1)), offset};
+}
+
+// ---------------------------------------------------------------------------------------------
+
+struct Explainer {
+  XML_Error code;
+  SyntaxError (*explain)(const SourceText&, std::size_t);
+};
+
+constexpr std::array<Explainer, 7> explainers{{
+    {XML_ERROR_TAG_MISMATCH, mismatchedTag},
+    {XML_ERROR_NO_ELEMENTS, endedTooSoon},
+    {XML_ERROR_UNCLOSED_TOKEN, unclosedMarkup},
+    {XML_ERROR_UNCLOSED_CDATA_SECTION, unclosedSection},
+    {XML_ERROR_UNDEFINED_ENTITY, unknownEntity},
+    {XML_ERROR_DUPLICATE_ATTRIBUTE, duplicateAttribute},
+    {XML_ERROR_INVALID_TOKEN, unexpectedCharacter},
+}};
+
+struct PlainMessage {
+  XML_Error code;
+  std::string_view message;
+};
+
+constexpr std::array<PlainMessage, 4> plainMessages{{
+    {XML_ERROR_SYNTAX, "unexpected content before the root element"},
+    {XML_ERROR_JUNK_AFTER_DOC_ELEMENT, "unexpected content after the root element"},
+    {XML_ERROR_MISPLACED_XML_PI, "an XML declaration is allowed only at the very start of a document"},
+    {XML_ERROR_PARTIAL_CHAR, "the last character is cut off"},
+}};
+
+}  // namespace
+
+SyntaxError explainedError(const SourceText& source, XML_Error code, std::size_t offset) {
+  if (const Explainer* row = rowWith(explainers, &Explainer::code, code)) return row->explain(source, offset);
+  if (const PlainMessage* row = rowWith(plainMessages, &PlainMessage::code, code)) {
+    return {std::string(row->message), offset};
+  }
+  return {XML_ErrorString(code), offset};
+}
+
+std::size_t unknownReference(std::string_view markup) {
+  std::size_t at = markup.find('&');
+  while (at != npos && isKnownReference(markup.substr(at))) at = markup.find('&', at + 1);
+  return at;
+}
+
+SyntaxError undefinedEntity(std::string_view text, std::size_t offset) {
+  return {"entity " + quoted(nameAt(text, offset + 1)) + " is not defined", offset};
+}
+
+}  // namespace korvex
