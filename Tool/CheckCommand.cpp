@@ -1,0 +1,103 @@
+#include "Tool/CheckCommand.h"
+
+#include <ostream>
+
+#include "Tool/Finding.h"
+#include "Tool/InputFiles.h"
+
+namespace korvex {
+namespace {
+
+bool colorWanted(ColorMode mode, const Console& console) {
+  if (mode != ColorMode::Auto) return mode == ColorMode::Always;
+  return console.outIsTerminal && !console.noColor;
+}
+
+std::string counted(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+}
+
+// One run of the command: prints text findings as they come, collects them for JSON.
+class Check {
+ public:
+  Check(const CheckOptions& options, const Console& console)
+      : _options(options), _console(console), _color(colorWanted(options.color, console)) {}
+
+  ExitCode run() {
+    const InputFiles inputs = findInputFiles(_options.paths);
+    for (const UnreadablePath& path : inputs.unreadable) addUnreadable(path);
+    for (const std::string& file : inputs.files) checkFile(file);
+    finish();
+    if (!_unreadable.empty()) return ExitCodeTrouble;
+    return _errors > 0 ? ExitCodeSomethingFound : ExitCodeNothingFound;
+  }
+
+ private:
+  void checkFile(const std::string& file) {
+    const Document::Result result = readDocument(file, _console.in, _options.load);
+    const std::string path = shownPath(file);
+    if (result.document) {
+      checkDocument(path, *result.document);
+    } else if (result.error->kind == DocumentErrorKind::Unreadable) {
+      addUnreadable({path, result.error->message});
+    } else {
+      ++_files;
+      addFinding(findingOf(path, *result.error), result.source.get());
+    }
+  }
+
+  void checkDocument(const std::string& path, const Document& document) {
+    const std::vector<Definition> definitions = loadDefinitions(document);
+    ++_files;
+    _definitions += definitions.size();
+    for (const Definition& definition : definitions) {
+      if (definition.error) addFinding(findingOf(path, definition), &document.source());
+    }
+  }
+
+  void addFinding(const Finding& finding, const SourceText* source) {
+    ++_errors;
+    if (_options.format == CheckFormat::Json) {
+      _findings.push_back(findingJson(finding));
+    } else {
+      printFinding(_console.out, finding, source, _color);
+    }
+  }
+
+  void addUnreadable(const UnreadablePath& path) {
+    _unreadable.push_back({{"path", path.path}, {"message", path.message}});
+    printUnreadable(_console.err, path);
+  }
+
+  void finish() {
+    if (_options.format == CheckFormat::Json) _console.out << jsonText(report()) << '\n';
+    _console.out.flush();
+    _console.err << counted(_definitions, "definition") << " in " << counted(_files, "file") << ", "
+                 << counted(_errors, "error");
+    if (!_unreadable.empty()) _console.err << ", " << counted(_unreadable.size(), "unreadable path");
+    _console.err << '\n';
+  }
+
+  [[nodiscard]] Json report() const {
+    return {{"findings", _findings},
+            {"unreadable", _unreadable},
+            {"definitions", _definitions},
+            {"files", _files},
+            {"errors", _errors}};
+  }
+
+  const CheckOptions& _options;
+  const Console& _console;
+  bool _color;
+  Json _findings = Json::array();
+  Json _unreadable = Json::array();
+  std::size_t _definitions = 0;
+  std::size_t _files = 0;  // that could be read
+  std::size_t _errors = 0;
+};
+
+}  // namespace
+
+ExitCode runCheck(const CheckOptions& options, const Console& console) { return Check(options, console).run(); }
+
+}  // namespace korvex

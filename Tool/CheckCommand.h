@@ -1,0 +1,25 @@
+// korvex-dao check: what is wrong with definition documents.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Loader/DefinitionLoader.h"
+#include "Tool/Tool.h"
+
+namespace korvex {
+
+enum class CheckFormat { Text, Json };
+enum class ColorMode { Auto, Always, Never };
+
+struct CheckOptions {
+  std::vector<std::string> paths;
+  CheckFormat format = CheckFormat::Text;
+  ColorMode color = ColorMode::Auto;  // of the text format
+  LoadOptions load;
+};
+
+// Findings go to `console.out`; a summary line and inputs that cannot be read to `console.err`.
+[[nodiscard]] ExitCode runCheck(const CheckOptions& options, const Console& console);
+
+}  // namespace korvex

@@ -1,0 +1,51 @@
+#include "Tool/Excerpt.h"
+
+#include "Tool/VisibleText.h"
+
+namespace korvex {
+namespace {
+
+// All in characters. A longer line is cut; the caret then has some of the line to its left.
+constexpr std::size_t greatestWidth = 100;
+constexpr std::size_t farthestCaret = 80;
+constexpr std::size_t keptBeforeCaret = 40;
+
+constexpr std::string_view ellipsis = "…";
+
+std::string_view firstCharacters(std::string_view text, std::size_t count) {
+  return text.substr(0, text.size() - withoutCharacters(text, count).size());
+}
+
+// The text with its tabs left as they are.
+std::string visibleWithTabs(std::string_view text) {
+  std::string result;
+  for (std::size_t tab = text.find('\t'); tab != text.npos; tab = text.find('\t')) {
+    result += visibleText(text.substr(0, tab)) + '\t';
+    text.remove_prefix(tab + 1);
+  }
+  return result + visibleText(text);
+}
+
+// White space as wide as the printed text.
+std::string paddingFor(std::string_view printed) {
+  std::string padding;
+  for (; !printed.empty(); printed = withoutCharacters(printed, 1)) padding += printed[0] == '\t' ? '\t' : ' ';
+  return padding;
+}
+
+}  // namespace
+
+Excerpt excerptOf(std::string_view line, std::size_t column) {
+  const std::size_t caret = column - 1;
+  const bool fits = withoutCharacters(line, greatestWidth).empty();
+  const std::size_t cut = fits || caret <= farthestCaret ? 0 : caret - keptBeforeCaret;
+  const std::string_view kept = withoutCharacters(line, cut);
+  const std::string_view shown = firstCharacters(kept, greatestWidth);
+  const std::string_view beforeCaret = firstCharacters(shown, caret - cut);
+
+  const std::string start = std::string(cut > 0 ? ellipsis : "") + visibleWithTabs(beforeCaret);
+  const std::string end = visibleWithTabs(shown.substr(beforeCaret.size()));
+  return {start + end + std::string(shown.size() < kept.size() ? ellipsis : ""), paddingFor(start) + '^'};
+}
+
+}  // namespace korvex

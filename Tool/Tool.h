@@ -1,0 +1,29 @@
+// The command korvex-dao, from its arguments to its exit code.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace korvex {
+
+enum ExitCode : int {
+  ExitCodeNothingFound = 0,
+  ExitCodeSomethingFound = 1,  // a refused definition or a malformed document
+  ExitCodeTrouble = 2,         // wrong usage, an input that cannot be read, an output that cannot be written
+};
+
+// The process around the command. The streams are not owned.
+struct Console {
+  std::istream& in;
+  std::ostream& out;
+  std::ostream& err;
+  bool outIsTerminal = false;
+  bool noColor = false;  // the user asks for none; --color=always still wins
+};
+
+// Runs the command on its arguments (without the program's name) and flushes `console.out`.
+// Whatever goes wrong ends as a message on `console.err`; nothing is thrown.
+[[nodiscard]] ExitCode runTool(const std::vector<std::string>& arguments, const Console& console);
+
+}  // namespace korvex

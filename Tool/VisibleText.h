@@ -1,0 +1,21 @@
+// Text from documents made safe to print: what would move the cursor, change colours or reorder a
+// line is written as an escape. Text is UTF-8; bytes that are not are escaped one by one.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace korvex {
+
+// The first character of a text that is not empty: a byte and the continuation bytes after it.
+[[nodiscard]] std::string_view firstCharacter(std::string_view text);
+
+// The text after its first `count` characters; empty when it has no more than that.
+[[nodiscard]] std::string_view withoutCharacters(std::string_view text, std::size_t count);
+
+// The text on one line: \n, \r and \t for line feed, carriage return and tab, \x1b for an escape,
+// \u202e for a character that reverses the line, and so on. A backslash stays as it is.
+[[nodiscard]] std::string visibleText(std::string_view text);
+
+}  // namespace korvex

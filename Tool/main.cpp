@@ -1,0 +1,24 @@
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string_view>
+
+#include "Tool/Tool.h"
+
+namespace {
+
+// By convention an empty NO_COLOR says nothing.
+bool noColorWanted() {
+  const char* value = std::getenv("NO_COLOR");
+  return value && !std::string_view(value).empty();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // With buffers of their own the streams notice every failed read and write.
+  std::ios::sync_with_stdio(false);
+  return korvex::runTool({argv + (argc > 0), argv + argc},
+                         {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1, noColorWanted()});
+}
