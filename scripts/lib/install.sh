@@ -1,0 +1,47 @@
+# Sourced by the scripts: installs those packages of packages.txt that this machine lacks.
+
+heading() {
+  printf '\n== %s\n' "$*" >&2
+}
+
+fail() {
+  printf '%s: %s\n' "${0##*/}" "$*" >&2
+  exit 1
+}
+
+# The packages of the given uses.
+packagesFor() {
+  local package use
+  while read -r package use _; do
+    if [[ $package != '#'* && -n $use && " $* " == *" $use "* ]]; then echo "$package"; fi
+  done <"$(dirname "${BASH_SOURCE[0]}")/../packages.txt"
+}
+
+isInstalled() {
+  dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed
+}
+
+asRoot() {
+  if ((EUID == 0)); then "$@"; else sudo "$@"; fi
+}
+
+# Installs what is missing of the packages for the given uses, such as: installFor build tests
+installFor() {
+  local package missing=()
+  if ! command -v dpkg-query >/dev/null; then
+    heading "No Debian: these packages are taken to be here under whatever name:" $(packagesFor "$@")
+    return
+  fi
+  for package in $(packagesFor "$@"); do
+    isInstalled "$package" || missing+=("$package")
+  done
+  if ((${#missing[@]} == 0)); then return; fi
+
+  if ((EUID != 0)) && ! command -v sudo >/dev/null; then
+    fail "only root can install: ${missing[*]} (and there is no sudo)"
+  fi
+  heading "Installing ${missing[*]} (takes a minute or two)"
+  asRoot apt-get -qq update
+  asRoot env DEBIAN_FRONTEND=noninteractive \
+    apt-get -qq install --yes --no-install-recommends -o Dpkg::Use-Pty=0 "${missing[@]}" >/dev/null
+}
