@@ -1,0 +1,146 @@
+// Keeps the documents honest: what docs/language.md and the examples claim is tried out.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <utility>
+
+#include "Loader/DefinitionLoader.h"
+
+namespace korvex {
+namespace {
+
+const std::string root = KORVEX_SOURCE_DIR "/";
+
+using Lines = std::vector<std::string>;
+
+Lines linesOf(const std::string& path) {
+  std::ifstream file(root + path);
+  EXPECT_TRUE(file) << path;
+  Lines lines;
+  for (std::string line; std::getline(file, line);) lines.push_back(line);
+  return lines;
+}
+
+// The texts between a quote and the next one.
+Lines quoted(const std::string& line, char quote) {
+  Lines texts;
+  std::istringstream pieces(line);
+  std::string piece;
+  for (bool inside = false; std::getline(pieces, piece, quote); inside = !inside) {
+    if (inside) texts.push_back(piece);
+  }
+  return texts;
+}
+
+// The code spans of each table row in a section of docs/language.md whose first cell is code.
+std::vector<Lines> tableOf(const std::string& heading) {
+  std::vector<Lines> rows;
+  bool inside = false;
+  for (const std::string& line : linesOf("docs/language.md")) {
+    if (line.starts_with("## ")) inside = line == "## " + heading;
+    if (inside && line.starts_with("| `")) rows.push_back(quoted(line, '`'));
+  }
+  return rows;
+}
+
+// The code blocks of docs/language.md that open with this line.
+Lines blocksOf(const std::string& opening) {
+  Lines blocks;
+  bool inside = false;
+  for (const std::string& line : linesOf("docs/language.md")) {
+    if (line.starts_with("```")) {
+      inside = line == opening;
+      if (inside) blocks.emplace_back();
+    } else if (inside) {
+      blocks.back() += line + '\n';
+    }
+  }
+  return blocks;
+}
+
+// The messages of the refused definitions, in document order; that of the document if it has none.
+Lines findingsIn(const Document::Result& result) {
+  if (!result.document) return {result.error->message};
+  Lines findings;
+  for (const Definition& definition : loadDefinitions(*result.document)) {
+    if (definition.error) findings.emplace_back(definition.error->message());
+  }
+  return findings;
+}
+
+bool fits(const std::string& message, const std::string& format) {
+  const std::size_t blank = format.find("%@");
+  if (blank == std::string::npos) return message == format;
+  return message.size() + 2 >= format.size() && message.starts_with(format.substr(0, blank)) &&
+         message.ends_with(format.substr(blank + 2));
+}
+
+TEST(Docs, MessagesTableIsWhatFaultsProvoke) {
+  const std::vector<Lines> rows = tableOf("Messages");
+  const Lines findings = findingsIn(Document::fromFile(root + "examples/faults.xml"));
+  ASSERT_EQ(findings.size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_TRUE(fits(findings[i], rows[i][0])) << findings[i];
+}
+
+TEST(Docs, MessagesTableIsComplete) {
+  std::set<std::string> documented;
+  for (const Lines& row : tableOf("Messages")) documented.insert(row[0]);
+  std::size_t count = 0;
+  for (const std::string& line : linesOf("DAO/Core/Messages.h")) {
+    if (!line.ends_with("\";")) continue;
+    ++count;
+    EXPECT_TRUE(documented.contains(quoted(line, '"').at(0))) << line;
+  }
+  EXPECT_GE(count, 30U);
+}
+
+TEST(Docs, ExamplesOfTheLanguageAreRight) {
+  for (const auto& [opening, right] : {std::pair{"```xml", true}, {"```xml wrong", false}}) {
+    const Lines blocks = blocksOf(opening);
+    EXPECT_FALSE(blocks.empty()) << opening;
+    for (const std::string& block : blocks) {
+      const Lines findings = findingsIn(Document::fromBytes("<korvex>" + block + "</korvex>"));
+      EXPECT_EQ(findings.empty(), right) << block << testing::PrintToString(findings);
+    }
+  }
+}
+
+TEST(Docs, ListReferencesAreWrittenOutAsTold) {
+  const std::vector<Lines> rows = tableOf("List references");
+  EXPECT_GT(rows.size(), 20U);
+  for (const Lines& row : rows) {
+    QXDAOText text;
+    text.initWithText(row.at(0));
+    EXPECT_EQ(text.expression(), row.at(1)) << row[0];
+  }
+}
+
+// What a document uses: each "tag" and "tag attribute".
+void collect(const XMLNode& node, std::set<std::string>& used) {
+  if (node.kind() != XMLNodeKind::Element) return;
+  const std::string tag(*node.name());
+  used.insert(tag);
+  for (const XMLAttribute& attribute : node.attributes()) used.insert(tag + " " + std::string(*attribute.name()));
+  for (const XMLNode& child : node.children()) collect(child, used);
+}
+
+TEST(Docs, AddressBookUsesTheWholeLanguage) {
+  const auto result = Document::fromFile(root + "examples/addressbook.xml");
+  ASSERT_TRUE(result.document) << result.error->message;
+  EXPECT_EQ(findingsIn(result), Lines());
+  std::set<std::string> used;
+  collect(result.document->root(), used);
+  std::istringstream language(
+      "select id,select arguments,select profile,select result,select parallel,select assignedTable,insert id,"
+      "insert foreach,insert resumable,update id,delete id,upgrade toVersion,sql id,const,map id,map result,"
+      "result column,result property,crypt class,crypt property,pack as,pack properties,pack crypt,if true,if false,"
+      "when true,when false,otherwise,choose,foreach item,foreach collection,foreach open,foreach separator,"
+      "foreach close,foreach reverse,where onVoid,set onVoid,trim prefix,trim prefixOverrides,trim suffixOverrides,"
+      "trim onVoid,format prefix,format pairs,format join,step resumable,try,except");
+  for (std::string part; std::getline(language, part, ',');) EXPECT_TRUE(used.contains(part)) << part;
+}
+
+}  // namespace
+}  // namespace korvex

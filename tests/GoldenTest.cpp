@@ -1,0 +1,115 @@
+// What the tool prints, against files and documents that show it. Run with KORVEX_UPDATE_GOLDEN=1
+// in the environment to write the golden files anew; read the difference before you commit it.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+const std::filesystem::path root = KORVEX_SOURCE_DIR;
+
+std::string contentOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  EXPECT_TRUE(stream) << file;
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Standard output and standard error of a shell command, run in the repository's root with the
+// directories of the built programs in front of the path.
+std::string outputOf(const std::string& command) {
+  const std::string line =
+      "cd '" + root.string() + "' && PATH='" + std::filesystem::path(KORVEX_DAO_TOOL).parent_path().string() +
+      ":'\"$PATH\" NO_COLOR=1 COLUMNS=100 && export PATH NO_COLOR COLUMNS; { " + command + "; } 2>&1";
+  FILE* pipe = popen(line.c_str(), "r");
+  std::string output;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+    output.append(buffer.data(), count);
+  pclose(pipe);
+  return output;
+}
+
+TEST(Golden, ExamplesAreCheckedAndDumpedAsRecorded) {
+  const bool update = std::getenv("KORVEX_UPDATE_GOLDEN") != nullptr;
+  const std::vector<std::pair<const char*, const char*>> goldens = {
+      {"addressbook.check.txt", "korvex-dao check examples/addressbook.xml"},
+      {"addressbook.json", "korvex-dao dump examples/addressbook.xml"},
+      {"addressbook.tree.txt", "korvex-dao dump --format tree examples/addressbook.xml"},
+      {"faults.check.txt", "korvex-dao check examples/faults.xml"},
+      {"faults.check.json", "korvex-dao check --format json examples/faults.xml"},
+      {"faults.json", "korvex-dao dump examples/faults.xml"},
+  };
+  for (const auto& [name, command] : goldens) {
+    SCOPED_TRACE(command);
+    const std::filesystem::path file = root / "tests" / "golden" / name;
+    const std::string output = outputOf(command);
+    if (update) std::ofstream(file, std::ios::binary) << output;
+    EXPECT_EQ(output, contentOf(file));
+  }
+}
+
+struct Session {
+  std::string command;
+  std::string output;
+};
+
+// The "$ command" lines of a document's console blocks, each with the output shown below it.
+std::vector<Session> sessionsOf(const std::string& document) {
+  std::vector<Session> sessions;
+  std::istringstream lines(document);
+  bool inside = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("```")) {
+      inside = line == "```console";
+    } else if (inside && line.starts_with("$ ")) {
+      sessions.push_back({line.substr(2), ""});
+    } else if (inside && !sessions.empty()) {
+      sessions.back().output += line + '\n';
+    }
+  }
+  return sessions;
+}
+
+TEST(Golden, DocumentsShowWhatTheToolPrints) {
+  std::size_t shown = 0;
+  for (const char* document : {"README.md", "docs/tool.md"}) {
+    for (const auto& [command, output] : sessionsOf(contentOf(root / document))) {
+      EXPECT_EQ(outputOf(command), output) << document << ": $ " << command;
+      ++shown;
+    }
+  }
+  EXPECT_GE(shown, 4U);
+}
+
+// The README's program is an example that the build compiles.
+TEST(Golden, ReadmeShowsTheCompiledExample) {
+  const std::string code = contentOf(root / "examples" / "read_definitions.cpp");
+  EXPECT_NE(contentOf(root / "README.md").find("```cpp\n" + code + "```\n"), std::string::npos);
+  EXPECT_NE(outputOf("read_definitions examples/faults.xml").find("Element name(id attribute) is empty."),
+            std::string::npos);
+}
+
+// Every package with its reason stands in the README's table.
+TEST(Golden, ReadmeListsThePackages) {
+  const std::string readme = contentOf(root / "README.md");
+  std::istringstream lines(contentOf(root / "scripts" / "packages.txt"));
+  std::size_t packages = 0;
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream words(line);
+    std::string package;
+    std::string use;
+    if (line.starts_with('#') || !(words >> package >> use >> std::ws)) continue;
+    std::string reason;
+    std::getline(words, reason);
+    EXPECT_NE(readme.find("| `" + package + "` | " + reason + " |\n"), std::string::npos) << line;
+    ++packages;
+  }
+  EXPECT_GE(packages, 8U);
+}
+
+}  // namespace
