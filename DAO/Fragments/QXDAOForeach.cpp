@@ -1,5 +1,6 @@
 #include <array>
 
+#include "DAO/Core/ChildNodes.h"
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
 #include "Platform/Tables.h"
@@ -32,8 +33,6 @@ constexpr std::array<ForeachAttribute, 6> foreachAttributes = {{
     {C_REVERSE, storeReverse},
 }};
 
-constexpr std::size_t usualTextLength = 200;
-
 }  // namespace
 
 void QXDAOForeach::initWithXML(const XMLNode& xml) {
@@ -56,18 +55,10 @@ void QXDAOForeach::readAttributes(const XMLNode& xml) {
 }
 
 void QXDAOForeach::readText(const XMLNode& xml) {
-  std::string gathered;
-  gathered.reserve(usualTextLength);
-  for (const XMLNode& node : xml.children()) {
-    if (node.kind() == XMLNodeKind::Comment) continue;
-    if (node.kind() != XMLNodeKind::Text) {
-      setError(std::string(Messages::foreachContent), node.kind() == XMLNodeKind::Element ? node : xml);
-      break;
-    }
-    gathered.append(node.text().value_or(std::string_view()));
-  }
+  const PlainText gathered = plainTextOf(xml, [](std::string_view piece) { return piece; });
+  if (gathered.offender) setError(std::string(Messages::foreachContent), nodeAtFault(gathered.offender, xml));
   _text = std::make_unique<QXDAOText>();
-  _text->initWithText(std::string(spaceNewLineTabBothEndsTrimmed(std::string_view(gathered))));
+  _text->initWithText(std::string(spaceNewLineTabBothEndsTrimmed(std::string_view(gathered.text))));
 }
 
 }  // namespace korvex

@@ -1,3 +1,4 @@
+#include "DAO/Core/ChildNodes.h"
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
 
@@ -7,8 +8,6 @@ namespace {
 
 // No other character becomes "T" in upper case.
 bool isReservedName(std::string_view name) { return asciiLowerCase(name) == asciiLowerCase(C_RESERVED_TABLE); }
-
-constexpr std::size_t usualTextLength = 200;
 
 }  // namespace
 
@@ -24,18 +23,10 @@ void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
 
 // Each piece of text is trimmed on its own; comments between pieces leave nothing behind.
 void QXDAOSqlBlock::readText(const XMLNode& xml) {
-  std::string gathered;
-  gathered.reserve(usualTextLength);
-  for (const XMLNode& node : xml.children()) {
-    if (node.kind() == XMLNodeKind::Comment) continue;
-    if (node.kind() != XMLNodeKind::Text) {
-      setError(filledFormat(Messages::invalidSqlBlock, name()), node.kind() == XMLNodeKind::Element ? node : xml);
-      break;
-    }
-    gathered.append(spaceNewLineTabBothEndsTrimmed(node.text().value_or(std::string_view())));
-  }
+  PlainText gathered = plainTextOf(xml, spaceNewLineTabBothEndsTrimmed);
+  if (gathered.offender) setError(filledFormat(Messages::invalidSqlBlock, name()), nodeAtFault(gathered.offender, xml));
   _text = std::make_unique<QXDAOText>();
-  _text->initWithText(std::move(gathered));
+  _text->initWithText(std::move(gathered.text));
 }
 
 }  // namespace korvex

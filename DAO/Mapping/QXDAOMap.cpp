@@ -1,3 +1,4 @@
+#include "DAO/Core/ChildNodes.h"
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
 
@@ -19,7 +20,7 @@ void QXDAOMap::readColumns(const XMLNode& xml) {
   for (const XMLNode& node : xml.children()) {
     if (node.kind() == XMLNodeKind::Comment) continue;
     if (!readColumn(node)) {
-      setError(filledFormat(Messages::invalidMap, name()), node.kind() == XMLNodeKind::Element ? node : xml);
+      setError(filledFormat(Messages::invalidMap, name()), nodeAtFault(node, xml));
       return;
     }
   }
