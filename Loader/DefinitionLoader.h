@@ -22,12 +22,14 @@ struct LoadOptions {
   // Refuse what is not well-formed XML by a first pass of a strict parser. Switch it off only for
   // documents that were checked before, such as when the app was built: a well-formed document
   // gives the same tree either way, a malformed one may then give some tree instead of a message.
+  // A reference to an entity that only an external DTD could declare is text then.
   bool strict = true;
   // Keep text nodes of white space only. A <map> with indented children is refused then.
   bool keepWhiteSpaceText = false;
   // The largest document that is read, in bytes.
   std::size_t maximumBytes = std::size_t{64} * 1024 * 1024;
-  // The deepest nesting of elements, the root counting 1.
+  // The deepest nesting of elements, the root counting 1. Parsing needs no stack for it, building
+  // the elements does.
   std::size_t maximumDepth = 256;
 };
 
@@ -47,7 +49,8 @@ class Document {
  public:
   struct Result;
 
-  // Parses bytes (copied): UTF-8, or UTF-16 and ISO-8859-1 that say so.
+  // Parses bytes (copied): UTF-8, or UTF-16, ISO-8859-1 and US-ASCII that say so. Strict or not, a
+  // DOCTYPE that declares entities or attributes is refused, and nothing it refers to is loaded.
   [[nodiscard]] static Result fromBytes(std::string_view bytes, const LoadOptions& options = {});
   // Reads a file first. A directory, a missing file and the like are DocumentErrorKind::Unreadable.
   [[nodiscard]] static Result fromFile(const std::string& path, const LoadOptions& options = {});
@@ -71,7 +74,7 @@ class Document {
 struct Document::Result {
   std::unique_ptr<Document> document;        // null on failure
   std::optional<DocumentError> error;        // present on failure
-  std::shared_ptr<const SourceText> source;  // for an excerpt; null when nothing could be read
+  std::shared_ptr<const SourceText> source;  // for an excerpt; null when the text could not be read
 };
 
 // One definition of a document, built or refused.

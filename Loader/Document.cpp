@@ -29,7 +29,7 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 
 // Appends what the file holds, but not much more than `limit` bytes.
 void readBytes(const File& file, std::size_t limit, std::string& bytes) {
-  std::array<char, 65536> chunk;
+  std::array<char, 65536> chunk{};
   std::size_t count = chunk.size();
   while (count == chunk.size() && bytes.size() <= limit) {
     count = std::fread(chunk.data(), 1, chunk.size(), file.get());
@@ -49,9 +49,11 @@ class Document::Implementation {
     DecodedText decoded = decodedText(std::move(bytes));
     if (decoded.error) return {nullptr, std::move(decoded.error), nullptr};
     auto implementation = std::make_unique<Implementation>(std::move(decoded.text));
-    std::shared_ptr<const SourceText> source = implementation->_source;
-    if (auto error = implementation->build(options)) return {nullptr, std::move(error), std::move(source)};
-    return {std::unique_ptr<Document>(new Document(std::move(implementation))), std::nullopt, std::move(source)};
+    Result result;
+    result.source = implementation->_source;
+    result.error = implementation->build(options);
+    if (!result.error) result.document.reset(new Document(std::move(implementation)));
+    return result;
   }
 
   [[nodiscard]] XMLNode root() const { return {_tree, _tree.root()}; }
@@ -64,7 +66,7 @@ class Document::Implementation {
     if (options.strict) {
       if (auto error = findSyntaxError(*_source)) return error;
     }
-    auto parseError = _tree.parse();
+    auto parseError = _tree.parse(options);
     if (!options.strict && (parseError || _tree.hasInternalSubset())) {
       if (auto error = findSyntaxError(*_source)) return error;
     }

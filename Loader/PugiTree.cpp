@@ -8,15 +8,16 @@ namespace korvex {
 namespace {
 
 constexpr unsigned parseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute |
-                                pugi::parse_cdata | pugi::parse_comments | pugi::parse_pi | pugi::parse_doctype |
-                                pugi::parse_ws_pcdata;
+                                pugi::parse_cdata | pugi::parse_comments | pugi::parse_pi | pugi::parse_doctype;
 
+// Handles are read-only, pugixml's structures are not; nothing is written through these.
 pugi::xml_node nodeOf(XMLTree::NodeHandle handle) {
-  return pugi::xml_node(static_cast<pugi::xml_node_struct*>(const_cast<void*>(handle)));
+  return pugi::xml_node(static_cast<pugi::xml_node_struct*>(const_cast<void*>(handle)));  // NOLINT(*-const-cast)
 }
 
 pugi::xml_attribute attributeOf(XMLTree::AttributeHandle handle) {
-  return pugi::xml_attribute(static_cast<pugi::xml_attribute_struct*>(const_cast<void*>(handle)));
+  auto* attribute = static_cast<pugi::xml_attribute_struct*>(const_cast<void*>(handle));  // NOLINT(*-const-cast)
+  return pugi::xml_attribute(attribute);
 }
 
 struct NodeType {
@@ -43,57 +44,24 @@ const NodeType& typeOf(pugi::xml_node node) { return nodeTypes[node.type()]; }
 
 bool isText(pugi::xml_node node) { return typeOf(node).kind == XMLNodeKind::Text; }
 
-bool isWhiteSpace(const char* text) { return text[std::strspn(text, " \t\r\n")] == '\0'; }
-
-// The first element from a node on, itself included, among its siblings.
-pugi::xml_node elementFrom(pugi::xml_node node) {
-  while (node && node.type() != pugi::node_element) node = node.next_sibling();
-  return node;
+bool isWhiteSpace(char character) {
+  return character == ' ' || character == '\t' || character == '\r' || character == '\n';
 }
 
-// Visits an element and those below it in document order, without recursion: documents may be
-// nested more deeply than the stack.
-class ElementWalk {
- public:
-  explicit ElementWalk(pugi::xml_node root) : _root(root), _element(root) {}
-
-  // Null after the last one.
-  [[nodiscard]] pugi::xml_node element() const { return _element; }
-  // How deeply the element is nested, the first one counting 1.
-  [[nodiscard]] std::size_t depth() const { return _depth; }
-
-  void advance() {
-    if (const pugi::xml_node child = elementFrom(_element.first_child())) {
-      _element = child;
-      ++_depth;
-    } else {
-      advanceBeyond();
-    }
-  }
-
- private:
-  // To the next element that is not below the current one.
-  void advanceBeyond() {
-    while (_element != _root) {
-      const pugi::xml_node next = elementFrom(_element.next_sibling());
-      _element = next ? next : _element.parent();
-      if (next) return;
-      --_depth;
-    }
-    _element = {};
-  }
-
-  pugi::xml_node _root;
-  pugi::xml_node _element;
-  std::size_t _depth = 1;
-};
+bool isWhiteSpace(const char* text) {
+  while (isWhiteSpace(*text)) ++text;
+  return *text == '\0';
+}
 
 }  // namespace
 
-std::optional<DocumentError> PugiTree::parse() {
+std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
+  // White space alone counts where it may stand next to CDATA; elsewhere it is not even read.
+  const bool whiteSpaceCounts = options.keepWhiteSpaceText || _buffer.find("<![CDATA[") != std::string::npos;
+  const unsigned flags = whiteSpaceCounts ? parseFlags | pugi::parse_ws_pcdata : parseFlags;
   // The string's own zero at the end is part of the buffer: the parser wants to write one there.
   const pugi::xml_parse_result result =
-      _document.load_buffer_inplace(_buffer.data(), _buffer.size() + 1, parseFlags, pugi::encoding_utf8);
+      _document.load_buffer_inplace(_buffer.data(), _buffer.size() + 1, flags, pugi::encoding_utf8);
   if (result) return std::nullopt;
   const XMLPosition position = _source.position(static_cast<std::size_t>(result.offset));
   return DocumentError{DocumentErrorKind::Malformed, std::string("no tree: ") + result.description(), position};
@@ -107,24 +75,38 @@ bool PugiTree::hasInternalSubset() const {
 }
 
 std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
-  for (ElementWalk walk(_document.document_element()); walk.element(); walk.advance()) {
-    if (walk.depth() > options.maximumDepth) {
-      const std::string levels = std::to_string(options.maximumDepth);
-      return DocumentError{DocumentErrorKind::TooDeep, "elements are nested deeper than " + levels + " levels",
-                           *position(walk.element().internal_object())};
+  std::size_t depth = 0;
+  pugi::xml_node parent = _document.root();
+  pugi::xml_node node = parent.first_child();
+  // One way through all nodes in document order, without recursion: a document may be nested more
+  // deeply than the stack allows.
+  while (node || depth > 0) {
+    if (!node) {
+      node = parent.next_sibling();
+      parent = parent.parent();
+      --depth;
+    } else if (node.type() == pugi::node_element) {
+      if (++depth > options.maximumDepth) return tooDeep(node, options);
+      parent = node;
+      node = node.first_child();
+    } else {
+      node = isText(node) ? arrangeText(node, options.keepWhiteSpaceText) : node.next_sibling();
     }
-    arrangeTexts(walk.element(), options.keepWhiteSpaceText);
   }
   return std::nullopt;
 }
 
-void PugiTree::arrangeTexts(pugi::xml_node element, bool keepWhiteSpace) {
-  for (pugi::xml_node node = element.first_child(); node;) {
-    const pugi::xml_node current = node;
-    node = isText(node) ? joinTexts(node) : node.next_sibling();
-    const bool unwanted = keepWhiteSpace ? *current.value() == '\0' : isWhiteSpace(current.value());
-    if (isText(current) && unwanted) element.remove_child(current);
-  }
+DocumentError PugiTree::tooDeep(pugi::xml_node element, const LoadOptions& options) const {
+  const std::string limit = std::to_string(options.maximumDepth);
+  return {DocumentErrorKind::TooDeep, "elements are nested deeper than " + limit + " levels",
+          _source.position(offsetOf(element))};
+}
+
+pugi::xml_node PugiTree::arrangeText(pugi::xml_node text, bool keepWhiteSpace) {
+  const pugi::xml_node next = joinTexts(text);
+  const char* value = text.value();
+  if (keepWhiteSpace ? *value == '\0' : isWhiteSpace(value)) text.parent().remove_child(text);
+  return next;
 }
 
 // Moves the texts that directly follow a text up to its end, in the buffer, where the markup
@@ -143,6 +125,11 @@ pugi::xml_node PugiTree::joinTexts(pugi::xml_node first) {
 }
 
 std::size_t PugiTree::offsetOf(const char* parsed) const { return static_cast<std::size_t>(parsed - _buffer.data()); }
+
+std::size_t PugiTree::offsetOf(pugi::xml_node node) const {
+  const NodeType& type = typeOf(node);
+  return offsetOf(type.named ? node.name() : node.value()) - type.opening;
+}
 
 XMLNodeKind PugiTree::kind(NodeHandle node) const { return typeOf(nodeOf(node)).kind; }
 
@@ -175,9 +162,7 @@ OptionalStringView PugiTree::attributeName(AttributeHandle attribute) const { re
 OptionalStringView PugiTree::attributeValue(AttributeHandle attribute) const { return attributeOf(attribute).value(); }
 
 std::optional<XMLPosition> PugiTree::position(NodeHandle node) const {
-  const auto& [kind, named, opening] = typeOf(nodeOf(node));
-  const char* known = named ? nodeOf(node).name() : nodeOf(node).value();
-  return _source.position(offsetOf(known) - opening);
+  return _source.position(offsetOf(nodeOf(node)));
 }
 
 }  // namespace korvex

@@ -21,7 +21,7 @@ class PugiTree final : public XMLTree {
   PugiTree& operator=(const PugiTree&) = delete;
 
   // Parses the text, whose being well-formed is not checked in full.
-  [[nodiscard]] std::optional<DocumentError> parse();
+  [[nodiscard]] std::optional<DocumentError> parse(const LoadOptions& options);
   // Whether the DOCTYPE brings declarations of its own.
   [[nodiscard]] bool hasInternalSubset() const;
   // Makes each run of text and CDATA between other markup one text node, takes away those of white
@@ -43,9 +43,13 @@ class PugiTree final : public XMLTree {
   [[nodiscard]] std::optional<XMLPosition> position(NodeHandle node) const override;
 
  private:
-  [[nodiscard]] std::size_t offsetOf(const char* parsed) const;
-  void arrangeTexts(pugi::xml_node element, bool keepWhiteSpace);
+  // Both give the node that comes after in the same element.
+  [[nodiscard]] pugi::xml_node arrangeText(pugi::xml_node text, bool keepWhiteSpace);
   [[nodiscard]] pugi::xml_node joinTexts(pugi::xml_node first);
+  [[nodiscard]] DocumentError tooDeep(pugi::xml_node element, const LoadOptions& options) const;
+  // Where in the text a name or a value was parsed, and where the markup of a node begins.
+  [[nodiscard]] std::size_t offsetOf(const char* parsed) const;
+  [[nodiscard]] std::size_t offsetOf(pugi::xml_node node) const;
 
   const SourceText& _source;
   std::string _buffer;  // parsed in place: names and values of the tree are pieces of it

@@ -49,8 +49,9 @@ XMLPosition SourceText::position(std::size_t offset) const {
 std::string_view SourceText::line(std::size_t number) const {
   const std::vector<std::size_t>& starts = index().lineStarts;
   if (number == 0 || number > starts.size()) return {};
-  const std::string_view rest = text().substr(starts[number - 1]);
-  return rest.substr(0, rest.find_first_of("\r\n"));
+  const std::size_t end = number < starts.size() ? starts[number] : _text.size();
+  const std::string_view line = text().substr(starts[number - 1], end - starts[number - 1]);
+  return line.substr(0, line.find_last_not_of("\r\n") + 1);
 }
 
 const SourceText::Index& SourceText::index() const {

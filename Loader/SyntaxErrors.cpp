@@ -101,10 +101,10 @@ constexpr std::array<Opening, 6> openings{{
 }};
 
 SyntaxError unclosedMarkup(const SourceText& source, std::size_t offset) {
-  const auto opening = std::find_if(openings.begin(), openings.end(), [&](const Opening& candidate) {
-    return standsAt(source.text(), offset, candidate.text);
-  });
-  return {std::string(opening == openings.end() ? "markup is not closed" : opening->message), offset};
+  for (const Opening& opening : openings) {
+    if (standsAt(source.text(), offset, opening.text)) return {std::string(opening.message), offset};
+  }
+  return {"markup is not closed", offset};
 }
 
 // The parser points at the end of the text; the section is the first one that opens after all
