@@ -85,7 +85,7 @@ std::string methodHeadline(const Json& method) {
 }
 
 std::string conditionHeadline(const Json& condition) {
-  const std::string tag = valueName(condition.at("type"), "QXDAOConditionType");
+  std::string tag = valueName(condition.at("type"), "QXDAOConditionType");
   if (condition.at("expression").is_null()) return tag;
   return tag + (condition.at("evaluateAsTrue") == true ? " true=" : " false=") + quoted(condition.at("expression"));
 }
@@ -108,9 +108,9 @@ std::string mapHeadline(const Json& map) {
   return "map " + text(map.at("name")) + " -> " + text(map.at("resultClass"));
 }
 std::string stepHeadline(const Json& step) { return "step" + options(step, {"resumable"}); }
-std::string tryHeadline(const Json&) { return "try"; }
-std::string exceptHeadline(const Json&) { return "except"; }
-std::string chooseHeadline(const Json&) { return "choose"; }
+std::string tryHeadline(const Json& /*block*/) { return "try"; }
+std::string exceptHeadline(const Json& /*block*/) { return "except"; }
+std::string chooseHeadline(const Json& /*choose*/) { return "choose"; }
 
 std::string cryptHeadline(const Json& crypt) {
   return "crypt " + text(crypt.at("className")) + '.' + text(crypt.at("propertyName"));

@@ -19,7 +19,7 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
 // The text with its tabs left as they are.
 std::string visibleWithTabs(std::string_view text) {
   std::string result;
-  for (std::size_t tab = text.find('\t'); tab != text.npos; tab = text.find('\t')) {
+  for (std::size_t tab = text.find('\t'); tab != std::string_view::npos; tab = text.find('\t')) {
     result += visibleText(text.substr(0, tab)) + '\t';
     text.remove_prefix(tab + 1);
   }

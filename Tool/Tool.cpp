@@ -50,6 +50,7 @@ template <typename Value>
 void addChoice(CLI::App& command, const std::string& name, Value& value, const std::map<std::string, Value>& choices,
                const std::string& help) {
   std::vector<std::string> words;
+  words.reserve(choices.size());
   for (const auto& choice : choices) words.push_back(choice.first);
   // A validator that is added later looks at the word earlier.
   command.add_option(name, value, help)

@@ -10,8 +10,8 @@ namespace {
 
 // By convention an empty NO_COLOR says nothing.
 bool noColorWanted() {
-  const char* value = std::getenv("NO_COLOR");
-  return value && !std::string_view(value).empty();
+  const char* value = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): before any thread runs
+  return value != nullptr && !std::string_view(value).empty();
 }
 
 }  // namespace
@@ -19,6 +19,6 @@ bool noColorWanted() {
 int main(int argc, char** argv) {
   // With buffers of their own the streams notice every failed read and write.
   std::ios::sync_with_stdio(false);
-  return korvex::runTool({argv + (argc > 0), argv + argc},
+  return korvex::runTool({argv + (argc > 0 ? 1 : 0), argv + argc},
                          {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1, noColorWanted()});
 }

@@ -7,6 +7,7 @@ namespace korvex {
 namespace {
 
 // Atomic only so that calls from several threads are defined; nothing is ordered by it.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the counter is process-wide by purpose
 constinit std::atomic<std::int32_t> QXDAOMappingSequence{0};
 
 }  // namespace
