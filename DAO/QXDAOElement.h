@@ -1,7 +1,7 @@
 // The mapping language as typed element trees.
 //
 // QXDAOElement::elementWithXML takes one definition element of a document and gives the tree of
-// elements that it describes, or an error record that names the first violated rule:
+// elements that it describes, or an error record that names a violated rule, normally the first:
 //
 //   QXDAOElement
 //     QXDAOText               a piece of SQL text, list references expanded
@@ -24,7 +24,9 @@
 // Construction: a new element is blank; its one initWith… operation fills it from a document node.
 // These operations are not virtual: whoever builds an element knows its class. They always finish;
 // a violated rule leaves a message that travels up to the error record. Elements copy what they
-// keep, so a finished tree outlives the document it was read from.
+// keep, so a finished tree outlives the document it was read from. Building and destroying recurse
+// as deep as the document is nested: who brings a parser of his own limits that depth, as the loader
+// does.
 //
 // Ownership: a parent owns its children; plain pointers (parentMethod, exceptElement, tryElement)
 // own nothing and point inside the same tree.
@@ -34,7 +36,7 @@
 // engine guards itself. Setters are plain stores without a lock.
 //
 // Destructors are inline on purpose: an engine that is compiled with run-time type information can
-// derive from these classes although the library is compiled without.
+// derive from QXDAOEngineValue although the library is compiled without.
 //
 // Absence: an OptionalString tells an absent string from an empty one; a list or dictionary that
 // has not been set is nullopt. Setters replace the old value and check nothing.
@@ -280,6 +282,7 @@ class QXDAOContainerElement : public QXDAOElement {
  public:
   // In document order; absent until the children have been walked.
   [[nodiscard]] const std::optional<QXDAOElementList>& children() const { return _children; }
+  // Links that children have to this element, or this element to a child, are not looked after.
   void setChildren(std::optional<QXDAOElementList> children) { _children = std::move(children); }
   // Gives the children away and leaves them absent here.
   [[nodiscard]] std::optional<QXDAOElementList> takeChildren();
@@ -589,6 +592,7 @@ class QXDAOPack final : public QXDAOElement {
 // ---------------------------------------------------------------------------------------------
 // Methods
 
+// What a model class is at run time; an engine's own, nothing here looks into it.
 class ModelClass;
 
 // One declared argument of a method.
@@ -640,6 +644,7 @@ class QXDAOMethod final : public QXDAOContainerElement {
   void setResultType(QXDAOSelectResultType resultType) { _resultType = resultType; }
   [[nodiscard]] bool resultArrayed() const { return _resultArrayed; }
   void setResultArrayed(bool resultArrayed) { _resultArrayed = resultArrayed; }
+  // The "assignedTable" attribute of a select, recorded for the engine; false on other operations.
   [[nodiscard]] bool assignedTable() const { return _assignedTable; }
   void setAssignedTable(bool assignedTable) { _assignedTable = assignedTable; }
   [[nodiscard]] const OptionalString& resultTypeName() const { return _resultTypeName; }
@@ -655,11 +660,14 @@ class QXDAOMethod final : public QXDAOContainerElement {
   [[nodiscard]] bool tryBlock() const { return _tryBlock; }
   void setTryBlock(bool tryBlock) { _tryBlock = tryBlock; }
 
+  // The "parallel" attribute of a select, recorded for the engine; false on other operations.
   [[nodiscard]] bool parallel() const { return _parallel; }
   void setParallel(bool parallel) { _parallel = parallel; }
 
   // The "foreach" attribute "collection.item": the method runs once for each entry.
-  [[nodiscard]] bool foreach () const { return _foreach; }
+  // clang-format off
+  [[nodiscard]] bool foreach() const { return _foreach; }
+  // clang-format on
   void setForeach(bool foreach) { _foreach = foreach; }
   [[nodiscard]] bool foreachResumable() const { return _foreachResumable; }
   void setForeachResumable(bool foreachResumable) { _foreachResumable = foreachResumable; }
@@ -710,10 +718,12 @@ class QXDAOMethodStep final : public QXDAOContainerElement {
   static constexpr QXDAOElementKind Kind = QXDAOElementKindMethodStep;
   QXDAOMethodStep() : QXDAOContainerElement(Kind) {}
 
+  // The method must not be null and must outlive the step.
   void initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod);
 
   [[nodiscard]] QXDAOMethod* parentMethod() const { return _parentMethod; }
   void setParentMethod(QXDAOMethod* parentMethod) { _parentMethod = parentMethod; }
+  // Recorded for the engine.
   [[nodiscard]] bool resumable() const { return _resumable; }
   void setResumable(bool resumable) { _resumable = resumable; }
 
@@ -731,6 +741,7 @@ class QXDAOTry final : public QXDAOContainerElement {
   static constexpr QXDAOElementKind Kind = QXDAOElementKindTry;
   QXDAOTry() : QXDAOContainerElement(Kind) {}
 
+  // The method must not be null and must outlive the try block; its tryBlock is set.
   void initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod);
 
   [[nodiscard]] QXDAOMethod* parentMethod() const { return _parentMethod; }
@@ -752,6 +763,8 @@ class QXDAOExcept final : public QXDAOContainerElement {
   static constexpr QXDAOElementKind Kind = QXDAOElementKindExcept;
   QXDAOExcept() : QXDAOContainerElement(Kind) {}
 
+  // The try block must not be null, must have its parentMethod, and must outlive the except block,
+  // which registers with it unless it fails.
   void initWithXML(const XMLNode& xml, QXDAOTry* tryElement);
 
   [[nodiscard]] QXDAOTry* tryElement() const { return _tryElement; }

@@ -45,7 +45,8 @@ class XMLTree {
   [[nodiscard]] virtual XMLNodeKind kind(NodeHandle node) const = 0;
   // The tag of an element; absent for a node without a name.
   [[nodiscard]] virtual OptionalStringView name(NodeHandle node) const = 0;
-  // The decoded characters of a text node; absent for elements and wherever there are none.
+  // The decoded characters of a text node; absent for elements and wherever there are none. A CDATA
+  // section is seen by the elements only where the tree gives it as text.
   [[nodiscard]] virtual OptionalStringView text(NodeHandle node) const = 0;
   // Children and attributes come in document order; null after the last one.
   [[nodiscard]] virtual NodeHandle firstChild(NodeHandle node) const = 0;
@@ -93,7 +94,7 @@ class XMLRange {
  public:
   class iterator {
    public:
-    using iterator_category = std::forward_iterator_tag;
+    using iterator_category = std::input_iterator_tag;  // what it points to is part of it
     using value_type = Item;
     using difference_type = std::ptrdiff_t;
     using pointer = const Item*;
@@ -143,8 +144,10 @@ class XMLNode {
   // The tag of an element; absent for nodes without a name.
   [[nodiscard]] OptionalStringView name() const;
   // The text of a text node; for an element the text of all text nodes below it, in document
-  // order (empty when there is none); absent for other nodes.
+  // order (empty when there is none); absent for other nodes. Recurses as deep as the tree.
   [[nodiscard]] OptionalString stringValue() const;
+  // The characters of a text node without a copy; absent for every other node.
+  [[nodiscard]] OptionalStringView text() const;
 
   [[nodiscard]] XMLNode firstChild() const;
   // The sibling after this node; null after the last.
@@ -166,9 +169,6 @@ class XMLNode {
 
   // Absent when the parser does not know.
   [[nodiscard]] std::optional<XMLPosition> position() const;
-
-  // The characters of a text node without a copy; absent for every other node.
-  [[nodiscard]] OptionalStringView text() const;
 
  private:
   const XMLTree* _tree = nullptr;

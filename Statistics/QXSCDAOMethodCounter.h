@@ -8,16 +8,16 @@
 
 namespace korvex {
 
-// A plain record: the engine reads and writes every field and orders its own threads.
+// A plain record: the engine decides how it counts, writes every field and orders its own threads.
 class QXSCDAOMethodCounter {
  public:
-  double _allCost = 0;                                 // seconds, all invocations together
-  double _maxCost = 0;                                 // seconds, the slowest invocation
-  std::uint32_t _invocationCount = 0;                  // invocations on any thread
-  std::uint32_t _mainThreadCount = 0;                  // invocations on the main thread
-  std::uint32_t _bootupCount = 0;                      // invocations while the app starts
-  std::uint32_t _failureCount = 0;                     // invocations that failed
-  std::map<std::string, std::uint32_t> _failureCodes;  // failure code → how often it was met
+  double _allCost = 0;  // seconds
+  double _maxCost = 0;  // seconds
+  std::uint32_t _invocationCount = 0;
+  std::uint32_t _mainThreadCount = 0;
+  std::uint32_t _bootupCount = 0;
+  std::uint32_t _failureCount = 0;
+  std::map<std::string, std::uint32_t> _failureCodes;
 };
 
 }  // namespace korvex

@@ -36,7 +36,7 @@ TEST(Diagnostics, RootTagsAndNames) {
       {"<map id='' result='A'/>", nameless},
       {"<select result='int'>SELECT</select>", nameless},
       {"<query/>", nameless},
-      {"<query id='a'/>", "Unknown root node type 'query'."},
+      {"<query id='a' arguments=','/>", "Unknown root node type 'query'."},
       {"<Select id='a' result='int'/>", "Unknown root node type 'Select'."},
       {"<SQL id='a'>x</SQL>", "Unknown root node type 'SQL'."},
   });
@@ -54,6 +54,7 @@ TEST(Diagnostics, Children) {
       {"<update id='a'><step>\n<try/></step></update>", nestedTry, 2, 1},
       {"<update id='a'>\n <except/></update>", except, 2, 2},
       {"<update id='a'><try><if true='a'><except/></if></try></update>", except, 1, 34},
+      {"<update id='a'><if/>\n<nope/></update>", "Condition 'if' is of wrong format.", 1, 16},
   });
 }
 
@@ -70,6 +71,7 @@ TEST(Diagnostics, Methods) {
       {"<upgrade toVersion='1e999'/>", "Invalid upgrade declaration ''."},
       {"<upgrade version='1'/>", "Invalid upgrade declaration ''."},
       {"<upgrade id='a' toVersion='2'>U %@</upgrade>", "Invalid upgrade declaration 'U %@'."},
+      {"<upgrade toVersion='2' id='a'>U</upgrade>", "Invalid upgrade declaration 'U'."},
       {"<insert id='a' arguments='a,,b'/>", arguments},
       {"<insert id='a' arguments='a,'/>", arguments},
       {"<insert id='a' arguments=' '><nope/></insert>", arguments},
@@ -77,6 +79,13 @@ TEST(Diagnostics, Methods) {
       {"<select id='a' result=''><if true='1'/></select>", result},
       // A failing child takes the place of the result type's message, and brings its own line.
       {"<select id='a'>x\n  <where>\n    <if/></where></select>", "Condition 'if' is of wrong format.", 3, 5},
+      // Nothing after the body is looked at once there is a message.
+      {"<select id='a'>x<nope/></select>", "Unknown element with type nope.", 1, 17},
+      {"<select id='a'><step/></select>", result},
+      {"<select id='a'><try><except/></try>x</select>", result},
+      {"<select id='a' foreach='x'>x</select>", result},
+      {"<update id='a'><step/><try><except/></try></update>",
+       "Method 'a' with steps should not have other elements outside step block."},
       {"<select id='a' result='int'>x<step/></select>", "Select method 'a' cannot contain steps."},
       {"<update id='%@'><step/>x</update>",
        "Method '%@' with steps should not have other elements outside step block."},
@@ -98,11 +107,12 @@ TEST(Diagnostics, TryAndExcept) {
   check({
       {"<update id='a'>\n <try x=''><nope/></try></update>", wrongTry, 2, 2},
       {"<update id='a'><try>x</try></update>", wrongTry, 1, 16},
+      {"<update id='a'><try x='' y=''><except/></try></update>", wrongTry, 1, 16},
       {"<update id='a'><try/></update>", wrongTry, 1, 16},
       {"<update id='a'><try>x<except/>y</try></update>", wrongTry, 1, 16},
       {"<upgrade toVersion='1'><try>x</try></upgrade>", "Try in method '(null)' is of wrong format.", 1, 24},
-      {"<update id='a'><try>x<except/>\n<except/></try></update>", "Try in method 'a' contains too many except block.",
-       2, 1},
+      {"<update id='a'><try>x<except/>\n<except><nope/></except></try></update>",
+       "Try in method 'a' contains too many except block.", 2, 1},
       {"<update id='a'><try>x<except/><except x=''/></try></update>", wrongExcept, 1, 31},
       {"<update id='a'><try><except x=''/></try></update>", wrongExcept, 1, 21},
       // The second except block is refused while the first one, with its content, is alive.

@@ -30,8 +30,9 @@ std::string messageOf(const Hand& definition) {
 template <typename T>
 std::unique_ptr<T> built(const Hand& definition) {
   auto element = QXDAOElement::elementWithXML(HandBuiltTree(definition).root());
-  EXPECT_NE(QXDAOElementCast<T>(element.get()), nullptr);
-  return std::unique_ptr<T>(static_cast<T*>(element.release()));
+  T* cast = QXDAOElementCast<T>(element.get());
+  EXPECT_NE(cast, nullptr);
+  return std::unique_ptr<T>(cast ? static_cast<T*>(element.release()) : new T);
 }
 
 TEST(Factory, ErrorRecord) {
@@ -46,6 +47,9 @@ TEST(Factory, ErrorRecord) {
   EXPECT_EQ(std::get<XMLNode>(error->userInfo.at("xml")), tree.root());
   EXPECT_EQ(error->origin, tree.root().firstChild().firstChild());
   EXPECT_EQ(QXDAOElement::elementWithXML(tree.root()), nullptr);
+  error.emplace().code = 7;  // a record that was there is replaced
+  EXPECT_EQ(QXDAOElement::elementWithXML(tree.root(), &error), nullptr);
+  EXPECT_EQ(error->code, 0);
   EXPECT_EQ(QXDAOError().message(), "");
   EXPECT_FALSE(QXDAOError().xml());
 }
@@ -80,7 +84,7 @@ TEST(Elements, NodeKindsThatAreNeitherElementTextNorComment) {
       {Hand::element("const", {{"", "1"}}), "Invalid constant declaration ''."},
       {Hand::element("const", {{std::nullopt, "1"}}), "Invalid constant declaration ''."},
       {Hand::element("sql", {{"id", std::nullopt}}), "Element name(id attribute) is empty."},
-      {Hand::text("not an element"), "Element name(id attribute) is empty."},
+      {{XMLNodeKind::Text, "sql", "text", {{"id", "x"}}, {}}, "Element name(id attribute) is empty."},
   };
   for (const auto& [definition, message] : cases) EXPECT_EQ(messageOf(definition), message);
 }
@@ -138,9 +142,9 @@ TEST(Elements, TreesAreBuiltOnSeveralThreadsFromOneDocument) {
 }
 
 TEST(MappingSequence, CountsUp) {
-  const std::int32_t before = GetQXDAOMappingSequence();
+  EXPECT_EQ(GetQXDAOMappingSequence(), 0);
   IncreaseQXDAOMappingSequence();
-  EXPECT_EQ(GetQXDAOMappingSequence(), before + 1);
+  EXPECT_EQ(GetQXDAOMappingSequence(), 1);
 }
 
 }  // namespace

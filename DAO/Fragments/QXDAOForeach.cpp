@@ -1,7 +1,7 @@
 #include <array>
 
-#include "DAO/Core/ChildNodes.h"
 #include "DAO/Core/Messages.h"
+#include "DAO/Core/Reading.h"
 #include "DAO/QXDAOElement.h"
 #include "Platform/Tables.h"
 

@@ -1,5 +1,5 @@
-#include "DAO/Core/ChildNodes.h"
 #include "DAO/Core/Messages.h"
+#include "DAO/Core/Reading.h"
 #include "DAO/QXDAOElement.h"
 
 namespace korvex {

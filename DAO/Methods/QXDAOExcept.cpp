@@ -9,7 +9,6 @@ void QXDAOExcept::initWithXML(const XMLNode& xml, QXDAOTry* tryElement) {
   if (tryElement->exceptElement()) setError(filledFormat(Messages::tooManyExcepts, methodName));
   if (xml.hasAttributes()) setError(filledFormat(Messages::invalidExcept, methodName));
   if (failed()) return;
-  // Registered before its own content is walked, so that a second except block finds it.
   tryElement->setExceptElement(this);
   _tryElement = tryElement;
   processNodes(xml);

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "DAO/Core/Messages.h"
+#include "DAO/Core/Reading.h"
 #include "DAO/QXDAOElement.h"
 #include "Platform/NumberScanner.h"
 #include "Platform/Tables.h"
@@ -22,12 +23,6 @@ constexpr std::array<OperationTag, 5> operationTags = {{
     {C_DELETE, QXDAOOperationDelete},
     {C_UPGRADE, QXDAOOperationUpgrade},
 }};
-
-// The Boolean value of an attribute, or `otherwise` when it is absent or empty.
-bool optionOf(const XMLNode& xml, std::string_view attributeName, bool otherwise) {
-  const OptionalStringView value = xml.valueOfAttribute(attributeName);
-  return isEmpty(value) ? otherwise : booleanAttributeValue(*value);
-}
 
 // A leading "$" marks an argument that must not be null.
 QXDAOMethodArgument argumentOf(std::string_view declaration) {
@@ -101,10 +96,10 @@ void QXDAOMethod::readArguments(const XMLNode& xml) {
 }
 
 void QXDAOMethod::readOptions(const XMLNode& xml) {
-  _profile = optionOf(xml, C_PROFILE, _profile);
+  _profile = booleanAttribute(xml, C_PROFILE);
   if (_operation != QXDAOOperationSelect) return;
-  _parallel = optionOf(xml, C_PARALLEL, _parallel);
-  _assignedTable = optionOf(xml, C_ASSIGNED_TABLE, _assignedTable);
+  _parallel = booleanAttribute(xml, C_PARALLEL);
+  _assignedTable = booleanAttribute(xml, C_ASSIGNED_TABLE);
   decideResultType(xml);
 }
 
@@ -132,7 +127,7 @@ void QXDAOMethod::checkTryBlock() {
 void QXDAOMethod::readForeach(const XMLNode& xml) {
   const OptionalStringView declaration = xml.valueOfAttribute(C_FOREACH);
   if (isEmpty(declaration)) return;
-  _foreachResumable = optionOf(xml, C_RESUMABLE, _foreachResumable);
+  _foreachResumable = booleanAttribute(xml, C_RESUMABLE);
   _foreach = readForeachNames(*declaration);
   if (!_foreach) setErrorWithName(Messages::invalidMethodForeach);
 }

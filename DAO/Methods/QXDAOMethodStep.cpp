@@ -1,3 +1,4 @@
+#include "DAO/Core/Reading.h"
 #include "DAO/QXDAOElement.h"
 
 namespace korvex {
@@ -5,8 +6,7 @@ namespace korvex {
 void QXDAOMethodStep::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
   QXDAOElement::initWithXML(xml);
   _parentMethod = parentMethod;
-  const OptionalStringView resumable = xml.valueOfAttribute(C_RESUMABLE);
-  if (!isEmpty(resumable)) _resumable = booleanAttributeValue(*resumable);
+  _resumable = booleanAttribute(xml, C_RESUMABLE);
   processNodes(xml);
 }
 

@@ -20,7 +20,7 @@ void QXDAOTry::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
 }
 
 bool QXDAOTry::endsWithExcept() const {
-  return _exceptElement != nullptr && !children()->empty() && children()->back().get() == _exceptElement;
+  return _exceptElement != nullptr && children()->back().get() == _exceptElement;
 }
 
 }  // namespace korvex

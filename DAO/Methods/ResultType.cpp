@@ -33,7 +33,6 @@ QXDAOSelectResultType typeOfWord(std::string_view word) {
 }  // namespace
 
 void QXDAOMethod::decideResultType(const XMLNode& xml) {
-  if (_operation != QXDAOOperationSelect) return;
   const OptionalStringView declaration = xml.valueOfAttribute(C_RESULT);
   if (isEmpty(declaration)) {
     setErrorWithName(Messages::undefinedResult);

@@ -2,6 +2,7 @@
 // texts of white space) can be put in front of the elements with it.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,7 +61,9 @@ class HandBuiltTree final : public XMLTree {
   }
   template <typename Item>
   static bool holds(const std::vector<Item>& items, const void* item) {
-    return !items.empty() && item >= items.data() && item < items.data() + items.size();
+    const auto* first = static_cast<const void*>(items.data());
+    const auto* last = static_cast<const void*>(items.data() + items.size());
+    return !std::less<>()(item, first) && std::less<>()(item, last);
   }
   static const Hand* holderOf(const Hand& below, const void* node) {
     if (holds(below.children, node)) return &below;

@@ -1,4 +1,4 @@
-#include "DAO/Core/ChildNodes.h"
+#include "DAO/Core/Reading.h"
 
 namespace korvex {
 

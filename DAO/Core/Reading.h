@@ -1,4 +1,4 @@
-// What several elements do with the nodes below them.
+// What several elements do with their attributes and the nodes below them.
 #pragma once
 
 #include <string>
@@ -12,6 +12,11 @@ namespace korvex {
 // place of its own in the source, else its parent.
 [[nodiscard]] inline XMLNode nodeAtFault(const XMLNode& child, const XMLNode& parent) {
   return child.kind() == XMLNodeKind::Element ? child : parent;
+}
+
+// The value of a Boolean attribute; false when it is absent or empty.
+[[nodiscard]] inline bool booleanAttribute(const XMLNode& xml, std::string_view name) {
+  return booleanAttributeValue(xml.valueOfAttribute(name).value_or(std::string_view()));
 }
 
 // The text of an element that may hold nothing but text and comments.
