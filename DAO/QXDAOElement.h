@@ -309,13 +309,14 @@ class QXDAOContainerElement : public QXDAOElement {
 // One piece of SQL text. Never fails and has no name.
 //
 // A list reference %{'FORMAT', STAR, STAR…} in the text is written out as the format once per
-// star, every "*" in it replaced by the star, joined by ", ".
+// star, every "*" in it replaced by the star, joined by ", ". Time and memory are in proportion to
+// the text and its expansion; a format of many "*" and many stars expand to their product.
 class QXDAOText final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindText;
   QXDAOText() : QXDAOElement(Kind) {}
 
-  // The text of a text node, without spaces, tabs and line feeds at both ends.
+  // The string value of a node, normally a text, without spaces, tabs and line feeds at both ends.
   void initWithXML(const XMLNode& xml);
   // The text as given; absent stays absent.
   void initWithText(OptionalString text);

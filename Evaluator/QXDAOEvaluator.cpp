@@ -13,9 +13,9 @@ constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 constexpr std::string_view brackets = "()[]{}";
 
 // Longer operators first, so that the first match is the longest.
-constexpr std::array<std::string_view, 27> operators = {"===", "!==", "==", "!=", "<>", "<=", ">=", "&&", "||",
-                                                        "<<",  ">>",  "+",  "-",  "*",  "/",  "%",  "=",  "<",
-                                                        ">",   "!",   "?",  ":",  ",",  "~",  "&",  "|",  "^"};
+constexpr std::array<std::string_view, 28> operators = {"===", "!==", "==", "!=", "<>", "<=", ">=", "&&", "||", "<<",
+                                                        ">>",  "+",   "-",  "*",  "/",  "%",  "=",  "<",  ">",  "!",
+                                                        "?",   ":",   ",",  "~",  "&",  "|",  "^",  "."};
 
 bool isDigit(char character) { return digits.find(character) != std::string_view::npos; }
 
@@ -37,13 +37,22 @@ bool characterAt(std::string_view text, std::size_t at, std::string_view wanted)
   return at < text.size() && wanted.find(text[at]) != std::string_view::npos;
 }
 
+// Characters that word processors put in place of spaces and quotes. As part of a name they would
+// go unseen.
+constexpr std::array<std::string_view, 5> lookalikes = {"\u00A0", "\u2018", "\u2019", "\u201C", "\u201D"};
+
+bool holdsLookalike(std::string_view name) {
+  return std::any_of(lookalikes.begin(), lookalikes.end(),
+                     [name](std::string_view character) { return name.find(character) != std::string_view::npos; });
+}
+
 // Each function below gives the length of its token at the front of the text, 0 when there is none.
 
 std::size_t lengthOfName(std::string_view text) {
   std::size_t length = 0;
   while (length < text.size() && startsName(text[length])) {
     length += countWhile(text, length, continuesName);
-    if (!characterAt(text, length, ".")) return length;
+    if (!characterAt(text, length, ".")) return holdsLookalike(text.substr(0, length)) ? 0 : length;
     ++length;
   }
   return 0;  // no name at all, or a dot without a name after it

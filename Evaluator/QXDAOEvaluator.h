@@ -16,7 +16,7 @@ enum QXDAOTokenType : std::uint64_t {
   QXDAOTokenTypeName = 0,      // item, person.age, $1; a dot joins two names
   QXDAOTokenTypeNumber = 1,    // 12, 1.5, .5, 2e10
   QXDAOTokenTypeString = 2,    // 'a' or "a"; a backslash keeps the next character from closing it
-  QXDAOTokenTypeOperator = 3,  // the longest of the known operators, such as >= or &&
+  QXDAOTokenTypeOperator = 3,  // the longest of the known ones, such as >= or &&, or the dot of a[0].b
   QXDAOTokenTypeBracket = 4,   // one of ( ) [ ] { }
 };
 
@@ -32,7 +32,8 @@ using QXDAOTokenList = std::vector<QXDAOToken>;
 class QXDAOEvaluator {
  public:
   // The tokens of the expression in order; empty when it holds none or cannot be tokenised (an
-  // unclosed string, a number that runs into a name, an unknown character). Only tokens are
+  // unclosed string, a number that runs into a name, an unknown character, a name that holds a no-break
+  // space or a curly quote). Only tokens are
   // recognised: whether they form an expression is for the evaluator that runs them. Any thread.
   [[nodiscard]] static QXDAOTokenList buildTokenListWithExpression(std::string_view expression);
 };

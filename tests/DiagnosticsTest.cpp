@@ -135,7 +135,7 @@ TEST(Diagnostics, Fragments) {
   };
   for (const auto& [xml, message, line, column] : std::vector<Fragment>{
            {"<if/>", "Condition 'if' is of wrong format."},
-           {"<if test='a'/>", "Condition 'if' is of wrong format."},
+           {"<if test='a'><nope/></if>", "Condition 'if' is of wrong format."},
            {"<if true='a' false='b'/>", "Condition 'if' is of wrong format."},
            {"<if true=' \t'/>", "Condition 'if' is of wrong format."},
            {"<when true=\"'open\"/>", "Condition 'when' is of wrong format."},
@@ -143,6 +143,7 @@ TEST(Diagnostics, Fragments) {
            {"<choose x='a'><nope/></choose>", "Condition 'choose' is of wrong format."},
            {"<choose><when true='a'/>text</choose>", choose},
            {"<choose><when true='a'>x</when><!-- c -->\n <if true='a'/></choose>", choose, 2, 2},
+           {"<choose>text<when true='a'/></choose>", choose},
            {"<choose>\n<otherwise/>\n<otherwise/></choose>", choose, 2, 1},
            {"<choose><otherwise/><when true='a'/></choose>", choose, 1, 24},
            {"<choose><when/><if true='a'/></choose>", "Condition 'when' is of wrong format.", 1, 24},
@@ -152,11 +153,13 @@ TEST(Diagnostics, Fragments) {
            {"<foreach item='i' collection='c' index='x'><if/></foreach>", parameters},
            {"<foreach item='i' collection='c'>x\n<if true='a'/></foreach>", content, 2, 1},
            {"<foreach item='i' collection='c'><?pi x?></foreach>", content},
-           {"<trim prefixOverrides='a'/>", "'trim' is of wrong format."},
+           {"<trim prefixOverrides='a'><nope/></trim>", "'trim' is of wrong format."},
            {"<trim prefix='' suffixOverrides=','/>", "'trim' is of wrong format."},
            {"<trim prefix='WHERE' prefixOverrides='' suffixOverrides=''/>", "'trim' is of wrong format."},
            {"<format prefix='p' pairs='q'/>", "'format' is of wrong format."},
            {"<format prefix='p' pairs='q' join=''/>", "'format' is of wrong format."},
+           {"<format prefix='' pairs='q' join='j'/>", "'format' is of wrong format."},
+           {"<format prefix='p' join='j'/>", "'format' is of wrong format."},
            {"<where>x<set>y\n  <trim/></set></where>", "'trim' is of wrong format.", 2, 3},
        }) {
     check({{in(xml).c_str(), message, line, column}});
@@ -180,10 +183,12 @@ TEST(Diagnostics, ObjectMapping) {
   constexpr const char* map = "Map 'm' is of wrong format.";
   constexpr const char* crypt = "Invalid crypt property declaration ''.";
   check({
+      {"<map/>", "Element name(id attribute) is empty."},
       {"<map id='m'/>", "Result type of map 'm' cannot be nil."},
       {"<map id='m' result=''><nope/></map>", "Result type of map 'm' cannot be nil."},
       {"<map id='m' result='A'>\n<result property='p' column='c'/>\n<result property='p'/></map>", map, 3, 1},
       {"<map id='m' result='A'><result property='' column='c'/></map>", map, 1, 24},
+      {"<map id='m' result='A'><result property='p' column=''/></map>", map, 1, 24},
       {"<map id='m' result='A'><column property='p' column='c'/></map>", map, 1, 24},
       {"<map id='m' result='A'>\ntext</map>", map},
       {"<map id='m' result='A'><?pi?></map>", map},

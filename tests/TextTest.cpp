@@ -46,6 +46,7 @@ TEST(Text, ExpandsListReferences) {
       {"%{'*', \r a}", "\r a"},
       {"%{'*', %a, %}", "%a, %"},
       {"%{'', a, b}", ", "},
+      {"SELECT %{'(*)', t.*, b}", "SELECT (t.*), (b)"},
       {"   %{'*', a}   ", "   a   "},
       {"a IN (%{'*', 1, 2}) AND b = '%{x}'", "a IN (1, 2) AND b = '%{x}'"},
   });
@@ -78,7 +79,7 @@ TEST(Text, StateThatOutlivesAReference) {
       // While a reference is open its "%" stays pending, so a bare "{" opens another one.
       {"%{x {'*', a}", "%{xa"},
       {"%{'<*>' , q{, a}", "%{'<*>' , <a>"},
-      // Opening forgets the commas before it, but not where the last one stood.
+      // Opening forgets the commas before it.
       {"%{'*', a, b%{, c}", "%{'*', a, bc"},
       {"%{'*', a, b%{c}|", "%{'*', a, b|"},
   });
@@ -111,6 +112,10 @@ TEST(Text, TrimsNodesOnly) {
   QXDAOText text;
   text.initWithXML(tree.root());
   EXPECT_EQ(text.expression(), "\r SELECT a, b");
+
+  const HandBuiltTree element(Hand::element("a", {}, {Hand::text(" b"), Hand::element("c", {}, {Hand::text("d ")})}));
+  text.initWithXML(element.root());
+  EXPECT_EQ(text.expression(), "bd");
 
   const HandBuiltTree silent(Hand{XMLNodeKind::Text, std::nullopt, std::nullopt, {}, {}});
   text.initWithXML(silent.root());

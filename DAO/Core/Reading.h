@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Strings.h"
 #include "Platform/XMLNode.h"
 
 namespace korvex {

@@ -14,18 +14,18 @@ constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";  // U+FFFD
 constexpr std::size_t usualStarCount = 5;
 constexpr std::size_t longestCharacterOfOneUnit = 3;
 
-// The bytes that mean something while a reference is open. All of them are ASCII, so a byte of a
-// longer character is never taken for one.
+// The bytes that mean something while a reference is open, its "%" then being pending. All of them are ASCII, so a byte
+// of a longer character is never taken for one.
 constexpr auto isMarkup = [] {
   std::array<bool, 256> table{};
-  for (const char byte : std::string_view("%',{}")) table[static_cast<unsigned char>(byte)] = true;
+  for (const char byte : std::string_view("',{}")) table[static_cast<unsigned char>(byte)] = true;
   return table;
 }();
 
 // Expands the list references of a text in one pass from left to right.
 //
 // The state follows the language's own scan rules to the letter: what an expansion or an opening
-// leaves alone (format, formatBegin, lastComma, the pending "%") shapes what later text means.
+// leaves alone (format, formatBegin, the pending "%") shapes what later text means.
 // Positions are byte offsets; 0 means "not set" for referenceBegin and formatBegin, which are
 // always one past a character otherwise.
 class ListReferenceScan {

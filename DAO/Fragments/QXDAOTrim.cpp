@@ -34,8 +34,6 @@ std::vector<std::string> overridesOf(OptionalStringView value) {
 
 void QXDAOTrim::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
-  _prefixOverrides.clear();
-  _suffixOverrides.clear();
   _onVoid = onVoidOf(xml.valueOfAttribute(C_ON_VOID));
   readOperation(xml);
   if (!failed()) processNodes(xml);
