@@ -42,6 +42,7 @@
 // has not been set is nullopt. Setters replace the old value and check nothing.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -54,6 +55,8 @@
 #include <vector>
 
 #include "Evaluator/QXDAOEvaluator.h"
+#include "Platform/ModelClass.h"
+#include "Platform/SpinLock.h"
 #include "Platform/Strings.h"
 #include "Platform/XMLNode.h"
 #include "Statistics/QXSCDAOMethodCounter.h"
@@ -563,12 +566,59 @@ class QXDAOCryptProperty final : public QXDAOElement {
   OptionalString _propertyName;
 };
 
+// How a value stands in a packed column, written into every record. A positive value is 16 × type
+// index + bytes of the value.
+enum QXDAOPackEncode : std::int16_t {
+  QXDAOPackEncodeNumber = -2,  // a number object's field in a layout; never in a record
+  QXDAOPackEncodeString = -1,
+  QXDAOPackEncodeNone = 0,
+  QXDAOPackEncodeBOOL = 1,
+  QXDAOPackEncodeInt8 = 17,
+  QXDAOPackEncodeUInt8 = 33,
+  QXDAOPackEncodeInt16 = 50,
+  QXDAOPackEncodeUInt16 = 66,
+  QXDAOPackEncodeInt32 = 84,
+  QXDAOPackEncodeUInt32 = 100,
+  QXDAOPackEncodeInt64 = 120,
+  QXDAOPackEncodeUInt64 = 136,
+  QXDAOPackEncodeFloat = 148,
+  QXDAOPackEncodeDouble = 168,
+};
+
+// The widths of a record's name length and string length.
+using QXDAOPackNameLengthType = std::uint8_t;
+using QXDAOPackStringLengthType = std::uint32_t;
+
+// One packed property of one class. Empty, with no field and no name, when the class lacks the
+// property or its field, or when the name of either is longer than 255 bytes: a record has no room
+// for such a name.
+struct QXDAOPackPropertyInfo {
+  const ModelField* field = nullptr;   // owned by the class
+  std::int8_t encode_c = 0;            // a scalar's type code, -2 number object, -1 string, 0 other
+  const char* name = nullptr;          // ends with a zero byte; owned by the class
+  QXDAOPackNameLengthType length = 0;  // bytes of the name
+};
+
+// The layout of one class: its packed properties in ascending byte order of their names, empty
+// entries at the end.
+struct QXDAOPackClassInfo {
+  const ModelClass* cls = nullptr;
+  std::int32_t count = 0;
+  QXDAOPackPropertyInfo* properties = nullptr;  // `count` of them, owned
+  QXDAOPackClassInfo* next = nullptr;           // owned by the pack
+};
+
+// Negative, zero or positive as the first entry sorts before, equal to or after the second: names
+// byte by byte, a name before a longer one that it begins, an entry without a name after all.
+[[nodiscard]] int property_info_cmp(const QXDAOPackPropertyInfo& first, const QXDAOPackPropertyInfo& second);
+
 // <pack>: several properties of an object stored together in one column. It has no name and
-// names no class: one pack serves every class.
+// names no class: one pack serves every class whose objects it meets.
 class QXDAOPack final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindPack;
   QXDAOPack() : QXDAOElement(Kind) {}
+  ~QXDAOPack() override;
 
   void initWithXML(const XMLNode& xml);
 
@@ -578,13 +628,32 @@ class QXDAOPack final : public QXDAOElement {
   // The names in the order written, empty and repeated ones included; two or more when finished.
   [[nodiscard]] const std::optional<std::vector<std::string>>& propertyList() const { return _propertyList; }
   void setPropertyList(std::optional<std::vector<std::string>> list) { _propertyList = std::move(list); }
-  // Whether the engine stores the column encrypted.
+  // Whether the engine stores the column encrypted; packing and unpacking do not look at it.
   [[nodiscard]] bool crypted() const { return _crypted; }
   void setCrypted(bool crypted) { _crypted = crypted; }
 
+  // The listed properties of an object as the bytes of its column: a record for each that has a
+  // value, in ascending order of the names (docs/packed-format.md). Empty when none has one;
+  // absent when the object is null or its layout could not be allocated. Threads may pack and
+  // unpack at once on one pack; each object belongs to its caller.
+  [[nodiscard]] std::optional<std::string> packWithObject(const ModelObject* object) const;
+  // Stores the records of such bytes in the object. Names and types that the object's class does
+  // not pack are skipped; fields without a record keep their value; reading ends, with what came
+  // before applied, at a record that is cut short or cannot be read. Nothing is reported.
+  void unpackWithObject(ModelObject* object, std::string_view data) const;
+
+  // The layout of the object's class, worked out when the class is first met and kept until the
+  // pack is destroyed. Null when the object is null or the layout could not be allocated. Setting
+  // another propertyList does not change the layouts that are there.
+  [[nodiscard]] const QXDAOPackClassInfo* getClassInfoWithObject(const ModelObject* object) const;
+
  private:
   void readPropertyList(std::string_view properties);
+  [[nodiscard]] QXDAOPackClassInfo* initializeWithClass(const ModelClass& cls) const;
 
+  // The layouts, newest first. Walked without the lock; the lock is held while one is linked.
+  mutable std::atomic<QXDAOPackClassInfo*> _head{nullptr};
+  mutable SpinLock _lock;
   bool _crypted = false;
   OptionalString _column;
   std::optional<std::vector<std::string>> _propertyList;
@@ -592,9 +661,6 @@ class QXDAOPack final : public QXDAOElement {
 
 // ---------------------------------------------------------------------------------------------
 // Methods
-
-// What a model class is at run time; an engine's own, nothing here looks into it.
-class ModelClass;
 
 // One declared argument of a method.
 class QXDAOMethodArgument {

@@ -1,6 +1,7 @@
 #include "Platform/Strings.h"
 
 #include <algorithm>
+#include <array>
 
 namespace korvex {
 
@@ -12,23 +13,51 @@ std::string_view trimmedOf(std::string_view text, std::string_view unwanted) {
   return text.substr(first, text.find_last_not_of(unwanted) - first + 1);
 }
 
-bool isContinuationByte(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+// What may follow a leading byte; the second byte's range keeps out longer forms than needed,
+// surrogates and what lies beyond U+10FFFF (the table of RFC 3629, section 4).
+struct UTF8Form {
+  unsigned char firstLead, lastLead;
+  unsigned char firstSecond, lastSecond;
+  std::size_t length;
+};
 
-// The length that a leading byte announces; 1 for ASCII and for bytes that lead nothing.
-std::size_t announcedLength(char lead) {
-  const auto byte = static_cast<unsigned char>(lead);
-  if (byte >= 0xF0U && byte <= 0xF4U) return 4;
-  if (byte >= 0xE0U && byte < 0xF0U) return 3;
-  if (byte >= 0xC2U && byte < 0xE0U) return 2;
-  return 1;
+constexpr std::array<UTF8Form, 8> longForms = {{
+    {0xC2, 0xDF, 0x80, 0xBF, 2},
+    {0xE0, 0xE0, 0xA0, 0xBF, 3},
+    {0xE1, 0xEC, 0x80, 0xBF, 3},
+    {0xED, 0xED, 0x80, 0x9F, 3},
+    {0xEE, 0xEF, 0x80, 0xBF, 3},
+    {0xF0, 0xF0, 0x90, 0xBF, 4},
+    {0xF1, 0xF3, 0x80, 0xBF, 4},
+    {0xF4, 0xF4, 0x80, 0x8F, 4},
+}};
+
+bool isBetween(char byte, unsigned char first, unsigned char last) {
+  const auto value = static_cast<unsigned char>(byte);
+  return value >= first && value <= last;
 }
 
-// The length of the character at `at`; 1 where the bytes are not a whole character.
+bool isASCII(char byte) { return isBetween(byte, 0x00, 0x7F); }
+
+bool fitsForm(std::string_view text, std::size_t at, const UTF8Form& form) {
+  if (!isBetween(text[at], form.firstLead, form.lastLead) || form.length > text.size() - at) return false;
+  if (!isBetween(text[at + 1], form.firstSecond, form.lastSecond)) return false;
+  const std::string_view rest = text.substr(at + 2, form.length - 2);
+  return std::all_of(rest.begin(), rest.end(), [](char byte) { return isBetween(byte, 0x80, 0xBF); });
+}
+
+// The length of the character at `at`; 0 where the bytes are not a whole character.
+std::size_t lengthOfValidCharacterAt(std::string_view text, std::size_t at) {
+  if (isASCII(text[at])) return 1;
+  for (const UTF8Form& form : longForms) {
+    if (fitsForm(text, at, form)) return form.length;
+  }
+  return 0;
+}
+
+// The same, with 1 for a byte that is not part of a character.
 std::size_t lengthOfCharacterAt(std::string_view text, std::size_t at) {
-  const std::size_t length = announcedLength(text[at]);
-  if (length > text.size() - at) return 1;
-  const std::string_view rest = text.substr(at + 1, length - 1);
-  return std::all_of(rest.begin(), rest.end(), isContinuationByte) ? length : 1;
+  return std::max<std::size_t>(1, lengthOfValidCharacterAt(text, at));
 }
 
 constexpr std::size_t longestUTF8CharacterOfOneUnit = 3;
@@ -99,6 +128,15 @@ std::size_t lengthOfCharacterBefore(std::string_view text, std::size_t end) {
     if (lengthOfCharacterAt(text.substr(0, end), end - length) == length) return length;
   }
   return 1;
+}
+
+bool isValidUTF8(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t length = lengthOfValidCharacterAt(text, at);
+    if (length == 0) return false;
+    at += length;
+  }
+  return true;
 }
 
 std::string filledFormat(std::string_view format, OptionalStringView value) {

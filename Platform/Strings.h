@@ -47,6 +47,9 @@ using OptionalStringView = std::optional<std::string_view>;
 // Multilingual Plane counts two; a byte that is not part of valid UTF-8 counts one.
 [[nodiscard]] bool hasAtLeastUTF16Units(std::string_view text, std::size_t units);
 
+// True when every byte belongs to a whole, shortest-form character that is no surrogate (RFC 3629).
+[[nodiscard]] bool isValidUTF8(std::string_view text);
+
 // The byte length, 1 to 4, of the character that ends just before `end` (0 < end <= text.size()).
 // A byte that is not the end of valid UTF-8 is a character of its own.
 [[nodiscard]] std::size_t lengthOfCharacterBefore(std::string_view text, std::size_t end);

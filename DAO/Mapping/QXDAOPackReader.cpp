@@ -1,0 +1,73 @@
+#include "DAO/Mapping/QXDAOPackReader.h"
+
+#include <bit>
+#include <cstring>
+
+#include "DAO/Mapping/PackEncode.h"
+
+namespace korvex {
+
+static_assert(std::endian::native == std::endian::little, "packed values are copied in the platform's byte order");
+
+namespace {
+
+bool endsReading(QXDAOPackEncode encode) {
+  return encode == QXDAOPackEncodeNone || (encode < 0 && encode != QXDAOPackEncodeString);
+}
+
+}  // namespace
+
+QXDAOPackReadStatus QXDAOPackReader::next(QXDAOPackRecord& record) {
+  if (_status != QXDAOPackReadStatus::Record) return _status;
+  record = {};
+  record.offset = _at;
+  if (_at == _value.size()) return _status = QXDAOPackReadStatus::End;
+  if (!takeName(record.name) || !takeInteger(QXDAOPackPart::Encode, record.encode)) {
+    return _status = QXDAOPackReadStatus::Truncated;
+  }
+  if (endsReading(record.encode)) {
+    _at -= sizeof record.encode;
+    return _status = QXDAOPackReadStatus::Stopped;
+  }
+  if (!takeValue(record)) _status = QXDAOPackReadStatus::Truncated;
+  return _status;
+}
+
+bool QXDAOPackReader::take(QXDAOPackPart part, std::size_t count, std::string_view& bytes) {
+  _part = part;
+  if (count > _value.size() - _at) return false;
+  bytes = _value.substr(_at, count);
+  _at += count;
+  return true;
+}
+
+template <typename Integer>
+bool QXDAOPackReader::takeInteger(QXDAOPackPart part, Integer& integer) {
+  std::string_view bytes;
+  if (!take(part, sizeof integer, bytes)) return false;
+  std::memcpy(&integer, bytes.data(), sizeof integer);
+  return true;
+}
+
+// The length byte, the name and the byte that ends it are one part: without all of it there is no
+// name. What the ending byte is does not matter, the length decides.
+bool QXDAOPackReader::takeName(std::string_view& name) {
+  const std::size_t length = static_cast<QXDAOPackNameLengthType>(_value[_at]);
+  std::string_view bytes;
+  if (!take(QXDAOPackPart::Name, length + 2, bytes)) return false;
+  name = bytes.substr(1, length);
+  return true;
+}
+
+bool QXDAOPackReader::takeValue(QXDAOPackRecord& record) {
+  if (record.encode != QXDAOPackEncodeString) {
+    record.bytesOffset = _at;
+    return take(QXDAOPackPart::Scalar, valueBytes(record.encode), record.bytes);
+  }
+  QXDAOPackStringLengthType length = 0;
+  if (!takeInteger(QXDAOPackPart::StringLength, length)) return false;
+  record.bytesOffset = _at;
+  return take(QXDAOPackPart::String, length, record.bytes);
+}
+
+}  // namespace korvex
