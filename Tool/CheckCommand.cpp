@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "Tool/Counted.h"
 #include "Tool/Finding.h"
 #include "Tool/InputFiles.h"
 
@@ -11,10 +12,6 @@ namespace {
 bool colorWanted(ColorMode mode, const Console& console) {
   if (mode != ColorMode::Auto) return mode == ColorMode::Always;
   return console.outIsTerminal && !console.noColor;
-}
-
-std::string counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
 }
 
 // One run of the command: prints text findings as they come, collects them for JSON.

@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <istream>
 #include <ostream>
 #include <set>
+#include <system_error>
 
 #include "Tool/VisibleText.h"
 
@@ -90,6 +93,16 @@ std::string readAll(std::istream& in, std::size_t most) {
   return bytes;
 }
 
+constexpr std::size_t longestValue = 1'000'000'000;
+
+InputBytes readStream(const std::string& name, std::istream& in) {
+  if (!in) return {name, "", std::generic_category().message(errno)};
+  std::string bytes = readAll(in, longestValue);
+  if (in.bad()) return {name, "", std::generic_category().message(errno)};
+  if (bytes.size() > longestValue) return {name, "", "larger than " + std::to_string(longestValue) + " bytes"};
+  return {name, std::move(bytes), std::nullopt};
+}
+
 Document::Result readStandardInput(std::istream& in, const LoadOptions& options) {
   const std::string bytes = readAll(in, options.maximumBytes);
   if (!in.bad()) return Document::fromBytes(bytes, options);
@@ -122,6 +135,12 @@ InputFiles findInputFiles(const std::vector<std::string>& paths) {
     inputs.unreadable.insert(inputs.unreadable.end(), search.unreadable().begin(), search.unreadable().end());
   }
   return inputs;
+}
+
+InputBytes readBytes(const std::string& path, std::istream& in) {
+  if (path == standardInput) return readStream(shownPath(path), in);
+  std::ifstream file(path, std::ios::binary);
+  return readStream(path, file);
 }
 
 Document::Result readDocument(const std::string& path, std::istream& in, const LoadOptions& options) {

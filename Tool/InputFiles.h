@@ -2,6 +2,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,15 @@ struct InputFiles {
 // gives the *.xml files below it, sorted; links are followed, no directory is searched twice.
 // Whether the files can be read shows when they are.
 [[nodiscard]] InputFiles findInputFiles(const std::vector<std::string>& paths);
+
+struct InputBytes {
+  std::string name;                  // of the input, as it is shown
+  std::string bytes;                 // empty after an error
+  std::optional<std::string> error;  // why the input cannot be read
+};
+
+// Reads a file, or `in` for the path "-", of at most 1000000000 bytes: SQLite's limit for a value.
+[[nodiscard]] InputBytes readBytes(const std::string& path, std::istream& in);
 
 // Parses a file, or `in` for the path "-".
 [[nodiscard]] Document::Result readDocument(const std::string& path, std::istream& in, const LoadOptions& options);

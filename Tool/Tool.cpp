@@ -9,6 +9,7 @@
 
 #include "Tool/CheckCommand.h"
 #include "Tool/DumpCommand.h"
+#include "Tool/UnpackCommand.h"
 
 namespace korvex {
 namespace {
@@ -16,6 +17,7 @@ namespace {
 constexpr const char* generalFooter = R"(Examples:
   korvex-dao check definitions/
   korvex-dao dump --format tree addressbook.xml
+  korvex-dao unpack --db app.sqlite --table person --column info
   korvex-dao check --help)";
 
 constexpr const char* checkFooter = R"(Prints one finding for each refused definition or malformed document:
@@ -42,6 +44,22 @@ constexpr const char* dumpFooter = R"(Examples:
 Exit codes:
   0  every definition was built
   1  a definition was refused, or the document is malformed
+  2  wrong usage, an input that cannot be read, or an output that cannot be
+     written)";
+
+constexpr const char* unpackFooter = R"(Prints every property in a value: its type, what it holds, and how many bytes
+that is at which offset. The value describes itself; no class is needed. With
+--db it prints the values of all rows that meet the condition, each with its
+rowid. The database is only read.
+
+Examples:
+  korvex-dao unpack value.bin
+  korvex-dao unpack --hex '03 61 67 65 00 54 00 1E 00 00 00'
+  korvex-dao unpack --db app.sqlite --table person --column info --where 'id = 7'
+
+Exit codes:
+  0  every value was read to its end; NULL is no value
+  1  a value ends early, holds an encode that ends the reading, or is no BLOB
   2  wrong usage, an input that cannot be read, or an output that cannot be
      written)";
 
@@ -87,31 +105,67 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
   return command;
 }
 
-void addDump(CLI::App& tool, DumpOptions& options) {
+CLI::App* addDump(CLI::App& tool, DumpOptions& options) {
   CLI::App* command = tool.add_subcommand("dump", "Print the element trees of a definition document");
   command->add_option("FILE", options.path, "A file, or - for standard input")->required()->type_name("");
   addChoice<DumpFormat>(*command, "--format", options.format, {{"json", DumpFormat::Json}, {"tree", DumpFormat::Tree}},
                         "How to print the elements: json (if not given), or tree for people");
   addLoadOptions(*command, options.load);
   command->footer(dumpFooter);
+  return command;
+}
+
+void addUnpack(CLI::App& tool, UnpackOptions& options) {
+  CLI::App* command = tool.add_subcommand("unpack", "Print what a packed column holds");
+  CLI::Option* file =
+      command->add_option("FILE", options.path, "A file with one value, or - for standard input")->type_name("");
+  CLI::Option* hex =
+      command->add_option("--hex", options.hex, "One value in hexadecimal digits, or - when standard input holds them")
+          ->type_name("DIGITS")
+          ->excludes(file);
+  CLI::Option* database = command->add_option("--db", options.column.path, "An SQLite database with values in a column")
+                              ->type_name("FILE")
+                              ->excludes(file)
+                              ->excludes(hex);
+  CLI::Option* table = command->add_option("--table", options.column.table, "The table, or a view, that has the column")
+                           ->type_name("NAME")
+                           ->needs(database);
+  CLI::Option* column = command->add_option("--column", options.column.column, "The column with the values")
+                            ->type_name("NAME")
+                            ->needs(database);
+  command->add_option("--where", options.column.where, "Only the rows that meet this SQL condition")
+      ->type_name("CONDITION")
+      ->needs(database);
+  database->needs(table)->needs(column);
+  addChoice<UnpackFormat>(*command, "--format", options.format,
+                          {{"table", UnpackFormat::Table}, {"json", UnpackFormat::Json}},
+                          "How to print the values: table (if not given) or json");
+  command->footer(unpackFooter);
+  command->callback([=] {
+    if (file->empty() && hex->empty() && database->empty()) throw CLI::RequiredError("FILE, --hex or --db");
+  });
 }
 
 ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console) {
-  CLI::App tool("Checks and shows mapping definitions of a data-access library.", "korvex-dao");
+  CLI::App tool("Checks and shows mapping definitions of a data-access library, and its packed columns.", "korvex-dao");
   tool.set_version_flag("--version", "korvex-dao " KORVEX_VERSION, "Print the version and exit");
   tool.require_subcommand(1);
   tool.footer(generalFooter);
   CheckOptions checkOptions;
   DumpOptions dumpOptions;
+  UnpackOptions unpackOptions;
   const CLI::App* check = addCheck(tool, checkOptions);
-  addDump(tool, dumpOptions);
+  const CLI::App* dump = addDump(tool, dumpOptions);
+  addUnpack(tool, unpackOptions);
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     tool.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
     return tool.exit(error, console.out, console.err) == 0 ? ExitCodeNothingFound : ExitCodeTrouble;
   }
-  return check->parsed() ? runCheck(checkOptions, console) : runDump(dumpOptions, console);
+  if (check->parsed()) return runCheck(checkOptions, console);
+  if (dump->parsed()) return runDump(dumpOptions, console);
+  return runUnpack(unpackOptions, console);
 }
 
 ExitCode flushed(const Console& console, ExitCode code) {

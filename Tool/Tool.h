@@ -9,7 +9,7 @@ namespace korvex {
 
 enum ExitCode : int {
   ExitCodeNothingFound = 0,
-  ExitCodeSomethingFound = 1,  // a refused definition or a malformed document
+  ExitCodeSomethingFound = 1,  // a refused definition, a malformed document, an unreadable packed value
   ExitCodeTrouble = 2,         // wrong usage, an input that cannot be read, an output that cannot be written
 };
 

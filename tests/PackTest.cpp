@@ -11,8 +11,8 @@
 
 #include "DAO/Mapping/QXDAOPackReader.h"
 #include "DAO/QXDAOElement.h"
-#include "tests/support/HandBuiltTree.h"
 #include "tests/support/Models.h"
+#include "tests/support/Packs.h"
 
 namespace {
 
@@ -32,12 +32,6 @@ void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
 
 namespace korvex {
 namespace {
-
-std::unique_ptr<QXDAOPack> packOf(const std::string& properties) {
-  const HandBuiltTree tree(Hand::element("pack", {{"as", "info"}, {"properties", properties}}));
-  auto element = QXDAOElement::elementWithXML(tree.root());
-  return std::unique_ptr<QXDAOPack>(static_cast<QXDAOPack*>(element.release()));
-}
 
 std::string hex(std::string_view bytes) {
   std::string text;

@@ -10,28 +10,14 @@
 
 #include "Tool/ElementJson.h"
 #include "Tool/Excerpt.h"
-#include "Tool/Tool.h"
 #include "Tool/VisibleText.h"
+#include "tests/support/RunTool.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace korvex {
 namespace {
 
 namespace fs = std::filesystem;
-using Arguments = std::vector<std::string>;
-
-struct Outcome {
-  int code;
-  std::string out;
-  std::string err;
-};
-
-Outcome run(const Arguments& arguments, const std::string& input = "", bool terminal = false, bool noColor = false) {
-  std::istringstream in(input);
-  std::ostringstream out;
-  std::ostringstream err;
-  const ExitCode code = runTool(arguments, {in, out, err, terminal, noColor});
-  return {code, out.str(), err.str()};
-}
 
 // -------------------------------------------------------------------------------------------
 // dump
@@ -268,12 +254,6 @@ TEST(VisibleText, EscapesWhatActs) {
 
 class Files : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string pattern = (fs::temp_directory_path() / "korvex-XXXXXX").string();
-    _directory = mkdtemp(pattern.data());
-  }
-  void TearDown() override { fs::remove_all(_directory); }
-
   [[nodiscard]] std::string path(const std::string& name) const { return (_directory / name).string(); }
   void write(const std::string& name, const std::string& content) const {
     fs::create_directories((_directory / name).parent_path());
@@ -289,7 +269,8 @@ class Files : public testing::Test {
     return names;
   }
 
-  fs::path _directory;
+  TemporaryDirectory _temporary;
+  const fs::path& _directory = _temporary.path();
 };
 
 TEST_F(Files, DirectoriesAreSearchedOnce) {
@@ -324,7 +305,8 @@ TEST_F(Files, ForbiddenDirectoryIsReported) {
 // The program
 
 TEST(Usage, HelpAndMistakes) {
-  for (const Arguments& arguments : {Arguments{"--help"}, {"check", "--help"}, {"dump", "--help"}, {"--version"}}) {
+  for (const Arguments& arguments :
+       {Arguments{"--help"}, {"check", "--help"}, {"dump", "--help"}, {"unpack", "--help"}, {"--version"}}) {
     const Outcome result = run(arguments);
     EXPECT_EQ(result.code, 0);
     EXPECT_NE(result.out.find("korvex-dao"), std::string::npos);
@@ -341,7 +323,15 @@ TEST(Usage, HelpAndMistakes) {
                                            {"check", "--color", "2", "-"},
                                            {"check", "--max-bytes", "-1", "-"},
                                            {"check", "--max-bytes", "0", "-"},
-                                           {"check", "--max-bytes", "many", "-"}};
+                                           {"check", "--max-bytes", "many", "-"},
+                                           {"unpack"},
+                                           {"unpack", "a", "b"},
+                                           {"unpack", "--hex", "00", "-"},
+                                           {"unpack", "--format", "text", "-"},
+                                           {"unpack", "--db", "d", "--table", "t"},
+                                           {"unpack", "--db", "d", "--column", "c"},
+                                           {"unpack", "--where", "1", "-"},
+                                           {"unpack", "--db", "d", "--table", "t", "--column", "c", "-"}};
   for (const Arguments& arguments : mistakes) {
     const Outcome result = run(arguments, "<d/>");
     EXPECT_EQ(result.code, 2) << testing::PrintToString(arguments);
