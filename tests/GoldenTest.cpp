@@ -8,6 +8,10 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 
@@ -19,20 +23,34 @@ std::string contentOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Standard output and standard error of a shell command, run in the repository's root with the
-// directories of the built programs in front of the path.
-std::string outputOf(const std::string& command) {
-  const std::string line =
-      "cd '" + root.string() + "' && PATH='" + std::filesystem::path(KORVEX_DAO_TOOL).parent_path().string() +
-      ":'\"$PATH\" NO_COLOR=1 COLUMNS=100 && export PATH NO_COLOR COLUMNS; { " + command + "; } 2>&1";
-  FILE* pipe = popen(line.c_str(), "r");
-  std::string output;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
-    output.append(buffer.data(), count);
-  pclose(pipe);
-  return output;
-}
+// A directory in which commands find the repository's examples and tests and may leave files.
+class Workplace {
+ public:
+  Workplace() {
+    for (const char* linked : {"examples", "tests"}) {
+      std::filesystem::create_directory_symlink(root / linked, _directory.path() / linked);
+    }
+  }
+
+  // Standard output and standard error of a shell command, run in this directory with that of the
+  // built programs in front of the path.
+  [[nodiscard]] std::string outputOf(const std::string& command) const {
+    const std::string line = "cd '" + _directory.path().string() + "' && PATH='" +
+                             std::filesystem::path(KORVEX_DAO_TOOL).parent_path().string() +
+                             ":'\"$PATH\" NO_COLOR=1 COLUMNS=100 && export PATH NO_COLOR COLUMNS; { " + command +
+                             "; } 2>&1";
+    FILE* pipe = popen(line.c_str(), "r");
+    std::string output;
+    std::array<char, 4096> buffer{};
+    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
+      output.append(buffer.data(), count);
+    pclose(pipe);
+    return output;
+  }
+
+ private:
+  korvex::TemporaryDirectory _directory;
+};
 
 TEST(Golden, ExamplesAreCheckedAndDumpedAsRecorded) {
   const bool update = std::getenv("KORVEX_UPDATE_GOLDEN") != nullptr;
@@ -47,10 +65,26 @@ TEST(Golden, ExamplesAreCheckedAndDumpedAsRecorded) {
   for (const auto& [name, command] : goldens) {
     SCOPED_TRACE(command);
     const std::filesystem::path file = root / "tests" / "golden" / name;
-    const std::string output = outputOf(command);
+    const std::string output = Workplace().outputOf(command);
     if (update) std::ofstream(file, std::ios::binary) << output;
     EXPECT_EQ(output, contentOf(file));
   }
+}
+
+// The code blocks of a document in one language.
+std::vector<std::string> blocksOf(const std::string& document, const std::string& language) {
+  std::vector<std::string> blocks;
+  std::istringstream lines(document);
+  bool inside = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("```")) {
+      inside = line == "```" + language;
+      if (inside) blocks.emplace_back();
+    } else if (inside) {
+      blocks.back() += line + '\n';
+    }
+  }
+  return blocks;
 }
 
 struct Session {
@@ -61,15 +95,14 @@ struct Session {
 // The "$ command" lines of a document's console blocks, each with the output shown below it.
 std::vector<Session> sessionsOf(const std::string& document) {
   std::vector<Session> sessions;
-  std::istringstream lines(document);
-  bool inside = false;
-  for (std::string line; std::getline(lines, line);) {
-    if (line.starts_with("```")) {
-      inside = line == "```console";
-    } else if (inside && line.starts_with("$ ")) {
-      sessions.push_back({line.substr(2), ""});
-    } else if (inside && !sessions.empty()) {
-      sessions.back().output += line + '\n';
+  for (const std::string& block : blocksOf(document, "console")) {
+    std::istringstream lines(block);
+    for (std::string line; std::getline(lines, line);) {
+      if (line.starts_with("$ ")) {
+        sessions.push_back({line.substr(2), ""});
+      } else {
+        sessions.back().output += line + '\n';
+      }
     }
   }
   return sessions;
@@ -77,20 +110,25 @@ std::vector<Session> sessionsOf(const std::string& document) {
 
 TEST(Golden, DocumentsShowWhatTheToolPrints) {
   std::size_t shown = 0;
-  for (const char* document : {"README.md", "docs/tool.md"}) {
+  for (const char* document : {"README.md", "docs/tool.md", "docs/packed-format.md"}) {
+    const Workplace workplace;
     for (const auto& [command, output] : sessionsOf(contentOf(root / document))) {
-      EXPECT_EQ(outputOf(command), output) << document << ": $ " << command;
+      EXPECT_EQ(workplace.outputOf(command), output) << document << ": $ " << command;
       ++shown;
     }
   }
   EXPECT_GE(shown, 4U);
 }
 
-// The README's program is an example that the build compiles.
-TEST(Golden, ReadmeShowsTheCompiledExample) {
-  const std::string code = contentOf(root / "examples" / "read_definitions.cpp");
-  EXPECT_NE(contentOf(root / "README.md").find("```cpp\n" + code + "```\n"), std::string::npos);
-  EXPECT_NE(outputOf("read_definitions examples/faults.xml").find("Element name(id attribute) is empty."),
+// The C++ of the documents is from the examples that the build compiles.
+TEST(Golden, ReadmeShowsCompiledExamples) {
+  std::string code;
+  for (const char* example : {"read_definitions.cpp", "pack_people.cpp"})
+    code += contentOf(root / "examples" / example);
+  const std::vector<std::string> blocks = blocksOf(contentOf(root / "README.md"), "cpp");
+  EXPECT_EQ(blocks.size(), 2U);
+  for (const std::string& block : blocks) EXPECT_NE(code.find(block), std::string::npos) << block;
+  EXPECT_NE(Workplace().outputOf("read_definitions examples/faults.xml").find("Element name(id attribute) is empty."),
             std::string::npos);
 }
 
