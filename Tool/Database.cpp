@@ -55,7 +55,7 @@ Failure open(const std::string& path, Connection& connection) {
   if (code != SQLITE_OK) return openFailure(database);
   sqlite3_busy_timeout(database, longestWait);
   // Without this, a quoted name that is no column would be taken for a text.
-  sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);  // NOLINT(cppcoreguidelines-pro-type-vararg)
   return std::nullopt;
 }
 

@@ -15,8 +15,8 @@ constexpr std::string_view whiteSpace = " \t\r\n\v\f";
 std::size_t valueOf(char digit) { return std::min(digits.find(digit), lowerDigits.find(digit)); }
 
 std::string notADigit(std::string_view text, std::size_t at) {
-  return "'" + visibleText(firstCharacter(text.substr(at))) + "' at position " + std::to_string(at + 1) +
-         " is no hexadecimal digit";
+  const std::string character = visibleText(firstCharacter(text.substr(at)));
+  return "'" + character + "' at position " + std::to_string(at + 1) + " is no hexadecimal digit";
 }
 
 }  // namespace
@@ -37,9 +37,9 @@ HexBytes bytesOfHex(std::string_view text) {
   std::size_t count = 0;  // of digits
   std::size_t high = 0;
   for (std::size_t at = 0; at < text.size(); ++at) {
-    if (whiteSpace.find(text[at]) != whiteSpace.npos) continue;
+    if (whiteSpace.find(text[at]) != std::string_view::npos) continue;
     const std::size_t value = valueOf(text[at]);
-    if (value == digits.npos) return {"", notADigit(text, at)};
+    if (value == std::string_view::npos) return {"", notADigit(text, at)};
     if (++count % 2 == 1) {
       high = value;
     } else {

@@ -15,8 +15,6 @@ using Widths = std::array<std::size_t, 3>;  // the last column ends the line
 // A longer cell pushes what follows on its line to the right; other lines stay as they are.
 constexpr std::size_t greatestWidth = 40;
 
-const Line headings = {"property", "type", "value", "bytes at offset"};
-
 // In characters.
 std::size_t widthOf(std::string_view text) {
   std::size_t width = 0;
@@ -46,7 +44,7 @@ void printLine(std::ostream& out, const Line& line, const Widths& widths) {
 }
 
 void printRecords(std::ostream& out, const std::vector<QXDAOPackRecord>& records) {
-  std::vector<Line> lines = {headings};
+  std::vector<Line> lines = {{"property", "type", "value", "bytes at offset"}};
   std::transform(records.begin(), records.end(), std::back_inserter(lines), lineOf);
   Widths widths{};
   for (const Line& line : lines) widen(widths, line);

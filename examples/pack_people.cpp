@@ -2,6 +2,7 @@
 // work packed into one column: pack_people DATABASE [DEFINITIONS]
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <vector>
@@ -74,10 +75,8 @@ bool insert(sqlite3* database, const Person& person, const korvex::QXDAOPack& in
 bool store(sqlite3* database, const std::vector<Person>& people, const korvex::QXDAOPack& info) {
   constexpr const char* table = "CREATE TABLE person (id INTEGER PRIMARY KEY, given_name TEXT, info BLOB)";
   if (sqlite3_exec(database, table, nullptr, nullptr, nullptr) != SQLITE_OK) return false;
-  for (const Person& person : people) {
-    if (!insert(database, person, info)) return false;
-  }
-  return true;
+  return std::all_of(people.begin(), people.end(),
+                     [&](const Person& person) { return insert(database, person, info); });
 }
 
 int fail(std::string_view message) {
