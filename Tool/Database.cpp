@@ -65,7 +65,7 @@ Failure prepare(sqlite3& database, const std::string& sql, Statement& statement)
   const int code = sqlite3_prepare_v2(&database, sql.c_str(), -1, &prepared, &rest);
   statement.reset(prepared);
   if (code != SQLITE_OK) return failureOf(database);
-  if (*rest != '\0' || sqlite3_stmt_readonly(prepared) == 0) return "the condition is more than a condition";
+  if (*rest != '\0') return "the condition is more than a condition";
   return std::nullopt;
 }
 

@@ -350,6 +350,7 @@ TEST(Program, ExitCodes) {
   EXPECT_EQ(shell("echo '<d/>' | \"$T\" check - 2>&1 | grep -q '^0 definitions in 1 file, 0 errors$'"), 0);
   EXPECT_EQ(shell("echo '<d><const/></d>' | \"$T\" dump - >/dev/null"), 1);
   EXPECT_EQ(shell("\"$T\" dump - </ >/dev/null 2>&1"), 2);
+  EXPECT_EQ(shell("\"$T\" unpack --hex - </ >/dev/null 2>&1"), 2);
   EXPECT_EQ(shell("\"$T\" >/dev/null 2>&1"), 2);
 }
 

@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
+#include <thread>
 #include <tuple>
 
 #include "Tool/ElementJson.h"
@@ -175,6 +178,7 @@ TEST_F(UnpackFiles, FilesAndStandardInput) {
   EXPECT_EQ(run({"unpack", "-"}, bytes).out, "<stdin>" + table);
   EXPECT_EQ(run({"unpack", "--hex", "-"}, age + "\n").out, "<stdin>" + table);
   EXPECT_EQ(run({"unpack", "-"}, "").out, "<stdin>: 0 bytes\n");
+  EXPECT_TRUE(run({"unpack"}).err.starts_with("FILE, --hex or --db is required"));
   for (const char* unreadable : {"missing", "."}) EXPECT_EQ(run({"unpack", unreadable}).code, 2);
 }
 
@@ -218,9 +222,10 @@ TEST_F(UnpackFiles, RoundTripThroughAColumn) {
 
 TEST_F(UnpackFiles, EveryKindOfCell) {
   const std::string blob = "x'" + hexText(bytesOfHex(age).bytes) + "'";
-  database("CREATE TABLE t (id INTEGER PRIMARY KEY, c); INSERT INTO t VALUES (12, 'text'), (9, x''), (-5, " + blob +
-           "), (7, NULL), (10, 4), (11, 4.5), (13, x'0361'); CREATE VIEW v AS SELECT c FROM t WHERE id < 8;"
-           "CREATE TABLE w (k TEXT PRIMARY KEY, c) WITHOUT ROWID; INSERT INTO w VALUES ('k', x'')");
+  database(
+      "CREATE TABLE t (id INTEGER PRIMARY KEY, c); INSERT INTO t VALUES (12, 'text'), (9, x''), (-5, " + blob +
+      "), (7, NULL), (10, 4), (11, 4.5), (13, x'0361'); CREATE VIEW v AS SELECT c FROM t WHERE id < 8;"
+      "CREATE INDEX i ON t (c); CREATE TABLE w (k TEXT PRIMARY KEY, c) WITHOUT ROWID; INSERT INTO w VALUES ('k', x'')");
   const Outcome result = unpack("t", "c");
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.err, "7 rows, 4 errors\n");
@@ -234,6 +239,8 @@ TEST_F(UnpackFiles, EveryKindOfCell) {
   const Json rows = Json::parse(unpack("t", "c", {"--where", "id > 6", "--format=json"}).out);
   EXPECT_EQ(rows.at(0).dump(), R"({"row":1,"rowid":7,"storage":"null","size":0,"records":[],"stop":null})");
   EXPECT_EQ(rows.at(4).at("storage"), "text");
+  const Json found = Json::parse(unpack("t", "c", {"--where", "c >= 'by the index'", "--format=json"}).out);
+  EXPECT_EQ(found.at(0).at("rowid"), -5);
   EXPECT_EQ(unpack("w", "c").out, "row 1 (no rowid): 0 bytes\n");
   EXPECT_TRUE(unpack("v", "c").out.ends_with("row 2 (no rowid): NULL\n"));
   EXPECT_EQ(Json::parse(unpack("w", "c", {"--format=json"}).out).at(0).at("rowid"), Json());
@@ -264,10 +271,9 @@ TEST_F(UnpackFiles, ConditionsOnlyFilter) {
   for (const char* where : {"id = 2", "id = 2 -- the second", "id IN (SELECT a FROM secret)", "id = 2 OR 1 = 0"}) {
     EXPECT_EQ(unpack("t", "c", {"--where", where}).out, "rowid 2: 0 bytes\n") << where;
   }
-  for (const char* where :
-       {"", "id = 1; DELETE FROM t", "id = 1); DELETE FROM t; --", "1) UNION SELECT a, b FROM secret /*",
-        "1) UNION SELECT a, b FROM secret WHERE (1", "EXISTS (DELETE FROM t RETURNING 1)", "id = \"1\"",
-        "load_extension('x')", "1) -- )", "count(*)"}) {
+  for (const char* where : {"", "id = 1; DELETE FROM t", "1); DELETE FROM t; --", "1) UNION SELECT a, b FROM secret /*",
+                            "1) UNION SELECT a, b FROM secret WHERE (1", "EXISTS (DELETE FROM t RETURNING 1)",
+                            "id = \"1\"", "load_extension('x')", "1) -- )", "count(*)"}) {
     const Outcome result = unpack("t", "c", {"--where", where});
     EXPECT_EQ(result.code, 2) << where;
     EXPECT_EQ(result.out, "") << where;
@@ -301,6 +307,13 @@ TEST_F(UnpackFiles, DatabasesThatCannotBeRead) {
 
   const Database busy = database(table + "BEGIN EXCLUSIVE", "busy");
   EXPECT_EQ(refusal("busy"), "database is locked\n");
+  std::thread other([&busy] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    sqlite3_exec(busy.get(), "COMMIT", nullptr, nullptr, nullptr);
+  });
+  EXPECT_EQ(run({"unpack", "--db", "busy", "--table", "t", "--column", "c"}).code, 0);
+  other.join();
+
   // What a crash leaves in the middle of a change.
   const Database crashing =
       database(table +
