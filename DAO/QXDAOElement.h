@@ -55,6 +55,7 @@
 #include <vector>
 
 #include "Evaluator/QXDAOEvaluator.h"
+#include "Platform/CompactString.h"
 #include "Platform/ModelClass.h"
 #include "Platform/SpinLock.h"
 #include "Platform/Strings.h"
@@ -235,8 +236,8 @@ class QXDAOElement {
   [[nodiscard]] QXDAOElementKind kind() const { return _kind; }
 
   // The "id" of methods, sql blocks and maps, the declared name of a constant; absent elsewhere.
-  [[nodiscard]] const OptionalString& name() const { return _name; }
-  void setName(OptionalString name) { _name = std::move(name); }
+  [[nodiscard]] OptionalStringView name() const { return _name.view(); }
+  void setName(OptionalStringView name) { _name = CompactString(name); }
 
  protected:
   explicit QXDAOElement(QXDAOElementKind kind) : _kind(kind) {}
@@ -263,7 +264,7 @@ class QXDAOElement {
     XMLNode origin;
   };
 
-  OptionalString _name;
+  CompactString _name;
   std::unique_ptr<Failure> _error;
   QXDAOElementKind _kind;
 };
@@ -322,11 +323,11 @@ class QXDAOText final : public QXDAOElement {
   // The string value of a node, normally a text, without spaces, tabs and line feeds at both ends.
   void initWithXML(const XMLNode& xml);
   // The text as given; absent stays absent.
-  void initWithText(OptionalString text);
+  void initWithText(OptionalStringView text);
 
   // The SQL text with its list references expanded.
-  [[nodiscard]] const OptionalString& expression() const { return _expression; }
-  void setExpression(OptionalString expression) { _expression = std::move(expression); }
+  [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
+  void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
 
   // The engine's slots; null and None until the engine sets them.
   [[nodiscard]] const std::unique_ptr<QXDAOEngineList>& speedyList() const { return _speedyList; }
@@ -338,7 +339,7 @@ class QXDAOText final : public QXDAOElement {
   // Expands the list references of _expression in place, in one pass.
   void processText();
 
-  OptionalString _expression;
+  CompactString _expression;
   std::unique_ptr<QXDAOEngineList> _speedyList;
   QXDAOTextSpeedyStatus _speedyStatus = QXDAOTextSpeedyStatusNone;
 };
@@ -358,8 +359,8 @@ class QXDAOCondition final : public QXDAOContainerElement {
   [[nodiscard]] bool evaluateAsTrue() const { return _evaluateAsTrue; }
   void setEvaluateAsTrue(bool evaluateAsTrue) { _evaluateAsTrue = evaluateAsTrue; }
   // The trimmed expression; absent for otherwise.
-  [[nodiscard]] const OptionalString& expression() const { return _expression; }
-  void setExpression(OptionalString expression) { _expression = std::move(expression); }
+  [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
+  void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
   // The evaluator's tokens, never empty in a finished element; absent for otherwise.
   [[nodiscard]] const std::optional<QXDAOTokenList>& tokenList() const { return _tokenList; }
   void setTokenList(std::optional<QXDAOTokenList> tokens) { _tokenList = std::move(tokens); }
@@ -370,7 +371,7 @@ class QXDAOCondition final : public QXDAOContainerElement {
 
   QXDAOConditionType _type = QXDAOConditionTypeIf;
   bool _evaluateAsTrue = false;
-  OptionalString _expression;
+  CompactString _expression;
   std::optional<QXDAOTokenList> _tokenList;
 };
 
@@ -393,17 +394,17 @@ class QXDAOForeach final : public QXDAOElement {
   void initWithXML(const XMLNode& xml);
 
   // The name of the iteration variable and the collection it runs over; never empty when finished.
-  [[nodiscard]] const OptionalString& item() const { return _item; }
-  void setItem(OptionalString item) { _item = std::move(item); }
-  [[nodiscard]] const OptionalString& collection() const { return _collection; }
-  void setCollection(OptionalString collection) { _collection = std::move(collection); }
+  [[nodiscard]] OptionalStringView item() const { return _item.view(); }
+  void setItem(OptionalStringView item) { _item = CompactString(item); }
+  [[nodiscard]] OptionalStringView collection() const { return _collection.view(); }
+  void setCollection(OptionalStringView collection) { _collection = CompactString(collection); }
   // The texts before, between and after the repetitions.
-  [[nodiscard]] const OptionalString& open() const { return _open; }
-  void setOpen(OptionalString open) { _open = std::move(open); }
-  [[nodiscard]] const OptionalString& separator() const { return _separator; }
-  void setSeparator(OptionalString separator) { _separator = std::move(separator); }
-  [[nodiscard]] const OptionalString& close() const { return _close; }
-  void setClose(OptionalString close) { _close = std::move(close); }
+  [[nodiscard]] OptionalStringView open() const { return _open.view(); }
+  void setOpen(OptionalStringView open) { _open = CompactString(open); }
+  [[nodiscard]] OptionalStringView separator() const { return _separator.view(); }
+  void setSeparator(OptionalStringView separator) { _separator = CompactString(separator); }
+  [[nodiscard]] OptionalStringView close() const { return _close.view(); }
+  void setClose(OptionalStringView close) { _close = CompactString(close); }
   // The text to repeat; present in a finished element, its expression may be empty.
   [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }
   void setText(std::unique_ptr<QXDAOText> text) { _text = std::move(text); }
@@ -418,11 +419,11 @@ class QXDAOForeach final : public QXDAOElement {
   void readAttributes(const XMLNode& xml);
   void readText(const XMLNode& xml);
 
-  OptionalString _item;
-  OptionalString _collection;
-  OptionalString _open;
-  OptionalString _separator;
-  OptionalString _close;
+  CompactString _item;
+  CompactString _collection;
+  CompactString _open;
+  CompactString _separator;
+  CompactString _close;
   std::unique_ptr<QXDAOText> _text;
   bool _reverse = false;
   bool _commonBindModel = false;
@@ -437,8 +438,8 @@ class QXDAOTrim final : public QXDAOContainerElement {
   void initWithXML(const XMLNode& xml);
 
   // The keyword to put before the content: "where", "set", or the "prefix" of a trim.
-  [[nodiscard]] const OptionalString& operationName() const { return _operationName; }
-  void setOperationName(OptionalString operationName) { _operationName = std::move(operationName); }
+  [[nodiscard]] OptionalStringView operationName() const { return _operationName.view(); }
+  void setOperationName(OptionalStringView operationName) { _operationName = CompactString(operationName); }
   // What to remove from the start and the end of the content, in order, spaces included.
   [[nodiscard]] const std::vector<std::string>& prefixOverrides() const { return _prefixOverrides; }
   void setPrefixOverrides(std::vector<std::string> overrides) { _prefixOverrides = std::move(overrides); }
@@ -451,7 +452,7 @@ class QXDAOTrim final : public QXDAOContainerElement {
   void readOperation(const XMLNode& xml);
   void readTrim(const XMLNode& xml);
 
-  OptionalString _operationName;
+  CompactString _operationName;
   std::vector<std::string> _prefixOverrides;
   std::vector<std::string> _suffixOverrides;
   QXDAOTrimOnVoidType _onVoid = QXDAOTrimOnVoidTypeNone;
@@ -466,17 +467,17 @@ class QXDAOKeyValueFormatter final : public QXDAOElement {
   void initWithXML(const XMLNode& xml);
 
   // None of the three is empty in a finished element.
-  [[nodiscard]] const OptionalString& prefix() const { return _prefix; }
-  void setPrefix(OptionalString prefix) { _prefix = std::move(prefix); }
-  [[nodiscard]] const OptionalString& pairs() const { return _pairs; }
-  void setPairs(OptionalString pairs) { _pairs = std::move(pairs); }
-  [[nodiscard]] const OptionalString& join() const { return _join; }
-  void setJoin(OptionalString join) { _join = std::move(join); }
+  [[nodiscard]] OptionalStringView prefix() const { return _prefix.view(); }
+  void setPrefix(OptionalStringView prefix) { _prefix = CompactString(prefix); }
+  [[nodiscard]] OptionalStringView pairs() const { return _pairs.view(); }
+  void setPairs(OptionalStringView pairs) { _pairs = CompactString(pairs); }
+  [[nodiscard]] OptionalStringView join() const { return _join.view(); }
+  void setJoin(OptionalStringView join) { _join = CompactString(join); }
 
  private:
-  OptionalString _prefix;
-  OptionalString _pairs;
-  OptionalString _join;
+  CompactString _prefix;
+  CompactString _pairs;
+  CompactString _join;
 };
 
 // ---------------------------------------------------------------------------------------------
@@ -530,8 +531,8 @@ class QXDAOMap final : public QXDAOElement {
   void initNamedElementWithXML(const XMLNode& xml);
 
   // The class that a row becomes; never empty in a finished element.
-  [[nodiscard]] const OptionalString& resultClass() const { return _resultClass; }
-  void setResultClass(OptionalString resultClass) { _resultClass = std::move(resultClass); }
+  [[nodiscard]] OptionalStringView resultClass() const { return _resultClass.view(); }
+  void setResultClass(OptionalStringView resultClass) { _resultClass = CompactString(resultClass); }
   // Column name → property name; the last of several entries for one column wins.
   using ColumnPropertyMap = std::unordered_map<std::string, std::string>;
   [[nodiscard]] const std::optional<ColumnPropertyMap>& columnPropertyMap() const { return _columnPropertyMap; }
@@ -541,7 +542,7 @@ class QXDAOMap final : public QXDAOElement {
   void readColumns(const XMLNode& xml);
   [[nodiscard]] bool readColumn(const XMLNode& node);
 
-  OptionalString _resultClass;
+  CompactString _resultClass;
   std::optional<ColumnPropertyMap> _columnPropertyMap;
 };
 
@@ -554,16 +555,16 @@ class QXDAOCryptProperty final : public QXDAOElement {
   void initWithXML(const XMLNode& xml);
 
   // Neither is empty in a finished element.
-  [[nodiscard]] const OptionalString& className() const { return _className; }
-  void setClassName(OptionalString className) { _className = std::move(className); }
-  [[nodiscard]] const OptionalString& propertyName() const { return _propertyName; }
-  void setPropertyName(OptionalString propertyName) { _propertyName = std::move(propertyName); }
+  [[nodiscard]] OptionalStringView className() const { return _className.view(); }
+  void setClassName(OptionalStringView className) { _className = CompactString(className); }
+  [[nodiscard]] OptionalStringView propertyName() const { return _propertyName.view(); }
+  void setPropertyName(OptionalStringView propertyName) { _propertyName = CompactString(propertyName); }
 
  private:
   [[nodiscard]] bool validCryptDescription(const XMLNode& xml);
 
-  OptionalString _className;
-  OptionalString _propertyName;
+  CompactString _className;
+  CompactString _propertyName;
 };
 
 // How a value stands in a packed column, written into every record. A positive value is 16 × type
@@ -623,8 +624,8 @@ class QXDAOPack final : public QXDAOElement {
   void initWithXML(const XMLNode& xml);
 
   // The column's name; never empty in a finished element.
-  [[nodiscard]] const OptionalString& column() const { return _column; }
-  void setColumn(OptionalString column) { _column = std::move(column); }
+  [[nodiscard]] OptionalStringView column() const { return _column.view(); }
+  void setColumn(OptionalStringView column) { _column = CompactString(column); }
   // The names in the order written, empty and repeated ones included; two or more when finished.
   [[nodiscard]] const std::optional<std::vector<std::string>>& propertyList() const { return _propertyList; }
   void setPropertyList(std::optional<std::vector<std::string>> list) { _propertyList = std::move(list); }
@@ -655,7 +656,7 @@ class QXDAOPack final : public QXDAOElement {
   mutable std::atomic<QXDAOPackClassInfo*> _head{nullptr};
   mutable SpinLock _lock;
   bool _crypted = false;
-  OptionalString _column;
+  CompactString _column;
   std::optional<std::vector<std::string>> _propertyList;
 };
 
@@ -666,7 +667,7 @@ class QXDAOPack final : public QXDAOElement {
 class QXDAOMethodArgument {
  public:
   // Without the "$" mark.
-  [[nodiscard]] const OptionalString& name() const { return _name; }
+  [[nodiscard]] OptionalStringView name() const { return _name; }
   void setName(OptionalString name) { _name = std::move(name); }
   // The declaration began with "$".
   [[nodiscard]] bool notNull() const { return _notNull; }
@@ -699,8 +700,8 @@ class QXDAOMethod final : public QXDAOContainerElement {
   std::int32_t _mappingSequence = 0;
 
   // The engine's slot; absent until the engine sets it.
-  [[nodiscard]] const OptionalString& module() const { return _module; }
-  void setModule(OptionalString module) { _module = std::move(module); }
+  [[nodiscard]] OptionalStringView module() const { return _module.view(); }
+  void setModule(OptionalStringView module) { _module = CompactString(module); }
 
   [[nodiscard]] QXDAOOperation operation() const { return _operation; }
   void setOperation(QXDAOOperation operation) { _operation = operation; }
@@ -714,8 +715,8 @@ class QXDAOMethod final : public QXDAOContainerElement {
   // The "assignedTable" attribute of a select, recorded for the engine; false on other operations.
   [[nodiscard]] bool assignedTable() const { return _assignedTable; }
   void setAssignedTable(bool assignedTable) { _assignedTable = assignedTable; }
-  [[nodiscard]] const OptionalString& resultTypeName() const { return _resultTypeName; }
-  void setResultTypeName(OptionalString resultTypeName) { _resultTypeName = std::move(resultTypeName); }
+  [[nodiscard]] OptionalStringView resultTypeName() const { return _resultTypeName.view(); }
+  void setResultTypeName(OptionalStringView resultTypeName) { _resultTypeName = CompactString(resultTypeName); }
 
   // The declared arguments in order; empty when none is declared.
   [[nodiscard]] const std::optional<std::vector<QXDAOMethodArgument>>& arguments() const { return _arguments; }
@@ -738,10 +739,10 @@ class QXDAOMethod final : public QXDAOContainerElement {
   void setForeach(bool foreach) { _foreach = foreach; }
   [[nodiscard]] bool foreachResumable() const { return _foreachResumable; }
   void setForeachResumable(bool foreachResumable) { _foreachResumable = foreachResumable; }
-  [[nodiscard]] const OptionalString& foreachItemName() const { return _foreachItemName; }
-  void setForeachItemName(OptionalString name) { _foreachItemName = std::move(name); }
-  [[nodiscard]] const OptionalString& foreachCollection() const { return _foreachCollection; }
-  void setForeachCollection(OptionalString name) { _foreachCollection = std::move(name); }
+  [[nodiscard]] OptionalStringView foreachItemName() const { return _foreachItemName.view(); }
+  void setForeachItemName(OptionalStringView name) { _foreachItemName = CompactString(name); }
+  [[nodiscard]] OptionalStringView foreachCollection() const { return _foreachCollection.view(); }
+  void setForeachCollection(OptionalStringView name) { _foreachCollection = CompactString(name); }
 
   // The version that an upgrade leads to, 0 for "initial"; 0 on other operations.
   [[nodiscard]] double toVersion() const { return _toVersion; }
@@ -755,26 +756,26 @@ class QXDAOMethod final : public QXDAOContainerElement {
   void decideOperation(const XMLNode& xml);
   void readArguments(const XMLNode& xml);
   void readOptions(const XMLNode& xml);
-  void decideResultType(const XMLNode& xml);
+  void decideResultType(OptionalStringView declaration);
   void checkStepElements();
   void checkTryBlock();
   void readForeach(const XMLNode& xml);
   [[nodiscard]] bool readForeachNames(std::string_view declaration);
 
-  OptionalString _module;
+  CompactString _module;
   QXDAOOperation _operation = QXDAOOperationSelect;
   QXDAOSelectResultType _resultType = QXDAOSelectResultTypeInt;
   bool _resultArrayed = false;
   bool _assignedTable = false;
-  OptionalString _resultTypeName;
+  CompactString _resultTypeName;
   std::optional<std::vector<QXDAOMethodArgument>> _arguments;
   bool _steped = false;
   bool _tryBlock = false;
   bool _parallel = false;
   bool _foreach = false;
   bool _foreachResumable = false;
-  OptionalString _foreachItemName;
-  OptionalString _foreachCollection;
+  CompactString _foreachItemName;
+  CompactString _foreachCollection;
   double _toVersion = 0;
 };
 

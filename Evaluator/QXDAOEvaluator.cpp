@@ -8,8 +8,6 @@ namespace korvex {
 
 namespace {
 
-constexpr std::string_view digits = "0123456789";
-constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 constexpr std::string_view brackets = "()[]{}";
 
 // Longer operators first, so that the first match is the longest.
@@ -17,7 +15,9 @@ constexpr std::array<std::string_view, 28> operators = {"===", "!==", "==", "!="
                                                         ">>",  "+",   "-",  "*",  "/",  "%",  "=",  "<",  ">",  "!",
                                                         "?",   ":",   ",",  "~",  "&",  "|",  "^",  "."};
 
-bool isDigit(char character) { return digits.find(character) != std::string_view::npos; }
+bool isDigit(char character) { return character >= '0' && character <= '9'; }
+
+bool isWhiteSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
 bool startsName(char character) {
   const bool ascii = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
@@ -124,14 +124,18 @@ bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
   return false;
 }
 
-void skipWhiteSpace(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+void skipWhiteSpace(std::string_view& text) { text.remove_prefix(countWhile(text, 0, isWhiteSpace)); }
+
+// Most people put a space between two tokens.
+std::size_t usualTokenCount(std::string_view expression) {
+  return 1 + static_cast<std::size_t>(std::count(expression.begin(), expression.end(), ' '));
 }
 
 }  // namespace
 
 QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view expression) {
   QXDAOTokenList tokens;
+  tokens.reserve(usualTokenCount(expression));
   for (skipWhiteSpace(expression); !expression.empty(); skipWhiteSpace(expression)) {
     if (!takeToken(expression, tokens)) return {};
   }

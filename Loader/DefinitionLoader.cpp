@@ -16,11 +16,9 @@ bool isDefinition(const XMLNode& element) {
 }
 
 Definition definitionFrom(const XMLNode& xml) {
-  Definition definition;
-  definition.tag = xml.name().value_or(std::string_view());
-  definition.position = xml.position().value_or(XMLPosition());
-  definition.element = QXDAOElement::elementWithXML(xml, &definition.error);
-  return definition;
+  std::optional<QXDAOError> error;
+  std::unique_ptr<QXDAOElement> element = QXDAOElement::elementWithXML(xml, &error);
+  return {xml, std::move(element), error ? std::make_unique<QXDAOError>(std::move(*error)) : nullptr};
 }
 
 }  // namespace

@@ -49,9 +49,10 @@ class Document {
  public:
   struct Result;
 
-  // Parses bytes (copied): UTF-8, or UTF-16, ISO-8859-1 and US-ASCII that say so. Strict or not, a
+  // Parses bytes: UTF-8, or UTF-16, ISO-8859-1 and US-ASCII that say so. Strict or not, a
   // DOCTYPE that declares entities or attributes is refused, and nothing it refers to is loaded.
-  [[nodiscard]] static Result fromBytes(std::string_view bytes, const LoadOptions& options = {});
+  // Bytes that are moved in are not copied as long as they are UTF-8 without a byte order mark.
+  [[nodiscard]] static Result fromBytes(std::string bytes, const LoadOptions& options = {});
   // Reads a file first. A directory, a missing file and the like are DocumentErrorKind::Unreadable.
   [[nodiscard]] static Result fromFile(const std::string& path, const LoadOptions& options = {});
 
@@ -79,10 +80,13 @@ struct Document::Result {
 
 // One definition of a document, built or refused.
 struct Definition {
-  std::string tag;
-  XMLPosition position;                   // where its start tag begins
+  XMLNode xml;                            // valid while the document lives, and with it what is read through it
   std::unique_ptr<QXDAOElement> element;  // null when it was refused
-  std::optional<QXDAOError> error;        // present when it was refused; its nodes live in the document
+  std::unique_ptr<QXDAOError> error;      // null when it was built; its nodes are the document's
+
+  [[nodiscard]] std::string_view tag() const { return xml.name().value_or(std::string_view()); }
+  // Where its start tag begins.
+  [[nodiscard]] XMLPosition position() const { return xml.position().value_or(XMLPosition()); }
 };
 
 // Builds every definition of a document, in document order, also after refused ones. Definitions

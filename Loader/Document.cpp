@@ -81,9 +81,8 @@ Document::Document(std::unique_ptr<Implementation> implementation) : _implementa
 
 Document::~Document() = default;
 
-Document::Result Document::fromBytes(std::string_view bytes, const LoadOptions& options) {
-  if (bytes.size() > options.maximumBytes) return {nullptr, tooLarge(options), nullptr};
-  return Implementation::load(std::string(bytes), options);
+Document::Result Document::fromBytes(std::string bytes, const LoadOptions& options) {
+  return Implementation::load(std::move(bytes), options);
 }
 
 Document::Result Document::fromFile(const std::string& path, const LoadOptions& options) {

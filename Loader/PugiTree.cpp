@@ -1,7 +1,9 @@
 #include "Loader/PugiTree.h"
 
 #include <array>
+#include <bit>
 #include <cstring>
+#include <type_traits>
 
 namespace korvex {
 
@@ -10,14 +12,18 @@ namespace {
 constexpr unsigned parseFlags = pugi::parse_escapes | pugi::parse_eol | pugi::parse_wconv_attribute |
                                 pugi::parse_cdata | pugi::parse_comments | pugi::parse_pi | pugi::parse_doctype;
 
-// Handles are read-only, pugixml's structures are not; nothing is written through these.
-pugi::xml_node nodeOf(XMLTree::NodeHandle handle) {
-  return pugi::xml_node(static_cast<pugi::xml_node_struct*>(const_cast<void*>(handle)));  // NOLINT(*-const-cast)
-}
+// pugixml's node and attribute classes each hold one pointer, which is the handle. Going through
+// their constructors and internal_object() would add two calls into the library to every step.
+template <typename Wrapper>
+constexpr bool holdsOnePointer = sizeof(Wrapper) == sizeof(void*) && std::is_trivially_copyable_v<Wrapper>;
+static_assert(holdsOnePointer<pugi::xml_node> && holdsOnePointer<pugi::xml_attribute>);
 
-pugi::xml_attribute attributeOf(XMLTree::AttributeHandle handle) {
-  auto* attribute = static_cast<pugi::xml_attribute_struct*>(const_cast<void*>(handle));  // NOLINT(*-const-cast)
-  return pugi::xml_attribute(attribute);
+pugi::xml_node nodeOf(XMLTree::NodeHandle handle) { return std::bit_cast<pugi::xml_node>(handle); }
+XMLTree::NodeHandle handleOf(pugi::xml_node node) { return std::bit_cast<XMLTree::NodeHandle>(node); }
+
+pugi::xml_attribute attributeOf(XMLTree::AttributeHandle handle) { return std::bit_cast<pugi::xml_attribute>(handle); }
+XMLTree::AttributeHandle handleOf(pugi::xml_attribute attribute) {
+  return std::bit_cast<XMLTree::AttributeHandle>(attribute);
 }
 
 struct NodeType {
@@ -57,7 +63,8 @@ bool isWhiteSpace(const char* text) {
 
 std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
   // White space alone counts where it may stand next to CDATA; elsewhere it is not even read.
-  const bool whiteSpaceCounts = options.keepWhiteSpaceText || _buffer.find("<![CDATA[") != std::string::npos;
+  _holdsCDATA = _buffer.find("![CDATA[") != std::string::npos;
+  const bool whiteSpaceCounts = options.keepWhiteSpaceText || _holdsCDATA;
   const unsigned flags = whiteSpaceCounts ? parseFlags | pugi::parse_ws_pcdata : parseFlags;
   // The string's own zero at the end is part of the buffer: the parser wants to write one there.
   const pugi::xml_parse_result result =
@@ -103,7 +110,7 @@ DocumentError PugiTree::tooDeep(pugi::xml_node element, const LoadOptions& optio
 }
 
 pugi::xml_node PugiTree::arrangeText(pugi::xml_node text, bool keepWhiteSpace) {
-  const pugi::xml_node next = joinTexts(text);
+  const pugi::xml_node next = _holdsCDATA ? joinTexts(text) : text.next_sibling();
   const char* value = text.value();
   if (keepWhiteSpace ? *value == '\0' : isWhiteSpace(value)) text.parent().remove_child(text);
   return next;
@@ -134,8 +141,9 @@ std::size_t PugiTree::offsetOf(pugi::xml_node node) const {
 XMLNodeKind PugiTree::kind(NodeHandle node) const { return typeOf(nodeOf(node)).kind; }
 
 OptionalStringView PugiTree::name(NodeHandle node) const {
-  if (!typeOf(nodeOf(node)).named) return std::nullopt;
-  return nodeOf(node).name();
+  const char* name = nodeOf(node).name();
+  if (*name == '\0') return std::nullopt;  // only a node of a kind that has no name
+  return name;
 }
 
 OptionalStringView PugiTree::text(NodeHandle node) const {
@@ -143,18 +151,16 @@ OptionalStringView PugiTree::text(NodeHandle node) const {
   return nodeOf(node).value();
 }
 
-XMLTree::NodeHandle PugiTree::firstChild(NodeHandle node) const { return nodeOf(node).first_child().internal_object(); }
+XMLTree::NodeHandle PugiTree::firstChild(NodeHandle node) const { return handleOf(nodeOf(node).first_child()); }
 
-XMLTree::NodeHandle PugiTree::nextSibling(NodeHandle node) const {
-  return nodeOf(node).next_sibling().internal_object();
-}
+XMLTree::NodeHandle PugiTree::nextSibling(NodeHandle node) const { return handleOf(nodeOf(node).next_sibling()); }
 
 XMLTree::AttributeHandle PugiTree::firstAttribute(NodeHandle node) const {
-  return nodeOf(node).first_attribute().internal_object();
+  return handleOf(nodeOf(node).first_attribute());
 }
 
 XMLTree::AttributeHandle PugiTree::nextAttribute(AttributeHandle attribute) const {
-  return attributeOf(attribute).next_attribute().internal_object();
+  return handleOf(attributeOf(attribute).next_attribute());
 }
 
 OptionalStringView PugiTree::attributeName(AttributeHandle attribute) const { return attributeOf(attribute).name(); }

@@ -54,6 +54,7 @@ class PugiTree final : public XMLTree {
   const SourceText& _source;
   std::string _buffer;  // parsed in place: names and values of the tree are pieces of it
   pugi::xml_document _document;
+  bool _holdsCDATA = false;  // without any, no two texts are neighbours
 };
 
 }  // namespace korvex

@@ -7,11 +7,19 @@ namespace korvex {
 
 namespace {
 
-std::string_view trimmedOf(std::string_view text, std::string_view unwanted) {
-  const std::size_t first = text.find_first_not_of(unwanted);
-  if (first == std::string_view::npos) return text.substr(text.size());
-  return text.substr(first, text.find_last_not_of(unwanted) - first + 1);
+// Texts begin and end with long indentations: the test of a character has to be inlined, which
+// find_first_not_of does not do.
+template <typename Unwanted>
+std::string_view trimmedOf(std::string_view text, Unwanted unwanted) {
+  while (!text.empty() && unwanted(text.back())) text.remove_suffix(1);
+  while (!text.empty() && unwanted(text.front())) text.remove_prefix(1);
+  return text;
 }
+
+constexpr auto isSpace = [](char character) { return character == ' '; };
+constexpr auto isSpaceNewLineTab = [](char character) {
+  return character == ' ' || character == '\n' || character == '\t';
+};
 
 // What may follow a leading byte; the second byte's range keeps out longer forms than needed,
 // surrogates and what lies beyond U+10FFFF (the table of RFC 3629, section 4).
@@ -65,19 +73,14 @@ constexpr std::size_t longestUTF8Character = 4;
 
 }  // namespace
 
-OptionalString ownedString(OptionalStringView text) {
-  if (!text) return std::nullopt;
-  return std::string(*text);
-}
-
-std::string_view spaceBothEndsTrimmed(std::string_view text) { return trimmedOf(text, " "); }
+std::string_view spaceBothEndsTrimmed(std::string_view text) { return trimmedOf(text, isSpace); }
 
 OptionalStringView spaceBothEndsTrimmed(OptionalStringView text) {
   if (!text) return std::nullopt;
   return spaceBothEndsTrimmed(*text);
 }
 
-std::string_view spaceNewLineTabBothEndsTrimmed(std::string_view text) { return trimmedOf(text, " \n\t"); }
+std::string_view spaceNewLineTabBothEndsTrimmed(std::string_view text) { return trimmedOf(text, isSpaceNewLineTab); }
 
 OptionalStringView spaceNewLineTabBothEndsTrimmed(OptionalStringView text) {
   if (!text) return std::nullopt;
@@ -86,13 +89,15 @@ OptionalStringView spaceNewLineTabBothEndsTrimmed(OptionalStringView text) {
 
 std::vector<std::string_view> splitAt(std::string_view text, char separator) {
   std::vector<std::string_view> pieces;
-  std::size_t begin = 0;
-  for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator, begin)) {
-    pieces.push_back(text.substr(begin, end - begin));
-    begin = end + 1;
-  }
-  pieces.push_back(text.substr(begin));
+  for (OptionalStringView rest = text; rest;) pieces.push_back(takePiece(rest, separator));
   return pieces;
+}
+
+std::string_view takePiece(OptionalStringView& text, char separator) {
+  const std::size_t end = text->find(separator);
+  const std::string_view piece = text->substr(0, end);
+  text = end == std::string_view::npos ? std::nullopt : OptionalStringView(text->substr(end + 1));
+  return piece;
 }
 
 std::string asciiLowerCase(std::string_view text) {
@@ -103,7 +108,8 @@ std::string asciiLowerCase(std::string_view text) {
   return lower;
 }
 
-bool booleanAttributeValue(std::string_view text) {
+bool booleanAttributeValue(OptionalStringView value) {
+  const std::string_view text = value.value_or(std::string_view());
   std::size_t at = std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size());
   if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
   at = text.find_first_not_of('0', at);

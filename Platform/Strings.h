@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace korvex {
@@ -21,7 +22,9 @@ using OptionalStringView = std::optional<std::string_view>;
 [[nodiscard]] inline bool isEmpty(OptionalStringView text) { return !text || text->empty(); }
 
 // Copies a view into an owned string; absent stays absent.
-[[nodiscard]] OptionalString ownedString(OptionalStringView text);
+[[nodiscard]] inline OptionalString ownedString(OptionalStringView text) {
+  return text ? OptionalString(std::in_place, *text) : std::nullopt;
+}
 
 // The part of the text without spaces at both ends. The result points into the argument.
 [[nodiscard]] std::string_view spaceBothEndsTrimmed(std::string_view text);
@@ -36,12 +39,16 @@ using OptionalStringView = std::optional<std::string_view>;
 // The pieces point into the argument.
 [[nodiscard]] std::vector<std::string_view> splitAt(std::string_view text, char separator);
 
+// The same one by one: takes the first piece and its separator off a text that is present; after
+// the last piece nothing is left, and the text is absent.
+[[nodiscard]] std::string_view takePiece(OptionalStringView& text, char separator);
+
 // The text with A to Z written as a to z; every other byte stays as it is.
 [[nodiscard]] std::string asciiLowerCase(std::string_view text);
 
 // The Boolean attribute rule: after leading white space, an optional sign and leading zeros, the
-// text is true when its next character is Y, y, T, t or a digit 1 to 9.
-[[nodiscard]] bool booleanAttributeValue(std::string_view text);
+// text is true when its next character is Y, y, T, t or a digit 1 to 9. An absent text is false.
+[[nodiscard]] bool booleanAttributeValue(OptionalStringView text);
 
 // True when the text has at least `units` UTF-16 code units. A character outside the Basic
 // Multilingual Plane counts two; a byte that is not part of valid UTF-8 counts one.

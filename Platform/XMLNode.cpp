@@ -1,5 +1,7 @@
 #include "Platform/XMLNode.h"
 
+#include <algorithm>
+
 namespace korvex {
 
 namespace {
@@ -17,33 +19,6 @@ void appendTextBelow(const XMLNode& element, std::string& text) {
 
 }  // namespace
 
-OptionalStringView XMLAttribute::name() const {
-  if (!_handle) return std::nullopt;
-  return _tree->attributeName(_handle);
-}
-
-OptionalStringView XMLAttribute::stringValue() const {
-  if (!_handle) return std::nullopt;
-  return _tree->attributeValue(_handle);
-}
-
-XMLAttribute XMLAttribute::next() const {
-  if (!_handle) return {};
-  return {*_tree, _tree->nextAttribute(_handle)};
-}
-
-XMLNodeKind XMLNode::kind() const { return _handle ? _tree->kind(_handle) : XMLNodeKind{}; }
-
-OptionalStringView XMLNode::name() const {
-  if (!_handle) return std::nullopt;
-  return _tree->name(_handle);
-}
-
-OptionalStringView XMLNode::text() const {
-  if (kind() != XMLNodeKind::Text) return std::nullopt;
-  return _tree->text(_handle);
-}
-
 OptionalString XMLNode::stringValue() const {
   if (kind() != XMLNodeKind::Element) return ownedString(text());
   std::string gathered;
@@ -51,25 +26,10 @@ OptionalString XMLNode::stringValue() const {
   return gathered;
 }
 
-XMLNode XMLNode::firstChild() const {
-  if (!_handle) return {};
-  return {*_tree, _tree->firstChild(_handle)};
-}
-
-XMLNode XMLNode::next() const {
-  if (!_handle) return {};
-  return {*_tree, _tree->nextSibling(_handle)};
-}
-
 std::size_t XMLNode::childCount() const {
   std::size_t count = 0;
   for (XMLNode child = firstChild(); child; child = child.next()) ++count;
   return count;
-}
-
-XMLRange<XMLAttribute> XMLNode::attributes() const {
-  if (!_handle) return XMLRange<XMLAttribute>({});
-  return XMLRange<XMLAttribute>({*_tree, _tree->firstAttribute(_handle)});
 }
 
 std::size_t XMLNode::attributeCount() const {
@@ -91,6 +51,13 @@ XMLAttribute XMLNode::attributeForName(std::string_view attributeName) const {
 
 OptionalStringView XMLNode::valueOfAttribute(std::string_view attributeName) const {
   return attributeForName(attributeName).stringValue();
+}
+
+void XMLNode::readAttributes(const std::string_view* names, OptionalStringView* values, std::size_t count) const {
+  for (const XMLAttribute& attribute : attributes()) {
+    const auto place = static_cast<std::size_t>(std::find(names, names + count, attribute.name()) - names);
+    if (place < count && !values[place]) values[place] = attribute.stringValue();
+  }
 }
 
 std::optional<XMLPosition> XMLNode::position() const {

@@ -6,6 +6,7 @@
 // safe from several threads when the tree's own operations are.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <iterator>
 #include <optional>
@@ -45,8 +46,8 @@ class XMLTree {
   [[nodiscard]] virtual XMLNodeKind kind(NodeHandle node) const = 0;
   // The tag of an element; absent for a node without a name.
   [[nodiscard]] virtual OptionalStringView name(NodeHandle node) const = 0;
-  // The decoded characters of a text node; absent for elements and wherever there are none. A CDATA
-  // section is seen by the elements only where the tree gives it as text.
+  // The decoded characters of a node of the kind Text; absent for every other kind. A CDATA section
+  // is seen by the elements only where the tree gives it as Text.
   [[nodiscard]] virtual OptionalStringView text(NodeHandle node) const = 0;
   // Children and attributes come in document order; null after the last one.
   [[nodiscard]] virtual NodeHandle firstChild(NodeHandle node) const = 0;
@@ -78,10 +79,16 @@ class XMLAttribute {
   bool operator==(const XMLAttribute&) const = default;
 
   // Absent on a null attribute.
-  [[nodiscard]] OptionalStringView name() const;
-  [[nodiscard]] OptionalStringView stringValue() const;
+  [[nodiscard]] OptionalStringView name() const {
+    return _handle ? _tree->attributeName(_handle) : OptionalStringView();
+  }
+  [[nodiscard]] OptionalStringView stringValue() const {
+    return _handle ? _tree->attributeValue(_handle) : OptionalStringView();
+  }
   // The attribute after this one; null after the last.
-  [[nodiscard]] XMLAttribute next() const;
+  [[nodiscard]] XMLAttribute next() const {
+    return _handle ? XMLAttribute(*_tree, _tree->nextAttribute(_handle)) : XMLAttribute();
+  }
 
  private:
   const XMLTree* _tree = nullptr;
@@ -140,23 +147,25 @@ class XMLNode {
   bool operator==(const XMLNode&) const = default;
 
   // A kind that no node has, 0, on a null handle.
-  [[nodiscard]] XMLNodeKind kind() const;
+  [[nodiscard]] XMLNodeKind kind() const { return _handle ? _tree->kind(_handle) : XMLNodeKind{}; }
   // The tag of an element; absent for nodes without a name.
-  [[nodiscard]] OptionalStringView name() const;
+  [[nodiscard]] OptionalStringView name() const { return _handle ? _tree->name(_handle) : OptionalStringView(); }
   // The text of a text node; for an element the text of all text nodes below it, in document
   // order (empty when there is none); absent for other nodes. Recurses as deep as the tree.
   [[nodiscard]] OptionalString stringValue() const;
   // The characters of a text node without a copy; absent for every other node.
-  [[nodiscard]] OptionalStringView text() const;
+  [[nodiscard]] OptionalStringView text() const { return _handle ? _tree->text(_handle) : OptionalStringView(); }
 
-  [[nodiscard]] XMLNode firstChild() const;
+  [[nodiscard]] XMLNode firstChild() const { return _handle ? XMLNode(*_tree, _tree->firstChild(_handle)) : XMLNode(); }
   // The sibling after this node; null after the last.
-  [[nodiscard]] XMLNode next() const;
+  [[nodiscard]] XMLNode next() const { return _handle ? XMLNode(*_tree, _tree->nextSibling(_handle)) : XMLNode(); }
   [[nodiscard]] XMLRange<XMLNode> children() const { return XMLRange<XMLNode>(firstChild()); }
   // Counted by walking the children.
   [[nodiscard]] std::size_t childCount() const;
 
-  [[nodiscard]] XMLRange<XMLAttribute> attributes() const;
+  [[nodiscard]] XMLRange<XMLAttribute> attributes() const {
+    return XMLRange(_handle ? XMLAttribute(*_tree, _tree->firstAttribute(_handle)) : XMLAttribute());
+  }
   // Counted by walking the attributes.
   [[nodiscard]] std::size_t attributeCount() const;
   [[nodiscard]] bool hasAttributes() const { return attributes().begin() != attributes().end(); }
@@ -166,11 +175,22 @@ class XMLNode {
   [[nodiscard]] XMLAttribute attributeForName(std::string_view attributeName) const;
   // The value of a named attribute: absent when there is none, empty when it is written empty.
   [[nodiscard]] OptionalStringView valueOfAttribute(std::string_view attributeName) const;
+  // The values of several attributes in one walk, in the order of the names. Where a lenient parser
+  // lets a name occur twice, the first one counts.
+  template <typename... Names>
+  [[nodiscard]] std::array<OptionalStringView, sizeof...(Names)> valuesOfAttributes(const Names&... names) const {
+    const std::array<std::string_view, sizeof...(Names)> wanted = {names...};
+    std::array<OptionalStringView, sizeof...(Names)> values;
+    readAttributes(wanted.data(), values.data(), wanted.size());
+    return values;
+  }
 
   // Absent when the parser does not know.
   [[nodiscard]] std::optional<XMLPosition> position() const;
 
  private:
+  void readAttributes(const std::string_view* names, OptionalStringView* values, std::size_t count) const;
+
   const XMLTree* _tree = nullptr;
   XMLTree::NodeHandle _handle = nullptr;
 };

@@ -12,7 +12,7 @@ namespace korvex {
 namespace {
 
 Json entryOf(const Definition& definition) {
-  Json entry = {{"tag", definition.tag}, {"line", definition.position.line}};
+  Json entry = {{"tag", definition.tag()}, {"line", definition.position().line}};
   if (definition.element) {
     entry["element"] = elementJson(*definition.element);
   } else {

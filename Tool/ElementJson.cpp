@@ -44,7 +44,7 @@ requires std::is_enum_v<Value> Json toJson(Value value) { return nameOf(value); 
 template <typename Value>
 requires std::is_arithmetic_v<Value> Json toJson(Value value) { return value; }
 
-Json toJson(const std::string& text) { return text; }
+Json toJson(std::string_view text) { return text; }
 Json toJson(const QXDAOToken& token) { return token.text; }
 
 // Columns in the order of their bytes: the map itself has none.

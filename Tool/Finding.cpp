@@ -35,9 +35,9 @@ Json definitionJson(const std::optional<Finding::InDefinition>& definition) {
 
 Finding findingOf(const std::string& path, const Definition& definition) {
   const QXDAOError& error = *definition.error;
-  return {
-      path, error.origin.position().value_or(definition.position), std::string(error.message()),
-      Finding::InDefinition{definition.tag, ownedString(error.xml().valueOfAttribute(C_ID)), definition.position.line}};
+  return {path, error.origin.position().value_or(definition.position()), std::string(error.message()),
+          Finding::InDefinition{std::string(definition.tag()), ownedString(error.xml().valueOfAttribute(C_ID)),
+                                definition.position().line}};
 }
 
 Finding findingOf(const std::string& path, const DocumentError& error) {

@@ -104,8 +104,8 @@ InputBytes readStream(const std::string& name, std::istream& in) {
 }
 
 Document::Result readStandardInput(std::istream& in, const LoadOptions& options) {
-  const std::string bytes = readAll(in, options.maximumBytes);
-  if (!in.bad()) return Document::fromBytes(bytes, options);
+  std::string bytes = readAll(in, options.maximumBytes);
+  if (!in.bad()) return Document::fromBytes(std::move(bytes), options);
   return {nullptr, DocumentError{DocumentErrorKind::Unreadable, "cannot read standard input", {}}, nullptr};
 }
 

@@ -10,9 +10,9 @@ int main(int argc, char** argv) {
   }
   for (const korvex::Definition& definition : korvex::loadDefinitions(*read.document)) {
     if (definition.error) {
-      std::cout << "line " << definition.position.line << ": " << definition.error->message() << '\n';
+      std::cout << "line " << definition.position().line << ": " << definition.error->message() << '\n';
     } else if (const auto* method = korvex::QXDAOElementCast<korvex::QXDAOMethod>(definition.element.get())) {
-      std::cout << definition.tag << ' ' << method->name().value_or("") << ": " << method->arguments()->size()
+      std::cout << definition.tag() << ' ' << method->name().value_or("") << ": " << method->arguments()->size()
                 << " arguments\n";
     }
   }

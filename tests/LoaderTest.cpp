@@ -313,10 +313,10 @@ std::vector<std::string> definitionsIn(const std::string& bytes) {
   const Document::Result result = Document::fromBytes(bytes);
   std::vector<std::string> shownOnes;
   for (const Definition& definition : loadDefinitions(*result.document)) {
-    EXPECT_NE(definition.element != nullptr, definition.error.has_value());
-    const auto& [line, column] = definition.position;
-    shownOnes.push_back((definition.error ? "!" : "") + definition.tag + "@" + std::to_string(line) + ":" +
-                        std::to_string(column));
+    EXPECT_NE(definition.element != nullptr, definition.error != nullptr);
+    const auto& [line, column] = definition.position();
+    shownOnes.push_back((definition.error ? "!" : "") + std::string(definition.tag()) + "@" + std::to_string(line) +
+                        ":" + std::to_string(column));
   }
   return shownOnes;
 }
@@ -345,7 +345,7 @@ TEST(Definitions, OneDocumentOnSeveralThreads) {
   const auto result = Document::fromBytes("<d>\n<const/>\n<const A='1'/></d>");
   std::vector<std::thread> threads;
   for (int count = 0; count < 4; ++count) {
-    threads.emplace_back([&] { EXPECT_EQ(loadDefinitions(*result.document).at(1).position, (XMLPosition{3, 1})); });
+    threads.emplace_back([&] { EXPECT_EQ(loadDefinitions(*result.document).at(1).position(), (XMLPosition{3, 1})); });
   }
   for (std::thread& thread : threads) thread.join();
 }

@@ -62,7 +62,7 @@ TEST(Method, ResultTypes) {
 std::string told(const std::vector<QXDAOMethodArgument>& arguments) {
   std::string line;
   for (const QXDAOMethodArgument& argument : arguments) {
-    line += (line.empty() ? "" : "|") + *argument.name() + (argument.notNull() ? "!" : "");
+    line.append(line.empty() ? "" : "|").append(*argument.name()).append(argument.notNull() ? "!" : "");
   }
   return line;
 }

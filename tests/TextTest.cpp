@@ -7,13 +7,13 @@
 namespace korvex {
 namespace {
 
-std::string expanded(std::string input) {
+std::string expanded(std::string_view input) {
   QXDAOText text;
-  text.initWithText(std::move(input));
+  text.initWithText(input);
   EXPECT_EQ(text.speedyList(), nullptr);
   EXPECT_EQ(text.speedyStatus(), QXDAOTextSpeedyStatusNone);
   EXPECT_EQ(text.name(), std::nullopt);
-  return text.expression().value();
+  return std::string(text.expression().value());
 }
 
 struct Case {

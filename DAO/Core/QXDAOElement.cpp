@@ -60,15 +60,15 @@ std::unique_ptr<QXDAOElement> QXDAOElement::elementWithXML(const XMLNode& xml, s
 }
 
 void QXDAOElement::initWithXML(const XMLNode& /*xml*/) {
-  _name.reset();
+  _name = {};
   _error.reset();
 }
 
 void QXDAOElement::initNamedElementWithXML(const XMLNode& xml) {
-  _name.reset();
+  _name = {};
   _error.reset();
-  if (xml.kind() == XMLNodeKind::Element) _name = ownedString(xml.valueOfAttribute(C_ID));
-  if (isEmpty(_name)) setError(std::string(Messages::emptyName));
+  if (xml.kind() == XMLNodeKind::Element) _name = CompactString(xml.valueOfAttribute(C_ID));
+  if (isEmpty(name())) setError(std::string(Messages::emptyName));
 }
 
 OptionalStringView QXDAOElement::error() const {
@@ -80,7 +80,7 @@ void QXDAOElement::setError(std::string message, const XMLNode& origin) {
   _error = std::make_unique<Failure>(Failure{std::move(message), origin});
 }
 
-void QXDAOElement::setErrorWithName(std::string_view format) { setError(filledFormat(format, _name)); }
+void QXDAOElement::setErrorWithName(std::string_view format) { setError(filledFormat(format, name())); }
 
 bool QXDAOElement::adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML) {
   if (!child.failed()) return false;

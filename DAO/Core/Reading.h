@@ -15,11 +15,6 @@ namespace korvex {
   return child.kind() == XMLNodeKind::Element ? child : parent;
 }
 
-// The value of a Boolean attribute; false when it is absent or empty.
-[[nodiscard]] inline bool booleanAttribute(const XMLNode& xml, std::string_view name) {
-  return booleanAttributeValue(xml.valueOfAttribute(name).value_or(std::string_view()));
-}
-
 // The text of an element that may hold nothing but text and comments.
 struct PlainText {
   std::string text;  // the pieces before the offender, joined with nothing between them

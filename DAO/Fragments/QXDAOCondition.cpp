@@ -47,8 +47,8 @@ bool QXDAOCondition::readExpression(const XMLAttribute& attribute) {
   const OptionalStringView attributeName = attribute.name();
   if (attributeName != C_TRUE && attributeName != C_FALSE) return false;
   _evaluateAsTrue = attributeName == C_TRUE;
-  _expression = ownedString(spaceNewLineTabBothEndsTrimmed(attribute.stringValue()));
-  _tokenList = QXDAOEvaluator::buildTokenListWithExpression(_expression ? *_expression : std::string_view());
+  setExpression(spaceNewLineTabBothEndsTrimmed(attribute.stringValue()));
+  _tokenList = QXDAOEvaluator::buildTokenListWithExpression(expression().value_or(std::string_view()));
   return !_tokenList->empty();
 }
 

@@ -11,9 +11,9 @@ void QXDAOConst::initWithXML(const XMLNode& xml) {
 bool QXDAOConst::readDeclaration(const XMLNode& xml) {
   const XMLAttribute attribute = xml.onlyAttribute();
   if (!attribute) return false;
-  setName(ownedString(attribute.name()));
+  setName(attribute.name());
   _text = std::make_unique<QXDAOText>();
-  _text->initWithText(ownedString(attribute.stringValue()));
+  _text->initWithText(attribute.stringValue());
   return !isEmpty(name()) && xml.childCount() == 0;
 }
 

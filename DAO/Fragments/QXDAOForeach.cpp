@@ -14,14 +14,12 @@ struct ForeachAttribute {
   void (*store)(QXDAOForeach& element, OptionalStringView value);
 };
 
-template <void (QXDAOForeach::*set)(OptionalString)>
+template <void (QXDAOForeach::*set)(OptionalStringView)>
 void storeText(QXDAOForeach& element, OptionalStringView value) {
-  (element.*set)(ownedString(value));
+  (element.*set)(value);
 }
 
-void storeReverse(QXDAOForeach& element, OptionalStringView value) {
-  element.setReverse(value && booleanAttributeValue(*value));
-}
+void storeReverse(QXDAOForeach& element, OptionalStringView value) { element.setReverse(booleanAttributeValue(value)); }
 
 // The only attributes that a foreach may have.
 constexpr std::array<ForeachAttribute, 6> foreachAttributes = {{
@@ -38,7 +36,7 @@ constexpr std::array<ForeachAttribute, 6> foreachAttributes = {{
 void QXDAOForeach::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
   readAttributes(xml);
-  if (isEmpty(_item) || isEmpty(_collection)) setError(std::string(Messages::foreachParameters));
+  if (isEmpty(item()) || isEmpty(collection())) setError(std::string(Messages::foreachParameters));
   if (failed()) return;
   readText(xml);
 }
@@ -58,7 +56,7 @@ void QXDAOForeach::readText(const XMLNode& xml) {
   const PlainText gathered = plainTextOf(xml, [](std::string_view piece) { return piece; });
   if (gathered.offender) setError(std::string(Messages::foreachContent), nodeAtFault(gathered.offender, xml));
   _text = std::make_unique<QXDAOText>();
-  _text->initWithText(std::string(spaceNewLineTabBothEndsTrimmed(std::string_view(gathered.text))));
+  _text->initWithText(spaceNewLineTabBothEndsTrimmed(std::string_view(gathered.text)));
 }
 
 }  // namespace korvex

@@ -5,10 +5,11 @@ namespace korvex {
 
 void QXDAOKeyValueFormatter::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
-  _prefix = ownedString(xml.valueOfAttribute(C_PREFIX));
-  _pairs = ownedString(xml.valueOfAttribute(C_PAIRS));
-  _join = ownedString(xml.valueOfAttribute(C_JOIN));
-  if (isEmpty(_prefix) || isEmpty(_pairs) || isEmpty(_join)) {
+  const auto [prefix, pairs, join] = xml.valuesOfAttributes(C_PREFIX, C_PAIRS, C_JOIN);
+  setPrefix(prefix);
+  setPairs(pairs);
+  setJoin(join);
+  if (isEmpty(prefix) || isEmpty(pairs) || isEmpty(join)) {
     setError(filledFormat(Messages::invalidFragment, xml.name()));
   }
 }

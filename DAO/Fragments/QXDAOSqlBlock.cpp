@@ -23,10 +23,10 @@ void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
 
 // Each piece of text is trimmed on its own; comments between pieces leave nothing behind.
 void QXDAOSqlBlock::readText(const XMLNode& xml) {
-  PlainText gathered = plainTextOf(xml, spaceNewLineTabBothEndsTrimmed);
+  const PlainText gathered = plainTextOf(xml, spaceNewLineTabBothEndsTrimmed);
   if (gathered.offender) setError(filledFormat(Messages::invalidSqlBlock, name()), nodeAtFault(gathered.offender, xml));
   _text = std::make_unique<QXDAOText>();
-  _text->initWithText(std::move(gathered.text));
+  _text->initWithText(gathered.text);
 }
 
 }  // namespace korvex

@@ -39,7 +39,7 @@ class ListReferenceScan {
     return _replaced;
   }
 
-  std::string& output() { return _output; }
+  [[nodiscard]] const std::string& output() const { return _output; }
 
  private:
   // The next position at which a rule can change anything: outside a reference only a "%" does,
@@ -163,24 +163,25 @@ class ListReferenceScan {
 
 void QXDAOText::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
-  if (xml.kind() == XMLNodeKind::Text) {
-    _expression = ownedString(spaceNewLineTabBothEndsTrimmed(xml.text()));
+  if (const OptionalStringView text = xml.text()) {
+    setExpression(spaceNewLineTabBothEndsTrimmed(*text));
   } else {
-    _expression = ownedString(spaceNewLineTabBothEndsTrimmed(OptionalStringView(xml.stringValue())));
+    setExpression(spaceNewLineTabBothEndsTrimmed(OptionalStringView(xml.stringValue())));
   }
   processText();
 }
 
-void QXDAOText::initWithText(OptionalString text) {
+void QXDAOText::initWithText(OptionalStringView text) {
   QXDAOElement::initWithXML({});
-  _expression = std::move(text);
+  setExpression(text);
   processText();
 }
 
 void QXDAOText::processText() {
-  if (!_expression || !hasAtLeastUTF16Units(*_expression, shortestReference.size())) return;
-  ListReferenceScan scan(*_expression);
-  if (scan.run()) _expression = std::move(scan.output());
+  const std::string_view text = expression().value_or(std::string_view());
+  if (text.find('%') == std::string_view::npos || !hasAtLeastUTF16Units(text, shortestReference.size())) return;
+  ListReferenceScan scan(text);
+  if (scan.run()) setExpression(scan.output());
 }
 
 }  // namespace korvex

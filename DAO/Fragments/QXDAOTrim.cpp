@@ -44,19 +44,18 @@ void QXDAOTrim::readOperation(const XMLNode& xml) {
   if (tag == C_TRIM) {
     readTrim(xml);
   } else if (tag == C_WHERE) {
-    _operationName = "where";
+    setOperationName("where");
     _prefixOverrides = {"AND ", "OR ", "and ", "or "};
   } else if (tag == C_SET) {
-    _operationName = "set";
+    setOperationName("set");
     _suffixOverrides = {","};
   }
 }
 
 void QXDAOTrim::readTrim(const XMLNode& xml) {
-  _operationName = ownedString(xml.valueOfAttribute(C_PREFIX));
-  const OptionalStringView prefixes = xml.valueOfAttribute(C_PREFIX_OVERRIDES);
-  const OptionalStringView suffixes = xml.valueOfAttribute(C_SUFFIX_OVERRIDES);
-  if (isEmpty(_operationName) || (isEmpty(prefixes) && isEmpty(suffixes))) {
+  const auto [prefix, prefixes, suffixes] = xml.valuesOfAttributes(C_PREFIX, C_PREFIX_OVERRIDES, C_SUFFIX_OVERRIDES);
+  setOperationName(prefix);
+  if (isEmpty(prefix) || (isEmpty(prefixes) && isEmpty(suffixes))) {
     setError(filledFormat(Messages::invalidFragment, xml.name()));
     return;
   }

@@ -11,10 +11,10 @@ void QXDAOCryptProperty::initWithXML(const XMLNode& xml) {
 bool QXDAOCryptProperty::validCryptDescription(const XMLNode& xml) {
   if (xml.attributeCount() != 2) return false;
   for (const XMLAttribute& attribute : xml.attributes()) {
-    if (attribute.name() == C_CLASS) _className = ownedString(attribute.stringValue());
-    if (attribute.name() == C_PROPERTY) _propertyName = ownedString(attribute.stringValue());
+    if (attribute.name() == C_CLASS) setClassName(attribute.stringValue());
+    if (attribute.name() == C_PROPERTY) setPropertyName(attribute.stringValue());
   }
-  return !isEmpty(_className) && !isEmpty(_propertyName) && xml.childCount() == 0;
+  return !isEmpty(className()) && !isEmpty(propertyName()) && xml.childCount() == 0;
 }
 
 }  // namespace korvex

@@ -7,8 +7,8 @@ namespace korvex {
 void QXDAOMap::initNamedElementWithXML(const XMLNode& xml) {
   QXDAOElement::initNamedElementWithXML(xml);
   if (failed()) return;
-  _resultClass = ownedString(xml.valueOfAttribute(C_RESULT));
-  if (isEmpty(_resultClass)) {
+  setResultClass(xml.valueOfAttribute(C_RESULT));
+  if (isEmpty(resultClass())) {
     setErrorWithName(Messages::emptyMapResult);
     return;
   }
@@ -28,8 +28,7 @@ void QXDAOMap::readColumns(const XMLNode& xml) {
 
 bool QXDAOMap::readColumn(const XMLNode& node) {
   if (node.kind() != XMLNodeKind::Element || node.name() != C_RESULT) return false;
-  const OptionalStringView property = node.valueOfAttribute(C_PROPERTY);
-  const OptionalStringView column = node.valueOfAttribute(C_COLUMN);
+  const auto [property, column] = node.valuesOfAttributes(C_PROPERTY, C_COLUMN);
   if (isEmpty(property) || isEmpty(column)) return false;
   _columnPropertyMap->insert_or_assign(std::string(*column), std::string(*property));
   return true;

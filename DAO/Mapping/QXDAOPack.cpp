@@ -11,10 +11,10 @@ constexpr std::size_t fewestProperties = 2;
 
 void QXDAOPack::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
-  _column = ownedString(spaceBothEndsTrimmed(xml.valueOfAttribute(C_AS)));
-  if (isEmpty(_column)) setError(std::string(Messages::emptyPackColumn));
+  setColumn(spaceBothEndsTrimmed(xml.valueOfAttribute(C_AS)));
+  if (isEmpty(column())) setError(std::string(Messages::emptyPackColumn));
   const OptionalStringView properties = xml.valueOfAttribute(C_PROPERTIES);
-  if (isEmpty(properties)) setError(filledFormat(Messages::emptyPackProperties, _column));
+  if (isEmpty(properties)) setError(filledFormat(Messages::emptyPackProperties, column()));
   if (failed()) return;
   readPropertyList(*properties);
   if (failed()) return;
@@ -26,7 +26,7 @@ void QXDAOPack::initWithXML(const XMLNode& xml) {
 void QXDAOPack::readPropertyList(std::string_view properties) {
   const std::vector<std::string_view> pieces = splitAt(properties, ',');
   if (pieces.size() < fewestProperties) {
-    setError(filledFormat(Messages::tooFewPackProperties, _column));
+    setError(filledFormat(Messages::tooFewPackProperties, column()));
     return;
   }
   _propertyList.emplace();

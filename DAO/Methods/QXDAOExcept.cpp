@@ -5,7 +5,7 @@ namespace korvex {
 
 void QXDAOExcept::initWithXML(const XMLNode& xml, QXDAOTry* tryElement) {
   QXDAOElement::initWithXML(xml);
-  const OptionalString& methodName = tryElement->parentMethod()->name();
+  const OptionalStringView methodName = tryElement->parentMethod()->name();
   if (tryElement->exceptElement()) setError(filledFormat(Messages::tooManyExcepts, methodName));
   if (xml.hasAttributes()) setError(filledFormat(Messages::invalidExcept, methodName));
   if (failed()) return;

@@ -24,6 +24,10 @@ constexpr std::array<OperationTag, 5> operationTags = {{
     {C_UPGRADE, QXDAOOperationUpgrade},
 }};
 
+std::size_t countOf(char character, std::string_view text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), character));
+}
+
 // A leading "$" marks an argument that must not be null.
 QXDAOMethodArgument argumentOf(std::string_view declaration) {
   const bool notNull = declaration.front() == '$';
@@ -80,27 +84,29 @@ void QXDAOMethod::decideOperation(const XMLNode& xml) {
 }
 
 void QXDAOMethod::readArguments(const XMLNode& xml) {
+  OptionalStringView rest = xml.valueOfAttribute(C_ARGUMENTS);
+  if (isEmpty(rest)) rest.reset();
   std::vector<QXDAOMethodArgument> list;
-  const OptionalStringView declarations = xml.valueOfAttribute(C_ARGUMENTS);
-  if (!isEmpty(declarations)) {
-    for (const std::string_view piece : splitAt(*declarations, ',')) {
-      const std::string_view declaration = spaceBothEndsTrimmed(piece);
-      if (declaration.empty()) {
-        setErrorWithName(Messages::invalidArguments);
-        return;
-      }
-      list.push_back(argumentOf(declaration));
+  list.reserve(rest ? 1 + countOf(',', *rest) : 0);
+  while (rest) {
+    const std::string_view declaration = spaceBothEndsTrimmed(takePiece(rest, ','));
+    if (declaration.empty()) {
+      setErrorWithName(Messages::invalidArguments);
+      return;
     }
+    list.push_back(argumentOf(declaration));
   }
   _arguments = std::move(list);
 }
 
 void QXDAOMethod::readOptions(const XMLNode& xml) {
-  _profile = booleanAttribute(xml, C_PROFILE);
+  const auto [profile, parallel, assignedTable, result] =
+      xml.valuesOfAttributes(C_PROFILE, C_PARALLEL, C_ASSIGNED_TABLE, C_RESULT);
+  _profile = booleanAttributeValue(profile);
   if (_operation != QXDAOOperationSelect) return;
-  _parallel = booleanAttribute(xml, C_PARALLEL);
-  _assignedTable = booleanAttribute(xml, C_ASSIGNED_TABLE);
-  decideResultType(xml);
+  _parallel = booleanAttributeValue(parallel);
+  _assignedTable = booleanAttributeValue(assignedTable);
+  decideResultType(result);
 }
 
 // A single step is dissolved into the method; two or more make the method a stepped one.
@@ -125,21 +131,22 @@ void QXDAOMethod::checkTryBlock() {
 }
 
 void QXDAOMethod::readForeach(const XMLNode& xml) {
-  const OptionalStringView declaration = xml.valueOfAttribute(C_FOREACH);
+  const auto [declaration, resumable] = xml.valuesOfAttributes(C_FOREACH, C_RESUMABLE);
   if (isEmpty(declaration)) return;
-  _foreachResumable = booleanAttribute(xml, C_RESUMABLE);
+  _foreachResumable = booleanAttributeValue(resumable);
   _foreach = readForeachNames(*declaration);
   if (!_foreach) setErrorWithName(Messages::invalidMethodForeach);
 }
 
 // "collection.item": the collection is an argument, the item is a name that no argument has.
 bool QXDAOMethod::readForeachNames(std::string_view declaration) {
-  const std::vector<std::string_view> pieces = splitAt(declaration, '.');
-  if (pieces.size() != 2) return false;
-  _foreachCollection = std::string(spaceBothEndsTrimmed(pieces[0]));
-  _foreachItemName = std::string(spaceBothEndsTrimmed(pieces[1]));
-  return hasArgumentWithName(*_foreachCollection) && !_foreachItemName->empty() &&
-         !hasArgumentWithName(*_foreachItemName);
+  if (countOf('.', declaration) != 1) return false;
+  OptionalStringView rest = declaration;
+  const std::string_view collection = spaceBothEndsTrimmed(takePiece(rest, '.'));
+  const std::string_view item = spaceBothEndsTrimmed(*rest);
+  setForeachCollection(collection);
+  setForeachItemName(item);
+  return hasArgumentWithName(collection) && !item.empty() && !hasArgumentWithName(item);
 }
 
 }  // namespace korvex

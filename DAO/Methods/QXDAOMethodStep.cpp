@@ -1,4 +1,3 @@
-#include "DAO/Core/Reading.h"
 #include "DAO/QXDAOElement.h"
 
 namespace korvex {
@@ -6,7 +5,7 @@ namespace korvex {
 void QXDAOMethodStep::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
   QXDAOElement::initWithXML(xml);
   _parentMethod = parentMethod;
-  _resumable = booleanAttribute(xml, C_RESUMABLE);
+  _resumable = booleanAttributeValue(xml.valueOfAttribute(C_RESUMABLE));
   processNodes(xml);
 }
 

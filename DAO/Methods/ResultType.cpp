@@ -32,8 +32,7 @@ QXDAOSelectResultType typeOfWord(std::string_view word) {
 
 }  // namespace
 
-void QXDAOMethod::decideResultType(const XMLNode& xml) {
-  const OptionalStringView declaration = xml.valueOfAttribute(C_RESULT);
+void QXDAOMethod::decideResultType(OptionalStringView declaration) {
   if (isEmpty(declaration)) {
     setErrorWithName(Messages::undefinedResult);
     return;
@@ -45,7 +44,7 @@ void QXDAOMethod::decideResultType(const XMLNode& xml) {
   }
   const bool mapped = result.starts_with(':');
   _resultType = mapped ? QXDAOSelectResultTypeMappedObject : typeOfWord(result);
-  _resultTypeName = std::string(result.substr(mapped ? 1 : 0));
+  setResultTypeName(result.substr(mapped ? 1 : 0));
 }
 
 }  // namespace korvex

@@ -35,7 +35,10 @@ class HandBuiltTree final : public XMLTree {
 
   XMLNodeKind kind(NodeHandle node) const override { return hand(node).kind; }
   OptionalStringView name(NodeHandle node) const override { return hand(node).name; }
-  OptionalStringView text(NodeHandle node) const override { return hand(node).content; }
+  OptionalStringView text(NodeHandle node) const override {
+    if (hand(node).kind != XMLNodeKind::Text) return std::nullopt;
+    return hand(node).content;
+  }
   NodeHandle firstChild(NodeHandle node) const override { return firstOf(hand(node).children); }
   NodeHandle nextSibling(NodeHandle node) const override { return nextIn(holderOf(_top, node)->children, node); }
   AttributeHandle firstAttribute(NodeHandle node) const override { return firstOf(hand(node).attributes); }

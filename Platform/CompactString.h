@@ -1,0 +1,42 @@
+// An owned string that may be absent, in the space of one pointer.
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "Platform/Strings.h"
+
+namespace korvex {
+
+// Element trees hold many strings, most of them absent or set once and then only read. An optional
+// std::string takes 40 bytes even where it is absent; this takes 8, and one block of memory of the
+// exact length where it is present. Moving one keeps the views that were taken from it valid.
+class CompactString {
+ public:
+  CompactString() = default;
+  explicit CompactString(OptionalStringView text) {
+    if (text) store(*text);
+  }
+
+  // Valid until this string is assigned to or destroyed.
+  [[nodiscard]] OptionalStringView view() const {
+    if (!_block) return std::nullopt;
+    std::size_t length = 0;
+    std::memcpy(&length, _block.get(), sizeof length);
+    return std::string_view(_block.get() + sizeof length, length);
+  }
+
+ private:
+  void store(std::string_view text) {
+    const std::size_t length = text.size();
+    _block = std::make_unique_for_overwrite<char[]>(sizeof length + length);
+    std::memcpy(_block.get(), &length, sizeof length);
+    text.copy(_block.get() + sizeof length, length);
+  }
+
+  std::unique_ptr<char[]> _block;  // the length, then the characters
+};
+
+}  // namespace korvex
