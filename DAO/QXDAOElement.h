@@ -598,6 +598,10 @@ struct QXDAOPackPropertyInfo {
   std::int8_t encode_c = 0;            // a scalar's type code, -2 number object, -1 string, 0 other
   const char* name = nullptr;          // ends with a zero byte; owned by the class
   QXDAOPackNameLengthType length = 0;  // bytes of the name
+  // What the above means for every object, worked out once.
+  QXDAOPackEncode encode = QXDAOPackEncodeNone;  // String, Number, or the encode of a scalar
+  std::ptrdiff_t offset = 0;                     // of the field, in bytes from the ModelObject
+  const char* head = nullptr;                    // the first bytes of each record: name length, name, zero byte, encode
 };
 
 // The layout of one class: its packed properties in ascending byte order of their names, empty
@@ -606,6 +610,8 @@ struct QXDAOPackClassInfo {
   const ModelClass* cls = nullptr;
   std::int32_t count = 0;
   QXDAOPackPropertyInfo* properties = nullptr;  // `count` of them, owned
+  char* heads = nullptr;                        // of all properties, owned
+  std::size_t bytesWithoutTexts = 0;            // of a value in which all strings are empty, or more
   QXDAOPackClassInfo* next = nullptr;           // owned by the pack
 };
 

@@ -28,6 +28,22 @@ bool derivesFrom(const ModelClass& modelClass, const ModelClass& wanted) {
   return level != nullptr;
 }
 
+// From what may be absent, an optional or a pointer, to an object value.
+ObjectValue objectValue(const std::shared_ptr<ModelObject>& object) {
+  return object ? ObjectValue(object) : ObjectValue();
+}
+
+template <typename Value>
+ObjectValue objectValue(const std::optional<Value>& value) {
+  return value ? ObjectValue(*value) : ObjectValue();
+}
+
+template <typename Value>
+std::optional<Value> valueAs(const ObjectValue& value) {
+  const auto* wanted = std::get_if<Value>(&value);
+  return wanted ? std::optional<Value>(*wanted) : std::nullopt;
+}
+
 }  // namespace
 
 const ModelClass& getClass(const ModelObject& object) { return object.modelClass(); }
@@ -49,44 +65,22 @@ const char* getFieldTypeEncoding(const ModelField& field) { return field.typeEnc
 std::ptrdiff_t getFieldOffset(const ModelField& field) { return field.offset; }
 
 ObjectValue getObjectField(const ModelObject& object, const ModelField& field) {
-  return field.get(addressOf(object, field));
+  const void* address = addressOf(object, field);
+  if (field.text.get) return objectValue(field.text.get(address));
+  if (field.number.get) return objectValue(field.number.get(address));
+  if (field.object.get) return objectValue(field.object.get(address));
+  return {};
 }
 
 void setObjectField(ModelObject& object, const ModelField& field, const ObjectValue& value) {
-  field.set(const_cast<void*>(addressOf(object, field)), value);
+  void* address = const_cast<void*>(addressOf(object, field));
+  if (field.text.set) field.text.set(address, valueAs<std::string_view>(value));
+  if (field.number.set) field.number.set(address, valueAs<NumberObject>(value));
+  if (field.object.set) field.object.set(address, valueAs<std::shared_ptr<ModelObject>>(value).value_or(nullptr));
 }
 
-ObjectValue FieldAccess<OptionalString>::get(const OptionalString& field) {
-  if (!field) return {};
-  return std::string_view(*field);
-}
-
-void FieldAccess<OptionalString>::set(OptionalString& field, const ObjectValue& value) {
-  if (const auto* text = std::get_if<std::string_view>(&value)) {
-    field = std::string(*text);
-  } else {
-    field.reset();
-  }
-}
-
-void FieldAccess<std::string>::set(std::string& field, const ObjectValue& value) {
-  const auto* text = std::get_if<std::string_view>(&value);
-  field = std::string(text ? *text : std::string_view());
-}
-
-ObjectValue FieldAccess<OptionalNumber>::get(const OptionalNumber& field) {
-  if (!field) return {};
-  return *field;
-}
-
-void FieldAccess<OptionalNumber>::set(OptionalNumber& field, const ObjectValue& value) {
-  const auto* number = std::get_if<NumberObject>(&value);
-  field = number ? OptionalNumber(*number) : std::nullopt;
-}
-
-std::shared_ptr<ModelObject> objectOfClass(const ObjectValue& value, const ModelClass& wanted) {
-  const auto* object = std::get_if<std::shared_ptr<ModelObject>>(&value);
-  return object && *object && derivesFrom(getClass(**object), wanted) ? *object : nullptr;
+std::shared_ptr<ModelObject> objectOfClass(const std::shared_ptr<ModelObject>& object, const ModelClass& wanted) {
+  return object && derivesFrom(getClass(*object), wanted) ? object : nullptr;
 }
 
 }  // namespace korvex

@@ -66,12 +66,20 @@ inline constexpr const char* stringTypeCode = "@\"String\"";
 inline constexpr const char* numberTypeCode = "@\"Number\"";
 inline constexpr const char* objectTypeCode = "@";
 
+// How a field that holds a Value is read and replaced; both are null for a field that holds another.
+template <typename Value>
+struct FieldOperations {
+  Value (*get)(const void* field) = nullptr;
+  void (*set)(void* field, const Value& value) = nullptr;
+};
+
 struct ModelField {
   std::string name;
   const char* typeEncoding;
   std::ptrdiff_t offset;  // in bytes, from the ModelObject in every object of the class
-  ObjectValue (*get)(const void* field);
-  void (*set)(void* field, const ObjectValue& value);
+  FieldOperations<OptionalStringView> text;
+  FieldOperations<OptionalNumber> number;
+  FieldOperations<std::shared_ptr<ModelObject>> object;
 };
 
 struct ModelProperty {
@@ -118,79 +126,83 @@ concept FixedEnumeration = std::is_enum_v<T> && requires {
   T{0};
 };
 
-// How a field of type T is read and replaced through the introspection operations.
+// What a field of type T is to the introspection operations. Where it can be read and replaced
+// through them, `Value` says as what.
 template <typename T>
 struct FieldAccess {
   static_assert(std::is_class_v<T>, "a model cannot have a field of this type");
   static constexpr const char* typeEncoding = objectTypeCode;
-  static ObjectValue get(const T& /*field*/) { return {}; }
-  static void set(T& /*field*/, const ObjectValue& /*value*/) {}
 };
 
 template <BoxableScalar Scalar>
 struct FieldAccess<Scalar> {
   static constexpr char typeEncoding[] = {scalarTypeCode<Scalar>, '\0'};
-  static ObjectValue get(const Scalar& /*field*/) { return {}; }
-  static void set(Scalar& /*field*/, const ObjectValue& /*value*/) {}
 };
 
 template <FixedEnumeration Enumeration>
 struct FieldAccess<Enumeration> {
   static constexpr auto& typeEncoding = FieldAccess<std::underlying_type_t<Enumeration>>::typeEncoding;
-  static ObjectValue get(const Enumeration& /*field*/) { return {}; }
-  static void set(Enumeration& /*field*/, const ObjectValue& /*value*/) {}
 };
 
 template <>
 struct FieldAccess<OptionalString> {
+  using Value = OptionalStringView;
   static constexpr const char* typeEncoding = stringTypeCode;
-  static ObjectValue get(const OptionalString& field);
-  static void set(OptionalString& field, const ObjectValue& value);
+  static Value get(const OptionalString& field) { return field; }
+  static void set(OptionalString& field, const Value& value) {
+    if (!value) return field.reset();
+    if (!field) field.emplace();
+    field->assign(*value);
+  }
 };
 
 template <>
 struct FieldAccess<std::string> {
+  using Value = OptionalStringView;
   static constexpr const char* typeEncoding = stringTypeCode;
-  static ObjectValue get(const std::string& field) { return std::string_view(field); }
-  static void set(std::string& field, const ObjectValue& value);
+  static Value get(const std::string& field) { return field; }
+  static void set(std::string& field, const Value& value) { field.assign(value.value_or(std::string_view())); }
 };
 
 template <>
 struct FieldAccess<OptionalNumber> {
+  using Value = OptionalNumber;
   static constexpr const char* typeEncoding = numberTypeCode;
-  static ObjectValue get(const OptionalNumber& field);
-  static void set(OptionalNumber& field, const ObjectValue& value);
+  static Value get(const OptionalNumber& field) { return field; }
+  static void set(OptionalNumber& field, const Value& value) { field = value; }
 };
 
-// The object of an ObjectValue when it is a `wanted` or derives from it; null otherwise.
-[[nodiscard]] std::shared_ptr<ModelObject> objectOfClass(const ObjectValue& value, const ModelClass& wanted);
+// The object when it is a `wanted` or derives from it; null otherwise.
+[[nodiscard]] std::shared_ptr<ModelObject> objectOfClass(const std::shared_ptr<ModelObject>& object,
+                                                         const ModelClass& wanted);
 
 template <ModelType T>
 struct FieldAccess<std::shared_ptr<T>> {
+  using Value = std::shared_ptr<ModelObject>;
   static constexpr const char* typeEncoding = objectTypeCode;
-  static ObjectValue get(const std::shared_ptr<T>& field) { return field ? ObjectValue(field) : ObjectValue(); }
-  static void set(std::shared_ptr<T>& field, const ObjectValue& value) {
+  static Value get(const std::shared_ptr<T>& field) { return field; }
+  static void set(std::shared_ptr<T>& field, const Value& value) {
     field = std::static_pointer_cast<T>(objectOfClass(value, T::describedClass()));
   }
 };
 
 template <ModelType T>
 struct FieldAccess<std::weak_ptr<T>> {
+  using Value = std::shared_ptr<ModelObject>;
   static constexpr const char* typeEncoding = objectTypeCode;
-  static ObjectValue get(const std::weak_ptr<T>& field) { return FieldAccess<std::shared_ptr<T>>::get(field.lock()); }
-  static void set(std::weak_ptr<T>& field, const ObjectValue& value) {
+  static Value get(const std::weak_ptr<T>& field) { return field.lock(); }
+  static void set(std::weak_ptr<T>& field, const Value& value) {
     field = std::static_pointer_cast<T>(objectOfClass(value, T::describedClass()));
   }
 };
 
 template <ModelType T>
 struct FieldAccess<T*> {
+  using Value = std::shared_ptr<ModelObject>;
   static constexpr const char* typeEncoding = objectTypeCode;
   // Shares no ownership: the object is as alive as whoever owns it keeps it.
-  static ObjectValue get(T* const& field) {
-    return field ? ObjectValue(std::shared_ptr<ModelObject>(std::shared_ptr<ModelObject>(), field)) : ObjectValue();
-  }
-  static void set(T*& field, const ObjectValue& value) {
+  static Value get(T* const& field) { return Value(Value(), field); }
+  static void set(T*& field, const Value& value) {
     field = static_cast<T*>(objectOfClass(value, T::describedClass()).get());
   }
 };
@@ -208,8 +220,9 @@ class ModelDescription {
     static_assert(std::derived_from<Described, Owner>);
     if (fieldName.empty()) fieldName = "_" + name;
     _class.properties.push_back({name, attributesOf<Type>() + ",V" + fieldName});
-    _class.fields.push_back(
-        {std::move(fieldName), FieldAccess<Type>::typeEncoding, offsetOf(member), getField<Type>, setField<Type>});
+    _class.fields.push_back({std::move(fieldName), FieldAccess<Type>::typeEncoding, offsetOf(member),
+                             operations<Type, OptionalStringView>(), operations<Type, OptionalNumber>(),
+                             operations<Type, std::shared_ptr<ModelObject>>()});
   }
 
   // A property that is computed.
@@ -223,13 +236,13 @@ class ModelDescription {
   static std::string attributesOf() {
     return std::string("T") + FieldAccess<Type>::typeEncoding + ",N";
   }
-  template <typename Type>
-  static ObjectValue getField(const void* field) {
-    return FieldAccess<Type>::get(*static_cast<const Type*>(field));
-  }
-  template <typename Type>
-  static void setField(void* field, const ObjectValue& value) {
-    FieldAccess<Type>::set(*static_cast<Type*>(field), value);
+  template <typename Type, typename Value>
+  static FieldOperations<Value> operations() {
+    if constexpr (requires { requires std::same_as<typename FieldAccess<Type>::Value, Value>; }) {
+      return {[](const void* field) { return FieldAccess<Type>::get(*static_cast<const Type*>(field)); },
+              [](void* field, const Value& value) { FieldAccess<Type>::set(*static_cast<Type*>(field), value); }};
+    }
+    return {};
   }
 
   // Only addresses are worked out over the raw storage; no object is made or read.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace korvex {
 
@@ -66,6 +68,27 @@ std::size_t lengthOfValidCharacterAt(std::string_view text, std::size_t at) {
 // The same, with 1 for a byte that is not part of a character.
 std::size_t lengthOfCharacterAt(std::string_view text, std::size_t at) {
   return std::max<std::size_t>(1, lengthOfValidCharacterAt(text, at));
+}
+
+// Eight bytes at once, since most text is nothing but ASCII.
+using Block = std::uint64_t;
+
+Block blockAt(std::string_view text, std::size_t at) {
+  Block block = 0;
+  std::memcpy(&block, text.data() + at, sizeof block);
+  return block;
+}
+
+constexpr Block lowBits = 0x0101010101010101U;
+constexpr Block highBits = lowBits * 0x80U;
+
+bool isASCII(Block block) { return (block & highBits) == 0; }
+
+// Subtracting 1 from an ASCII byte gives the high bit for a zero only.
+bool isASCIIWithoutZero(Block block) { return ((block | (block - lowBits)) & highBits) == 0; }
+
+bool startsWithASCIIBlock(std::string_view text, std::size_t at) {
+  return text.size() - at >= sizeof(Block) && isASCII(blockAt(text, at));
 }
 
 constexpr std::size_t longestUTF8CharacterOfOneUnit = 3;
@@ -136,9 +159,20 @@ std::size_t lengthOfCharacterBefore(std::string_view text, std::size_t end) {
   return 1;
 }
 
+bool isASCIIWithoutZero(std::string_view text) {
+  const auto plain = [](char byte) { return isASCII(byte) && byte != '\0'; };
+  if (text.size() < sizeof(Block)) return std::all_of(text.begin(), text.end(), plain);
+  const std::size_t last = text.size() - sizeof(Block);
+  for (std::size_t at = 0; at < last; at += sizeof(Block)) {
+    if (!isASCIIWithoutZero(blockAt(text, at))) return false;
+  }
+  return isASCIIWithoutZero(blockAt(text, last));
+}
+
 bool isValidUTF8(std::string_view text) {
+  if (isASCIIWithoutZero(text)) return true;
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t length = lengthOfValidCharacterAt(text, at);
+    const std::size_t length = startsWithASCIIBlock(text, at) ? sizeof(Block) : lengthOfValidCharacterAt(text, at);
     if (length == 0) return false;
     at += length;
   }

@@ -54,6 +54,9 @@ using OptionalStringView = std::optional<std::string_view>;
 // Multilingual Plane counts two; a byte that is not part of valid UTF-8 counts one.
 [[nodiscard]] bool hasAtLeastUTF16Units(std::string_view text, std::size_t units);
 
+// True when every byte is one of 1 to 127.
+[[nodiscard]] bool isASCIIWithoutZero(std::string_view text);
+
 // True when every byte belongs to a whole, shortest-form character that is no surrogate (RFC 3629).
 [[nodiscard]] bool isValidUTF8(std::string_view text);
 

@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #include "DAO/QXDAOElement.h"
 
@@ -40,6 +42,39 @@ inline constexpr std::array<PackScalar, 13> packScalars = {{
 // How many bytes a value of that encode takes; for positive encodes, known or not.
 [[nodiscard]] constexpr std::size_t valueBytes(QXDAOPackEncode encode) {
   return static_cast<std::size_t>(encode) & 15U;
+}
+
+// Copies a scalar of that many bytes; for the usual widths the compiler needs no call.
+inline void copyScalar(void* target, const void* source, std::size_t width) {
+  switch (width) {
+    case sizeof(std::uint8_t):
+      std::memcpy(target, source, sizeof(std::uint8_t));
+      return;
+    case sizeof(std::uint16_t):
+      std::memcpy(target, source, sizeof(std::uint16_t));
+      return;
+    case sizeof(std::uint32_t):
+      std::memcpy(target, source, sizeof(std::uint32_t));
+      return;
+    case sizeof(std::uint64_t):
+      std::memcpy(target, source, sizeof(std::uint64_t));
+      return;
+    default:
+      std::memcpy(target, source, width);
+  }
+}
+
+// The bytes of a record before its value: the name's length, the name, a zero byte, the encode.
+[[nodiscard]] constexpr std::size_t headBytes(QXDAOPackNameLengthType nameLength) {
+  return sizeof nameLength + nameLength + 1 + sizeof(QXDAOPackEncode);
+}
+
+// Heads are kept and copied in blocks of this size, since copies of a fixed size need no call. So
+// a head is followed by unused bytes up to a multiple of it, and so is the place it is copied to.
+inline constexpr std::size_t headBlock = 16;
+
+[[nodiscard]] constexpr std::size_t headBlocksBytes(QXDAOPackNameLengthType nameLength) {
+  return (headBytes(nameLength) + headBlock - 1) / headBlock * headBlock;
 }
 
 }  // namespace korvex

@@ -7,6 +7,7 @@
 #include <new>
 #include <span>
 
+#include "DAO/Mapping/PackEncode.h"
 #include "DAO/QXDAOElement.h"
 
 namespace korvex {
@@ -32,6 +33,10 @@ std::int8_t encodeOf(const ModelField& field) {
   return typeEncoding.starts_with('@') ? std::int8_t{0} : static_cast<std::int8_t>(typeEncoding.front());
 }
 
+QXDAOPackEncode recordEncodeOf(std::int8_t encode_c) {
+  return encode_c < 0 ? static_cast<QXDAOPackEncode>(encode_c) : convertEncode(encode_c);
+}
+
 QXDAOPackPropertyInfo propertyInfo(const ModelClass& cls, const std::string& listedName) {
   const ModelProperty* property = getProperty(cls, listedName);
   if (!property) return {};
@@ -40,10 +45,48 @@ QXDAOPackPropertyInfo propertyInfo(const ModelClass& cls, const std::string& lis
   if (!fieldName || name.size() > longestName) return {};
   const ModelField* field = getField(cls, *fieldName);
   if (!field) return {};
-  return {field, encodeOf(*field), name.data(), static_cast<QXDAOPackNameLengthType>(name.size())};
+  const std::int8_t encode_c = encodeOf(*field);
+  return {.field = field,
+          .encode_c = encode_c,
+          .name = name.data(),
+          .length = static_cast<QXDAOPackNameLengthType>(name.size()),
+          .encode = recordEncodeOf(encode_c),
+          .offset = getFieldOffset(*field)};
+}
+
+// Bytes that the value of a record takes at most, that of a string without its text.
+std::size_t mostValueBytes(const QXDAOPackPropertyInfo& entry) {
+  return entry.encode == QXDAOPackEncodeString ? sizeof(QXDAOPackStringLengthType) : sizeof(std::uint64_t);
+}
+
+// A number's encode is that of its value: there the head has a place for it only.
+void writeHead(const QXDAOPackPropertyInfo& entry, char* head) {
+  *head = static_cast<char>(entry.length);
+  std::memcpy(head + 1, entry.name, std::size_t{entry.length} + 1);
+  std::memcpy(head + headBytes(entry.length) - sizeof entry.encode, &entry.encode, sizeof entry.encode);
+}
+
+// Writes the heads of all entries that have a field; false when there is no memory for them.
+bool prepareHeads(QXDAOPackClassInfo& info) {
+  const std::span<QXDAOPackPropertyInfo> entries(info.properties, static_cast<std::size_t>(info.count));
+  std::size_t bytes = 0;
+  for (const QXDAOPackPropertyInfo& entry : entries) {
+    bytes += headBlocksBytes(entry.length);
+    info.bytesWithoutTexts += headBytes(entry.length) + mostValueBytes(entry);
+  }
+  char* place = info.heads = new (std::nothrow) char[bytes]();
+  if (!place) return false;
+  for (QXDAOPackPropertyInfo& entry : entries) {
+    if (!entry.field) continue;
+    writeHead(entry, place);
+    entry.head = place;
+    place += headBlocksBytes(entry.length);
+  }
+  return true;
 }
 
 void release(QXDAOPackClassInfo* info) {
+  delete[] info->heads;
   delete[] info->properties;
   delete info;
 }
@@ -81,7 +124,7 @@ QXDAOPackClassInfo* QXDAOPack::initializeWithClass(const ModelClass& cls) const 
   info->cls = &cls;
   info->properties = new (std::nothrow) QXDAOPackPropertyInfo[names.size()];
   if (!info->properties) {
-    delete info;
+    release(info);
     return nullptr;
   }
   info->count = static_cast<std::int32_t>(names.size());
@@ -89,6 +132,10 @@ QXDAOPackClassInfo* QXDAOPack::initializeWithClass(const ModelClass& cls) const 
                  [&cls](const std::string& name) { return propertyInfo(cls, name); });
   std::sort(info->properties, info->properties + info->count,
             [](const auto& first, const auto& second) { return property_info_cmp(first, second) < 0; });
+  if (!prepareHeads(*info)) {
+    release(info);
+    return nullptr;
+  }
   return info;
 }
 
