@@ -328,6 +328,8 @@ class QXDAOText final : public QXDAOElement {
   // The SQL text with its list references expanded.
   [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
   void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
+  // Expands the list references of the expression, which the operations above have done already.
+  void processText();
 
   // The engine's slots; null and None until the engine sets them.
   [[nodiscard]] const std::unique_ptr<QXDAOEngineList>& speedyList() const { return _speedyList; }
@@ -336,9 +338,6 @@ class QXDAOText final : public QXDAOElement {
   void setSpeedyStatus(QXDAOTextSpeedyStatus status) { _speedyStatus = status; }
 
  private:
-  // Expands the list references of _expression in place, in one pass.
-  void processText();
-
   CompactString _expression;
   std::unique_ptr<QXDAOEngineList> _speedyList;
   QXDAOTextSpeedyStatus _speedyStatus = QXDAOTextSpeedyStatusNone;
