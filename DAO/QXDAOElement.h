@@ -314,7 +314,8 @@ class QXDAOContainerElement : public QXDAOElement {
 //
 // A list reference %{'FORMAT', STAR, STAR…} in the text is written out as the format once per
 // star, every "*" in it replaced by the star, joined by ", ". Time and memory are in proportion to
-// the text and its expansion; a format of many "*" and many stars expand to their product.
+// the text and its expansion; a format of many "*" and many stars expand to their product:
+// expandedLength tells how much that is.
 class QXDAOText final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindText;
@@ -330,6 +331,9 @@ class QXDAOText final : public QXDAOElement {
   void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
   // Expands the list references of the expression, which the operations above have done already.
   void processText();
+  // The bytes that a text would have with its list references expanded, in time that is in
+  // proportion to the text alone. Exact for texts below 4 GiB.
+  [[nodiscard]] static std::size_t expandedLength(std::string_view text);
 
   // The engine's slots; null and None until the engine sets them.
   [[nodiscard]] const std::unique_ptr<QXDAOEngineList>& speedyList() const { return _speedyList; }

@@ -31,6 +31,8 @@ struct LoadOptions {
   // The deepest nesting of elements, the root counting 1. Parsing needs no stack for it, building
   // the elements does.
   std::size_t maximumDepth = 256;
+  // What the list references of a document may expand to, the texts that hold them included, in bytes.
+  std::size_t maximumExpandedBytes = std::size_t{64} * 1024 * 1024;
 };
 
 // What keeps a whole document from being read.

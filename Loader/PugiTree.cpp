@@ -89,18 +89,29 @@ std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
   // deeply than the stack allows.
   while (node || depth > 0) {
     if (!node) {
+      _expansionBound.endRun();
       node = parent.next_sibling();
       parent = parent.parent();
       --depth;
     } else if (node.type() == pugi::node_element) {
       if (++depth > options.maximumDepth) return tooDeep(node, options);
+      boundExpansionOf(node, depth);
       parent = node;
       node = node.first_child();
     } else {
       node = isText(node) ? arrangeText(node, options.keepWhiteSpaceText) : node.next_sibling();
     }
   }
-  return std::nullopt;
+  if (_expansionBound.bytes() <= options.maximumExpandedBytes) return std::nullopt;
+  return findOversizedExpansion({*this, root()}, options);
+}
+
+void PugiTree::boundExpansionOf(pugi::xml_node element, std::size_t depth) {
+  constexpr std::size_t deepestDefinition = 2;
+  _expansionBound.endRun();
+  if (depth > deepestDefinition || element.name() != C_CONST) return;
+  _expansionBound.addText(element.first_attribute().value());
+  _expansionBound.endRun();
 }
 
 DocumentError PugiTree::tooDeep(pugi::xml_node element, const LoadOptions& options) const {
@@ -113,6 +124,7 @@ pugi::xml_node PugiTree::arrangeText(pugi::xml_node text, bool keepWhiteSpace) {
   const pugi::xml_node next = _holdsCDATA ? joinTexts(text) : text.next_sibling();
   const char* value = text.value();
   if (keepWhiteSpace ? *value == '\0' : isWhiteSpace(value)) text.parent().remove_child(text);
+  _expansionBound.addText(value);
   return next;
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "Loader/DefinitionLoader.h"
+#include "Loader/ExpansionLimit.h"
 #include "Loader/SourceText.h"
 #include "Platform/XMLNode.h"
 
@@ -25,7 +26,7 @@ class PugiTree final : public XMLTree {
   // Whether the DOCTYPE brings declarations of its own.
   [[nodiscard]] bool hasInternalSubset() const;
   // Makes each run of text and CDATA between other markup one text node, takes away those of white
-  // space only, and refuses elements that are nested too deeply.
+  // space only, and refuses elements that are nested too deeply and texts that expand to too much.
   [[nodiscard]] std::optional<DocumentError> arrange(const LoadOptions& options);
 
   // The root element, once parsed.
@@ -43,6 +44,8 @@ class PugiTree final : public XMLTree {
   [[nodiscard]] std::optional<XMLPosition> position(NodeHandle node) const override;
 
  private:
+  // The element's own share in the bound: that of a constant's text, which is an attribute.
+  void boundExpansionOf(pugi::xml_node element, std::size_t depth);
   // Both give the node that comes after in the same element.
   [[nodiscard]] pugi::xml_node arrangeText(pugi::xml_node text, bool keepWhiteSpace);
   [[nodiscard]] pugi::xml_node joinTexts(pugi::xml_node first);
@@ -55,6 +58,7 @@ class PugiTree final : public XMLTree {
   std::string _buffer;  // parsed in place: names and values of the tree are pieces of it
   pugi::xml_document _document;
   bool _holdsCDATA = false;  // without any, no two texts are neighbours
+  ExpansionBound _expansionBound;
 };
 
 }  // namespace korvex

@@ -255,6 +255,45 @@ TEST(Document, DepthIsLimited) {
   EXPECT_TRUE(Document::fromBytes(nested(manyLevels), load).document);
 }
 
+std::string repeated(std::string_view piece, std::size_t times) {
+  std::string text;
+  while (times-- > 0) text += piece;
+  return text;
+}
+
+// Each document holds the text "%{'a*', b, cc}", which expands to "ab, acc", or the like, once in a
+// place where the elements would join or trim it; the limit is what it expands to, then one less.
+TEST(Document, ExpansionIsLimited) {
+  struct Case {
+    const char* document;
+    std::size_t bytes;
+    XMLPosition position = {2, 1};
+  };
+  const Case cases[] = {
+      {"<d>\n<update id='u'> x %{'a*', b, cc} </update></d>", 9},
+      {"<d>\n<const A=\"%{'a*', b, cc}\"/></d>", 7},
+      {"<d>\n<sql id='s'> % <!-- --> {'a*',<!-- --> b, cc} </sql></d>", 7},
+      {"<d>\n<update id='u'><foreach item='i' collection='c'>%{'a*',<!-- --> b, cc}</foreach></update></d>",
+       7,
+       {2, 16}},
+      {"<d><sql id='s'>%{'a*', b, cc}</sql>\n<sql id='t'>%{'*', a}</sql><sql id='u'>%</sql></d>", 9, {2, 28}},
+      {"<d>\n<update id='u'>%{'****', aaa, bbb}</update></d>", 26},
+  };
+  for (const auto& [document, bytes, position] : cases) {
+    SCOPED_TRACE(document);
+    LoadOptions load;
+    load.maximumExpandedBytes = bytes;
+    EXPECT_TRUE(Document::fromBytes(document, load).document);
+    load.maximumExpandedBytes = bytes - 1;
+    const auto error = Document::fromBytes(document, load).error.value();
+    EXPECT_EQ(error.kind, DocumentErrorKind::TooLarge);
+    EXPECT_EQ(error.message, "list references expand to more than " + std::to_string(bytes - 1) + " bytes");
+    EXPECT_EQ(error.position, position);
+  }
+  const std::string bomb = "%{'" + repeated("*", 20000) + "'," + repeated("aaaaaaa,", 20000) + "}";
+  EXPECT_EQ(Document::fromBytes("<sql id='s'>" + bomb + "</sql>").error->kind, DocumentErrorKind::TooLarge);
+}
+
 TEST(Document, Files) {
   const std::string path = testing::TempDir() + "korvex-loader-test.xml";
   std::ofstream(path) << "<a>x</a>";

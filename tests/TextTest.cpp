@@ -13,6 +13,7 @@ std::string expanded(std::string_view input) {
   EXPECT_EQ(text.speedyList(), nullptr);
   EXPECT_EQ(text.speedyStatus(), QXDAOTextSpeedyStatusNone);
   EXPECT_EQ(text.name(), std::nullopt);
+  EXPECT_EQ(QXDAOText::expandedLength(input), text.expression()->size());
   return std::string(text.expression().value());
 }
 

@@ -22,12 +22,63 @@ constexpr auto isMarkup = [] {
   return table;
 }();
 
+// The items of one reference: the format once per star, with the star in the place of every "*".
+struct ReferenceList {
+  std::string_view format;
+  const std::vector<std::string_view>& stars;
+};
+
+// Where a scan writes an expanded text.
+class TextOutput {
+ public:
+  void begin(std::size_t usualLength) { _text.reserve(usualLength); }
+  void append(std::string_view text) { _text.append(text); }
+  void append(const ReferenceList& list) {
+    for (std::size_t star = 0; star < list.stars.size(); ++star) {
+      if (star > 0) append(listSeparator);
+      appendItem(list.format, list.stars[star]);
+    }
+  }
+  [[nodiscard]] const std::string& text() const { return _text; }
+
+ private:
+  void appendItem(std::string_view format, std::string_view star) {
+    std::size_t begin = 0;
+    for (std::size_t mark = format.find('*'); mark != std::string_view::npos; mark = format.find('*', begin)) {
+      append(format.substr(begin, mark - begin));
+      append(star);
+      begin = mark + 1;
+    }
+    append(format.substr(begin));
+  }
+
+  std::string _text;
+};
+
+// The same for a scan that only asks how long the text would become. A list is not written out for
+// it: it may be as long as its format times its stars.
+class LengthOutput {
+ public:
+  void begin(std::size_t /*usualLength*/) {}
+  void append(std::string_view text) { _length += text.size(); }
+  void append(const ReferenceList& list) {
+    const auto marks = static_cast<std::size_t>(std::count(list.format.begin(), list.format.end(), '*'));
+    for (const std::string_view star : list.stars) _length += list.format.size() - marks + marks * star.size();
+    if (!list.stars.empty()) _length += (list.stars.size() - 1) * listSeparator.size();
+  }
+  [[nodiscard]] std::size_t length() const { return _length; }
+
+ private:
+  std::size_t _length = 0;
+};
+
 // Expands the list references of a text in one pass from left to right.
 //
 // The state follows the language's own scan rules to the letter: what an expansion or an opening
 // leaves alone (format, formatBegin, the pending "%") shapes what later text means.
 // Positions are byte offsets; 0 means "not set" for referenceBegin and formatBegin, which are
 // always one past a character otherwise.
+template <typename Output>
 class ListReferenceScan {
  public:
   explicit ListReferenceScan(std::string_view text) : _text(text) {}
@@ -39,7 +90,7 @@ class ListReferenceScan {
     return _replaced;
   }
 
-  [[nodiscard]] const std::string& output() const { return _output; }
+  [[nodiscard]] const Output& output() const { return _output; }
 
  private:
   // The next position at which a rule can change anything: outside a reference only a "%" does,
@@ -110,13 +161,10 @@ class ListReferenceScan {
   }
 
   void expand(std::size_t at) {
-    if (!_replaced) _output.reserve(_text.size());
+    if (!_replaced) _output.begin(_text.size());
     appendTextBeforeReference();
     takeStarBefore(at);
-    for (std::size_t star = 0; star < _stars.size(); ++star) {
-      if (star > 0) _output.append(listSeparator);
-      appendFormatFilledWith(_stars[star]);
-    }
+    _output.append(ReferenceList{_format, _stars});
     _formatPresent = false;
     _copyBegin = at + 1;
     _referenceBegin = 0;
@@ -130,15 +178,6 @@ class ListReferenceScan {
     const std::size_t length = lengthOfCharacterBefore(_text, brace);
     _output.append(between(_copyBegin, brace - length));
     if (length > longestCharacterOfOneUnit) _output.append(replacementCharacter);
-  }
-
-  void appendFormatFilledWith(std::string_view star) {
-    std::size_t begin = 0;
-    for (std::size_t mark = _format.find('*'); mark != std::string_view::npos; mark = _format.find('*', begin)) {
-      _output.append(_format.substr(begin, mark - begin)).append(star);
-      begin = mark + 1;
-    }
-    _output.append(_format.substr(begin));
   }
 
   [[nodiscard]] std::string_view between(std::size_t begin, std::size_t end) const {
@@ -155,11 +194,21 @@ class ListReferenceScan {
   std::vector<std::string_view> _stars;
   std::size_t _commaCount = 0;
   std::size_t _lastComma = 0;
-  std::string _output;
+  Output _output;
   bool _replaced = false;
 };
 
+bool mayHoldReference(std::string_view text) {
+  return text.find('%') != std::string_view::npos && hasAtLeastUTF16Units(text, shortestReference.size());
+}
+
 }  // namespace
+
+std::size_t QXDAOText::expandedLength(std::string_view text) {
+  if (!mayHoldReference(text)) return text.size();
+  ListReferenceScan<LengthOutput> scan(text);
+  return scan.run() ? scan.output().length() : text.size();
+}
 
 void QXDAOText::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
@@ -179,9 +228,9 @@ void QXDAOText::initWithText(OptionalStringView text) {
 
 void QXDAOText::processText() {
   const std::string_view text = expression().value_or(std::string_view());
-  if (text.find('%') == std::string_view::npos || !hasAtLeastUTF16Units(text, shortestReference.size())) return;
-  ListReferenceScan scan(text);
-  if (scan.run()) setExpression(scan.output());
+  if (!mayHoldReference(text)) return;
+  ListReferenceScan<TextOutput> scan(text);
+  if (scan.run()) setExpression(scan.output().text());
 }
 
 }  // namespace korvex
