@@ -1,6 +1,7 @@
 #include "Loader/SourceText.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace korvex {
 
@@ -8,10 +9,11 @@ namespace {
 
 constexpr std::size_t blockLength = 1024;
 
+bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
 // Every byte but those that continue a UTF-8 character.
 std::size_t characterCount(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), std::not_fn(continuesCharacter)));
 }
 
 // The offset after the line end that begins at `at`.
@@ -44,6 +46,17 @@ XMLPosition SourceText::position(std::size_t offset) const {
   const auto after = std::upper_bound(starts.begin(), starts.end(), offset);
   const auto line = static_cast<std::size_t>(after - starts.begin());
   return {line, charactersBefore(offset) - charactersBefore(starts[line - 1]) + 1};
+}
+
+std::size_t SourceText::offset(const XMLPosition& position) const {
+  const auto& [starts, blocks] = index();
+  if (position.line > starts.size()) return _text.size();
+  std::size_t missing = charactersBefore(starts[position.line - 1]) + position.column - 1;
+  const auto block = static_cast<std::size_t>(std::upper_bound(blocks.begin(), blocks.end(), missing) - blocks.begin());
+  missing -= blocks[block - 1];
+  std::size_t at = (block - 1) * blockLength;
+  while (at < _text.size() && (continuesCharacter(_text[at]) || missing-- > 0)) ++at;
+  return at;
 }
 
 std::string_view SourceText::line(std::size_t number) const {

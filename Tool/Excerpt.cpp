@@ -1,5 +1,7 @@
 #include "Tool/Excerpt.h"
 
+#include <algorithm>
+
 #include "Tool/VisibleText.h"
 
 namespace korvex {
@@ -14,6 +16,12 @@ constexpr std::string_view ellipsis = "…";
 
 std::string_view firstCharacters(std::string_view text, std::size_t count) {
   return text.substr(0, text.size() - withoutCharacters(text, count).size());
+}
+
+std::string_view lastCharacters(std::string_view text, std::size_t count) {
+  std::size_t begin = text.size();
+  for (; begin > 0 && count > 0; --count) begin = startOfCharacterBefore(text, begin);
+  return text.substr(begin);
 }
 
 // The text with its tabs left as they are.
@@ -35,15 +43,18 @@ std::string paddingFor(std::string_view printed) {
 
 }  // namespace
 
-Excerpt excerptOf(std::string_view line, std::size_t column) {
-  const std::size_t caret = column - 1;
+Excerpt excerptOf(const SourceText& source, const XMLPosition& position) {
+  const std::string_view line = source.line(position.line);
+  const std::size_t lineStart = source.offset({position.line, 1});
+  const std::size_t caret = std::min(source.offset(position) - lineStart, line.size());
   const bool fits = withoutCharacters(line, greatestWidth).empty();
-  const std::size_t cut = fits || caret <= farthestCaret ? 0 : caret - keptBeforeCaret;
-  const std::string_view kept = withoutCharacters(line, cut);
+  const bool cut = !fits && position.column - 1 > farthestCaret;
+  const std::string_view beforeCaret =
+      cut ? lastCharacters(line.substr(0, caret), keptBeforeCaret) : line.substr(0, caret);
+  const std::string_view kept = line.substr(caret - beforeCaret.size());
   const std::string_view shown = firstCharacters(kept, greatestWidth);
-  const std::string_view beforeCaret = firstCharacters(shown, caret - cut);
 
-  const std::string start = std::string(cut > 0 ? ellipsis : "") + visibleWithTabs(beforeCaret);
+  const std::string start = std::string(cut ? ellipsis : "") + visibleWithTabs(beforeCaret);
   const std::string end = visibleWithTabs(shown.substr(beforeCaret.size()));
   return {start + end + std::string(shown.size() < kept.size() ? ellipsis : ""), paddingFor(start) + '^'};
 }

@@ -1,9 +1,9 @@
 // The source line of a finding, and a caret below the place that is meant.
 #pragma once
 
-#include <cstddef>
 #include <string>
-#include <string_view>
+
+#include "Loader/SourceText.h"
 
 namespace korvex {
 
@@ -13,9 +13,9 @@ struct Excerpt {
   std::string caretLine;
 };
 
-// The line with the caret below the character in `column`, which counts from 1 and may be one past
-// the end. Tabs stay tabs, other invisible characters are escaped, and of a long line only the part
-// around the caret is kept, an ellipsis where it was cut.
-[[nodiscard]] Excerpt excerptOf(std::string_view line, std::size_t column);
+// The line of that position with the caret below its character, which may be one past the end of
+// the line. The time it takes does not depend on the length of the line. Tabs stay tabs, other invisible characters are
+// escaped, and of a long line only the part around the caret is kept, an ellipsis where it was cut.
+[[nodiscard]] Excerpt excerptOf(const SourceText& source, const XMLPosition& position);
 
 }  // namespace korvex

@@ -50,7 +50,7 @@ void printFinding(std::ostream& out, const Finding& finding, const SourceText* s
   out << style.bold << visibleText(finding.path) << ':' << line << ':' << column << ": " << style.plain  //
       << style.red << severity << ": " << style.plain                                                    //
       << style.bold << visibleText(finding.message) << style.plain << '\n';
-  if (source) printExcerpt(out, excerptOf(source->line(line), column), style);
+  if (source) printExcerpt(out, excerptOf(*source, finding.position), style);
 }
 
 Json findingJson(const Finding& finding) {

@@ -107,6 +107,12 @@ std::string_view withoutCharacters(std::string_view text, std::size_t count) {
   return text.substr(offset);
 }
 
+std::size_t startOfCharacterBefore(std::string_view text, std::size_t end) {
+  std::size_t start = end - 1;
+  while (start > 0 && isContinuation(text[start])) --start;
+  return start;
+}
+
 std::string visibleText(std::string_view text) {
   std::string result;
   while (!text.empty()) {

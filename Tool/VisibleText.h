@@ -14,6 +14,9 @@ namespace korvex {
 // The text after its first `count` characters; empty when it has no more than that.
 [[nodiscard]] std::string_view withoutCharacters(std::string_view text, std::size_t count);
 
+// The offset of the character that ends before `end`, which is not 0.
+[[nodiscard]] std::size_t startOfCharacterBefore(std::string_view text, std::size_t end);
+
 // The text on one line: \n, \r and \t for line feed, carriage return and tab, \x1b for an escape,
 // \u202e for a character that reverses the line, and so on. A backslash stays as it is.
 [[nodiscard]] std::string visibleText(std::string_view text);

@@ -322,7 +322,11 @@ TEST(SourceText, LinesAndColumns) {
       {0, {1, 1}}, {1, {1, 2}}, {2, {2, 1}},  {3, {2, 2}},  {5, {2, 3}},
       {7, {3, 1}}, {8, {4, 1}}, {12, {4, 2}}, {13, {4, 3}}, {99, {4, 3}},
   };
-  for (const auto& [offset, expected] : positions) EXPECT_EQ(source.position(offset), expected) << offset;
+  for (const auto& [offset, expected] : positions) {
+    EXPECT_EQ(source.position(offset), expected) << offset;
+    EXPECT_EQ(source.offset(expected), std::min<std::size_t>(offset, source.text().size()));
+  }
+  EXPECT_EQ(source.offset({9, 1}), source.text().size());
   const std::vector<std::string_view> lines = {"", "a", "bé", "", "\xF0\x9F\x98\x80x", ""};
   for (std::size_t number = 0; number < lines.size(); ++number) EXPECT_EQ(source.line(number), lines[number]);
 }
@@ -334,6 +338,7 @@ TEST(SourceText, LongLines) {
   for (const std::size_t character : {0U, 341U, 682U, 1023U, 1024U, 1025U, 5998U}) {
     const std::size_t offset = 3 + character / 2 * 3 + character % 2 * 2;
     EXPECT_EQ(source.position(offset), (XMLPosition{2, character + 1}));
+    EXPECT_EQ(source.offset({2, character + 1}), offset);
   }
 }
 

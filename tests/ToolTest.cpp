@@ -236,7 +236,8 @@ TEST(Excerpt, CaretStandsBelowItsCharacter) {
        std::string(41, ' ') + '^'},
   };
   for (const auto& [line, column, shown, caretLine] : cases) {
-    const Excerpt excerpt = excerptOf(line, column);
+    const SourceText source("é\n" + line + "\nnext");
+    const Excerpt excerpt = excerptOf(source, {2, column});
     EXPECT_EQ(excerpt.line, shown);
     EXPECT_EQ(excerpt.caretLine, caretLine) << line;
   }
