@@ -1,5 +1,6 @@
 #include "Loader/PugiTree.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
@@ -50,22 +51,33 @@ const NodeType& typeOf(pugi::xml_node node) { return nodeTypes[node.type()]; }
 
 bool isText(pugi::xml_node node) { return typeOf(node).kind == XMLNodeKind::Text; }
 
-bool isWhiteSpace(char character) {
-  return character == ' ' || character == '\t' || character == '\r' || character == '\n';
-}
+bool isPCDATA(pugi::xml_node node) { return node.type() == pugi::node_pcdata; }
+bool isCDATA(pugi::xml_node node) { return node.type() == pugi::node_cdata; }
+
+constexpr std::string_view whiteSpace = " \t\r\n";
+
+bool isWhiteSpace(char character) { return whiteSpace.find(character) != std::string_view::npos; }
 
 bool isWhiteSpace(const char* text) {
   while (isWhiteSpace(*text)) ++text;
   return *text == '\0';
 }
 
+// White space as a parser hands it on: each line end is a line feed.
+std::string withLineFeeds(std::string_view text) {
+  std::string result;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text.substr(at, 2) == "\r\n") continue;
+    result += text[at] == '\r' ? '\n' : text[at];
+  }
+  return result;
+}
+
 }  // namespace
 
 std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
-  // White space alone counts where it may stand next to CDATA; elsewhere it is not even read.
   _holdsCDATA = _buffer.find("![CDATA[") != std::string::npos;
-  const bool whiteSpaceCounts = options.keepWhiteSpaceText || _holdsCDATA;
-  const unsigned flags = whiteSpaceCounts ? parseFlags | pugi::parse_ws_pcdata : parseFlags;
+  const unsigned flags = options.keepWhiteSpaceText ? parseFlags | pugi::parse_ws_pcdata : parseFlags;
   // The string's own zero at the end is part of the buffer: the parser wants to write one there.
   const pugi::xml_parse_result result =
       _document.load_buffer_inplace(_buffer.data(), _buffer.size() + 1, flags, pugi::encoding_utf8);
@@ -121,31 +133,51 @@ DocumentError PugiTree::tooDeep(pugi::xml_node element, const LoadOptions& optio
 }
 
 pugi::xml_node PugiTree::arrangeText(pugi::xml_node text, bool keepWhiteSpace) {
-  const pugi::xml_node next = _holdsCDATA ? joinTexts(text) : text.next_sibling();
-  const char* value = text.value();
-  if (keepWhiteSpace ? *value == '\0' : isWhiteSpace(value)) text.parent().remove_child(text);
-  _expansionBound.addText(value);
+  const pugi::xml_node next = text.next_sibling();
+  if (_holdsCDATA && (isCDATA(text) || isCDATA(next))) return arrangeRun(text, keepWhiteSpace);
+  finishText(text, keepWhiteSpace);
   return next;
 }
 
-// Moves the texts that directly follow a text up to its end, in the buffer, where the markup
-// between them leaves room. Gives the node after them.
-pugi::xml_node PugiTree::joinTexts(pugi::xml_node first) {
-  char* end = nullptr;
-  pugi::xml_node next = first.next_sibling();
-  for (; isText(next); next = first.next_sibling()) {
-    if (!end) end = _buffer.data() + offsetOf(first.value()) + std::strlen(first.value());
-    const std::size_t length = std::strlen(next.value());
-    std::memmove(end, next.value(), length + 1);
-    end += length;
-    first.parent().remove_child(next);
+pugi::xml_node PugiTree::arrangeRun(pugi::xml_node first, bool keepWhiteSpace) {
+  std::string joined;
+  pugi::xml_node last;
+  for (pugi::xml_node text = first; isText(text); text = text.next_sibling()) {
+    if (isCDATA(text) && !isPCDATA(last)) joined += whiteSpaceBefore(offsetOf(text), keepWhiteSpace);
+    joined += text.value();
+    last = text;
   }
+  const pugi::xml_node next = last.next_sibling();
+  if (isCDATA(last)) joined += whiteSpaceAfter(_source.text().find("]]>", offsetOf(last)) + 3, keepWhiteSpace);
+  _joinedTexts.emplace(handleOf(first), offsetOf(first));
+  while (first.next_sibling() != next) first.parent().remove_child(first.next_sibling());
+  first.set_value(joined.c_str());
+  finishText(first, keepWhiteSpace);
   return next;
+}
+
+void PugiTree::finishText(pugi::xml_node text, bool keepWhiteSpace) {
+  const char* value = text.value();
+  _expansionBound.addText(value);
+  if (keepWhiteSpace ? *value == '\0' : isWhiteSpace(value)) text.parent().remove_child(text);
+}
+
+// Where white space alone counts, the parser has made texts of it.
+std::string PugiTree::whiteSpaceBefore(std::size_t offset, bool parsed) const {
+  const std::string_view before = _source.text().substr(0, parsed ? 0 : offset);
+  return withLineFeeds(before.substr(before.find_last_not_of(whiteSpace) + 1));
+}
+
+std::string PugiTree::whiteSpaceAfter(std::size_t offset, bool parsed) const {
+  const std::string_view after = _source.text().substr(offset, parsed ? 0 : std::string_view::npos);
+  const std::size_t end = std::min(after.find_first_not_of(whiteSpace), after.size());
+  return after.substr(end).starts_with('<') ? withLineFeeds(after.substr(0, end)) : std::string();
 }
 
 std::size_t PugiTree::offsetOf(const char* parsed) const { return static_cast<std::size_t>(parsed - _buffer.data()); }
 
 std::size_t PugiTree::offsetOf(pugi::xml_node node) const {
+  if (const auto joined = _joinedTexts.find(handleOf(node)); joined != _joinedTexts.end()) return joined->second;
   const NodeType& type = typeOf(node);
   return offsetOf(type.named ? node.name() : node.value()) - type.opening;
 }

@@ -5,6 +5,7 @@
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "Loader/DefinitionLoader.h"
 #include "Loader/ExpansionLimit.h"
@@ -48,7 +49,13 @@ class PugiTree final : public XMLTree {
   void boundExpansionOf(pugi::xml_node element, std::size_t depth);
   // Both give the node that comes after in the same element.
   [[nodiscard]] pugi::xml_node arrangeText(pugi::xml_node text, bool keepWhiteSpace);
-  [[nodiscard]] pugi::xml_node joinTexts(pugi::xml_node first);
+  // Joins a run of texts with CDATA in it, and the white space around the CDATA. That alone is no
+  // text to the parser unless it is asked for all of it, which costs much more.
+  [[nodiscard]] pugi::xml_node arrangeRun(pugi::xml_node first, bool keepWhiteSpace);
+  void finishText(pugi::xml_node text, bool keepWhiteSpace);
+  // The white space that ends or begins at an offset of the source; none when it was parsed as text.
+  [[nodiscard]] std::string whiteSpaceBefore(std::size_t offset, bool parsed) const;
+  [[nodiscard]] std::string whiteSpaceAfter(std::size_t offset, bool parsed) const;
   [[nodiscard]] DocumentError tooDeep(pugi::xml_node element, const LoadOptions& options) const;
   // Where in the text a name or a value was parsed, and where the markup of a node begins.
   [[nodiscard]] std::size_t offsetOf(const char* parsed) const;
@@ -58,6 +65,8 @@ class PugiTree final : public XMLTree {
   std::string _buffer;  // parsed in place: names and values of the tree are pieces of it
   pugi::xml_document _document;
   bool _holdsCDATA = false;  // without any, no two texts are neighbours
+  // Where texts begin that were joined, whose values are not in the buffer any more.
+  std::unordered_map<NodeHandle, std::size_t> _joinedTexts;
   ExpansionBound _expansionBound;
 };
 
