@@ -325,15 +325,28 @@ class QXDAOText final : public QXDAOElement {
   void initWithXML(const XMLNode& xml);
   // The text as given; absent stays absent.
   void initWithText(OptionalStringView text);
+  // A new element, initialised with the text. Its expression stands behind it in the same block of
+  // memory.
+  [[nodiscard]] static std::unique_ptr<QXDAOText> elementWithText(OptionalStringView text);
 
   // The SQL text with its list references expanded.
-  [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
-  void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
+  [[nodiscard]] OptionalStringView expression() const {
+    return _lengthBehind == notBehind ? _expression.view() : std::string_view(behind(), _lengthBehind);
+  }
+  void setExpression(OptionalStringView expression) {
+    CompactString replacement(expression);
+    _lengthBehind = notBehind;
+    _expression = std::move(replacement);
+  }
   // Expands the list references of the expression, which the operations above have done already.
   void processText();
   // The bytes that a text would have with its list references expanded, in time that is in
   // proportion to the text alone. Exact for texts below 4 GiB.
   [[nodiscard]] static std::size_t expandedLength(std::string_view text);
+
+  static void* operator new(std::size_t size) { return ::operator new(size); }
+  // Not the one that is told the size: with characters behind it, that is not the size of the block.
+  static void operator delete(void* text) { ::operator delete(text); }
 
   // The engine's slots; null and None until the engine sets them.
   [[nodiscard]] const std::unique_ptr<QXDAOEngineList>& speedyList() const { return _speedyList; }
@@ -342,9 +355,15 @@ class QXDAOText final : public QXDAOElement {
   void setSpeedyStatus(QXDAOTextSpeedyStatus status) { _speedyStatus = status; }
 
  private:
-  CompactString _expression;
+  static void* operator new(std::size_t size, std::size_t lengthBehind) { return ::operator new(size + lengthBehind); }
+  [[nodiscard]] char* behind() const { return reinterpret_cast<char*>(const_cast<QXDAOText*>(this) + 1); }
+
+  static constexpr std::size_t notBehind = static_cast<std::size_t>(-1);
+
+  QXDAOTextSpeedyStatus _speedyStatus : 8 = QXDAOTextSpeedyStatusNone;
+  std::size_t _lengthBehind = notBehind;  // of the expression when it stands behind the element
+  CompactString _expression;              // when it does not
   std::unique_ptr<QXDAOEngineList> _speedyList;
-  QXDAOTextSpeedyStatus _speedyStatus = QXDAOTextSpeedyStatusNone;
 };
 
 // <if>, <when> and <otherwise>: content that applies under a condition. The attribute "true" or
@@ -361,10 +380,15 @@ class QXDAOCondition final : public QXDAOContainerElement {
   // True when the content applies if the expression holds, false when it applies if it does not.
   [[nodiscard]] bool evaluateAsTrue() const { return _evaluateAsTrue; }
   void setEvaluateAsTrue(bool evaluateAsTrue) { _evaluateAsTrue = evaluateAsTrue; }
-  // The trimmed expression; absent for otherwise.
+  // The trimmed expression; absent for otherwise. The tokens may be pieces of it, so replacing it
+  // leaves them absent.
   [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
-  void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
-  // The evaluator's tokens, never empty in a finished element; absent for otherwise.
+  void setExpression(OptionalStringView expression) {
+    _tokenList.reset();
+    _expression = CompactString(expression);
+  }
+  // The evaluator's tokens, never empty in a finished element, where they are pieces of the
+  // expression; absent for otherwise. Whoever sets others keeps their texts alive.
   [[nodiscard]] const std::optional<QXDAOTokenList>& tokenList() const { return _tokenList; }
   void setTokenList(std::optional<QXDAOTokenList> tokens) { _tokenList = std::move(tokens); }
 
@@ -372,7 +396,7 @@ class QXDAOCondition final : public QXDAOContainerElement {
   [[nodiscard]] bool readCondition(const XMLNode& xml);
   [[nodiscard]] bool readExpression(const XMLAttribute& attribute);
 
-  QXDAOConditionType _type = QXDAOConditionTypeIf;
+  QXDAOConditionType _type : 8 = QXDAOConditionTypeIf;
   bool _evaluateAsTrue = false;
   CompactString _expression;
   std::optional<QXDAOTokenList> _tokenList;
@@ -455,10 +479,10 @@ class QXDAOTrim final : public QXDAOContainerElement {
   void readOperation(const XMLNode& xml);
   void readTrim(const XMLNode& xml);
 
+  QXDAOTrimOnVoidType _onVoid : 8 = QXDAOTrimOnVoidTypeNone;
   CompactString _operationName;
   std::vector<std::string> _prefixOverrides;
   std::vector<std::string> _suffixOverrides;
-  QXDAOTrimOnVoidType _onVoid = QXDAOTrimOnVoidTypeNone;
 };
 
 // <format>: how the engine writes key-value pairs at this place. Content is ignored.
@@ -703,10 +727,10 @@ class QXDAOMethod final : public QXDAOContainerElement {
   bool _profile = false;
   // The engine's fields; the mapping layer never touches them.
   bool _ignoreCounter = false;
+  std::int32_t _mappingSequence = 0;
   std::unique_ptr<QXSCDAOMethodCounter> _counter;
   const ModelClass* _cls = nullptr;  // not owned
   std::unique_ptr<QXDAOEngineList> _mappingInfo;
-  std::int32_t _mappingSequence = 0;
 
   // The engine's slot; absent until the engine sets it.
   [[nodiscard]] OptionalStringView module() const { return _module.view(); }
@@ -771,18 +795,19 @@ class QXDAOMethod final : public QXDAOContainerElement {
   void readForeach(const XMLNode& xml);
   [[nodiscard]] bool readForeachNames(std::string_view declaration);
 
+  // In one word: an app has thousands of methods.
+  QXDAOOperation _operation : 8 = QXDAOOperationSelect;
+  QXDAOSelectResultType _resultType : 8 = QXDAOSelectResultTypeInt;
+  bool _resultArrayed : 1 = false;
+  bool _assignedTable : 1 = false;
+  bool _steped : 1 = false;
+  bool _tryBlock : 1 = false;
+  bool _parallel : 1 = false;
+  bool _foreach : 1 = false;
+  bool _foreachResumable : 1 = false;
   CompactString _module;
-  QXDAOOperation _operation = QXDAOOperationSelect;
-  QXDAOSelectResultType _resultType = QXDAOSelectResultTypeInt;
-  bool _resultArrayed = false;
-  bool _assignedTable = false;
   CompactString _resultTypeName;
   std::optional<std::vector<QXDAOMethodArgument>> _arguments;
-  bool _steped = false;
-  bool _tryBlock = false;
-  bool _parallel = false;
-  bool _foreach = false;
-  bool _foreachResumable = false;
   CompactString _foreachItemName;
   CompactString _foreachCollection;
   double _toVersion = 0;

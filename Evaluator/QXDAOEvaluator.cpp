@@ -116,7 +116,7 @@ constexpr std::array<TokenRule, 5> tokenRules = {{
 bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
   for (const TokenRule& rule : tokenRules) {
     if (const std::size_t length = rule.length(text); length != 0) {
-      tokens.push_back({rule.type, std::string(text.substr(0, length))});
+      tokens.push_back({rule.type, text.substr(0, length)});
       text.remove_prefix(length);
       return true;
     }

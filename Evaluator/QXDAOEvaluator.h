@@ -6,7 +6,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,7 +21,7 @@ enum QXDAOTokenType : std::uint64_t {
 
 struct QXDAOToken {
   QXDAOTokenType type = QXDAOTokenTypeName;
-  std::string text;  // as written, a string with its quotes
+  std::string_view text;  // as written, a string with its quotes: a piece of the expression, or constant
 
   bool operator==(const QXDAOToken&) const = default;
 };
@@ -31,8 +30,8 @@ using QXDAOTokenList = std::vector<QXDAOToken>;
 
 class QXDAOEvaluator {
  public:
-  // The tokens of the expression in order; empty when it holds none or cannot be tokenised (an
-  // unclosed string, a number that runs into a name, an unknown character, a name that holds a no-break
+  // The tokens of the expression in order, valid as long as the expression is; empty when it holds none or cannot be
+  // tokenised (an unclosed string, a number that runs into a name, an unknown character, a name that holds a no-break
   // space or a curly quote). Only tokens are
   // recognised: whether they form an expression is for the evaluator that runs them. Any thread.
   [[nodiscard]] static QXDAOTokenList buildTokenListWithExpression(std::string_view expression);

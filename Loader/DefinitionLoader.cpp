@@ -30,6 +30,7 @@ std::vector<Definition> loadDefinitions(const Document& document) {
     definitions.push_back(definitionFrom(root));
     return definitions;
   }
+  definitions.reserve(root.childCount());
   for (const XMLNode& child : root.children()) {
     if (child.kind() == XMLNodeKind::Element) definitions.push_back(definitionFrom(child));
   }

@@ -31,8 +31,8 @@ std::size_t lengthOfTexts(const XMLNode& element) {
 std::size_t expandedLengthOf(const XMLNode& element) {
   const OptionalStringView tag = element.name();
   if (tag == C_CONST) return expandedLength(element.onlyAttribute().stringValue().value_or(std::string_view()));
-  if (tag == C_SQL) return expandedLength(plainTextOf(element, spaceNewLineTabBothEndsTrimmed).text);
-  if (tag == C_FOREACH) return expandedLength(plainTextOf(element, asWritten).text);
+  if (tag == C_SQL) return expandedLength(plainTextOf(element, spaceNewLineTabBothEndsTrimmed).text());
+  if (tag == C_FOREACH) return expandedLength(plainTextOf(element, asWritten).text());
   return lengthOfTexts(element);
 }
 

@@ -17,7 +17,15 @@ class CompactString {
  public:
   CompactString() = default;
   explicit CompactString(OptionalStringView text) {
-    if (text) store(*text);
+    if (text) text->copy(allocate(text->size()), text->size());
+  }
+
+  // A string of that length whose characters `fill` writes.
+  template <typename Fill>
+  static CompactString filled(std::size_t length, Fill fill) {
+    CompactString string;
+    fill(string.allocate(length));
+    return string;
   }
 
   // Valid until this string is assigned to or destroyed.
@@ -29,11 +37,10 @@ class CompactString {
   }
 
  private:
-  void store(std::string_view text) {
-    const std::size_t length = text.size();
+  char* allocate(std::size_t length) {
     _block = std::make_unique_for_overwrite<char[]>(sizeof length + length);
     std::memcpy(_block.get(), &length, sizeof length);
-    text.copy(_block.get() + sizeof length, length);
+    return _block.get() + sizeof length;
   }
 
   std::unique_ptr<char[]> _block;  // the length, then the characters

@@ -12,7 +12,7 @@ std::string tokens(std::string_view expression) {
   for (const QXDAOToken& token : QXDAOEvaluator::buildTokenListWithExpression(expression)) {
     if (!line.empty()) line += ' ';
     line += std::string_view("ndsob")[token.type];
-    line += ':' + token.text;
+    line.append(1, ':').append(token.text);
   }
   return line;
 }

@@ -58,8 +58,6 @@ constexpr std::array<TagRule, 12> tagTable = {{
     {C_FORMAT, buildPlain<QXDAOKeyValueFormatter>},
 }};
 
-constexpr std::size_t usualChildCount = 5;
-
 }  // namespace
 
 std::optional<QXDAOElementList> QXDAOContainerElement::takeChildren() { return std::exchange(_children, std::nullopt); }
@@ -68,7 +66,7 @@ std::optional<QXDAOElementList> QXDAOContainerElement::takeChildren() { return s
 // walk ends by its own failures only.
 void QXDAOContainerElement::processNodes(const XMLNode& xml) {
   QXDAOElementList children;
-  children.reserve(usualChildCount);
+  children.reserve(xml.childCount());
   for (const XMLNode& node : xml.children()) {
     if (node.kind() == XMLNodeKind::Text) appendText(node, children);
     if (node.kind() == XMLNodeKind::Element && !appendElement(node, children)) return;
@@ -77,8 +75,7 @@ void QXDAOContainerElement::processNodes(const XMLNode& xml) {
 }
 
 void QXDAOContainerElement::appendText(const XMLNode& node, QXDAOElementList& children) {
-  auto text = std::make_unique<QXDAOText>();
-  text->initWithXML(node);
+  auto text = QXDAOText::elementWithText(spaceNewLineTabBothEndsTrimmed(node.text()));
   if (!isEmpty(text->expression())) children.push_back(std::move(text));
 }
 

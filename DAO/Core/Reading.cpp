@@ -2,22 +2,24 @@
 
 namespace korvex {
 
-namespace {
-
-constexpr std::size_t usualTextLength = 200;
-
-}  // namespace
+void PlainText::append(std::string_view piece) {
+  if (text().empty()) {
+    _first = piece;
+  } else {
+    if (_joined.empty()) _joined = _first;
+    _joined.append(piece);
+  }
+}
 
 PlainText plainTextOf(const XMLNode& element, std::string_view (*piece)(std::string_view text)) {
   PlainText gathered;
-  gathered.text.reserve(usualTextLength);
   for (const XMLNode& node : element.children()) {
     if (node.kind() == XMLNodeKind::Comment) continue;
     if (node.kind() != XMLNodeKind::Text) {
-      gathered.offender = node;
+      gathered._offender = node;
       break;
     }
-    gathered.text.append(piece(node.text().value_or(std::string_view())));
+    gathered.append(piece(node.text().value_or(std::string_view())));
   }
   return gathered;
 }

@@ -16,9 +16,21 @@ namespace korvex {
 }
 
 // The text of an element that may hold nothing but text and comments.
-struct PlainText {
-  std::string text;  // the pieces before the offender, joined with nothing between them
-  XMLNode offender;  // the first node of another kind; null when there is none
+class PlainText {
+ public:
+  // The pieces before the offender, joined with nothing between them. Of a single piece it is a
+  // view, valid as long as the document is.
+  [[nodiscard]] std::string_view text() const { return _joined.empty() ? _first : _joined; }
+  // The first node of another kind; null when there is none.
+  [[nodiscard]] XMLNode offender() const { return _offender; }
+
+ private:
+  friend PlainText plainTextOf(const XMLNode& element, std::string_view (*piece)(std::string_view text));
+  void append(std::string_view piece);
+
+  std::string_view _first;
+  std::string _joined;
+  XMLNode _offender;
 };
 
 [[nodiscard]] PlainText plainTextOf(const XMLNode& element, std::string_view (*piece)(std::string_view text));

@@ -12,8 +12,7 @@ bool QXDAOConst::readDeclaration(const XMLNode& xml) {
   const XMLAttribute attribute = xml.onlyAttribute();
   if (!attribute) return false;
   setName(attribute.name());
-  _text = std::make_unique<QXDAOText>();
-  _text->initWithText(attribute.stringValue());
+  _text = QXDAOText::elementWithText(attribute.stringValue());
   return !isEmpty(name()) && xml.childCount() == 0;
 }
 

@@ -54,9 +54,8 @@ void QXDAOForeach::readAttributes(const XMLNode& xml) {
 
 void QXDAOForeach::readText(const XMLNode& xml) {
   const PlainText gathered = plainTextOf(xml, [](std::string_view piece) { return piece; });
-  if (gathered.offender) setError(std::string(Messages::foreachContent), nodeAtFault(gathered.offender, xml));
-  _text = std::make_unique<QXDAOText>();
-  _text->initWithText(spaceNewLineTabBothEndsTrimmed(std::string_view(gathered.text)));
+  if (gathered.offender()) setError(std::string(Messages::foreachContent), nodeAtFault(gathered.offender(), xml));
+  _text = QXDAOText::elementWithText(spaceNewLineTabBothEndsTrimmed(gathered.text()));
 }
 
 }  // namespace korvex

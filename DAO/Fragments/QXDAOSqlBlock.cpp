@@ -24,9 +24,9 @@ void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
 // Each piece of text is trimmed on its own; comments between pieces leave nothing behind.
 void QXDAOSqlBlock::readText(const XMLNode& xml) {
   const PlainText gathered = plainTextOf(xml, spaceNewLineTabBothEndsTrimmed);
-  if (gathered.offender) setError(filledFormat(Messages::invalidSqlBlock, name()), nodeAtFault(gathered.offender, xml));
-  _text = std::make_unique<QXDAOText>();
-  _text->initWithText(gathered.text);
+  if (gathered.offender())
+    setError(filledFormat(Messages::invalidSqlBlock, name()), nodeAtFault(gathered.offender(), xml));
+  _text = QXDAOText::elementWithText(gathered.text());
 }
 
 }  // namespace korvex

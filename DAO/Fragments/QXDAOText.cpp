@@ -11,7 +11,6 @@ namespace {
 constexpr std::string_view shortestReference = "%{'*',p}";
 constexpr std::string_view listSeparator = ", ";
 constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";  // U+FFFD
-constexpr std::size_t usualStarCount = 5;
 constexpr std::size_t longestCharacterOfOneUnit = 3;
 
 // The bytes that mean something while a reference is open, its "%" then being pending. All of them are ASCII, so a byte
@@ -25,21 +24,22 @@ constexpr auto isMarkup = [] {
 // The items of one reference: the format once per star, with the star in the place of every "*".
 struct ReferenceList {
   std::string_view format;
-  const std::vector<std::string_view>& stars;
+  OptionalStringView stars;  // separated by commas; absent when there is none
 };
 
-// Where a scan writes an expanded text.
+std::string_view takeStar(OptionalStringView& stars) { return spaceNewLineTabBothEndsTrimmed(takePiece(stars, ',')); }
+
+// Where a scan writes an expanded text: room for all of it.
 class TextOutput {
  public:
-  void begin(std::size_t usualLength) { _text.reserve(usualLength); }
-  void append(std::string_view text) { _text.append(text); }
+  explicit TextOutput(char* room) : _at(room) {}
+  void append(std::string_view text) { _at += text.copy(_at, text.size()); }
   void append(const ReferenceList& list) {
-    for (std::size_t star = 0; star < list.stars.size(); ++star) {
-      if (star > 0) append(listSeparator);
-      appendItem(list.format, list.stars[star]);
+    for (OptionalStringView stars = list.stars; stars;) {
+      appendItem(list.format, takeStar(stars));
+      if (stars) append(listSeparator);
     }
   }
-  [[nodiscard]] const std::string& text() const { return _text; }
 
  private:
   void appendItem(std::string_view format, std::string_view star) {
@@ -52,19 +52,20 @@ class TextOutput {
     append(format.substr(begin));
   }
 
-  std::string _text;
+  char* _at;
 };
 
 // The same for a scan that only asks how long the text would become. A list is not written out for
 // it: it may be as long as its format times its stars.
 class LengthOutput {
  public:
-  void begin(std::size_t /*usualLength*/) {}
   void append(std::string_view text) { _length += text.size(); }
   void append(const ReferenceList& list) {
     const auto marks = static_cast<std::size_t>(std::count(list.format.begin(), list.format.end(), '*'));
-    for (const std::string_view star : list.stars) _length += list.format.size() - marks + marks * star.size();
-    if (!list.stars.empty()) _length += (list.stars.size() - 1) * listSeparator.size();
+    for (OptionalStringView stars = list.stars; stars;) {
+      _length += list.format.size() - marks + marks * takeStar(stars).size();
+      if (stars) _length += listSeparator.size();
+    }
   }
   [[nodiscard]] std::size_t length() const { return _length; }
 
@@ -76,14 +77,14 @@ class LengthOutput {
 //
 // The state follows the language's own scan rules to the letter: what an expansion or an opening
 // leaves alone (format, formatBegin, the pending "%") shapes what later text means.
-// Positions are byte offsets; 0 means "not set" for referenceBegin and formatBegin, which are
-// always one past a character otherwise.
+// Positions are byte offsets; 0 means "not set" for referenceBegin, formatBegin and starsBegin, which
+// are always one past a character otherwise.
 template <typename Output>
 class ListReferenceScan {
  public:
-  explicit ListReferenceScan(std::string_view text) : _text(text) {}
+  explicit ListReferenceScan(std::string_view text, Output output = Output()) : _text(text), _output(output) {}
 
-  // True when a reference was expanded; the result is then in output().
+  // True when a reference was expanded; the whole result has then been put out.
   bool run() {
     for (std::size_t at = nextOfInterest(0); at < _text.size(); at = nextOfInterest(at + 1)) take(at);
     if (_replaced) _output.append(_text.substr(_copyBegin));
@@ -142,29 +143,18 @@ class ListReferenceScan {
 
   void takeComma(std::size_t at) {
     dropPendingSymbolOutsideReference();
-    if (_referenceBegin == 0 || !_formatPresent) return;
-    takeStarBefore(at);
-    ++_commaCount;
-    _lastComma = at;
+    if (_referenceBegin != 0 && _formatPresent && _starsBegin == 0) _starsBegin = at + 1;
   }
 
   void takeOpeningBrace(std::size_t at) {
     if (!_pendingSymbol || _formatBegin != 0) return;
     _referenceBegin = at + 1;
-    _stars.clear();
-    _stars.reserve(usualStarCount);
-    _commaCount = 0;
-  }
-
-  void takeStarBefore(std::size_t at) {
-    if (_commaCount > 0) _stars.push_back(spaceNewLineTabBothEndsTrimmed(between(_lastComma + 1, at)));
+    _starsBegin = 0;
   }
 
   void expand(std::size_t at) {
-    if (!_replaced) _output.begin(_text.size());
     appendTextBeforeReference();
-    takeStarBefore(at);
-    _output.append(ReferenceList{_format, _stars});
+    _output.append(ReferenceList{_format, starsBefore(at)});
     _formatPresent = false;
     _copyBegin = at + 1;
     _referenceBegin = 0;
@@ -180,6 +170,12 @@ class ListReferenceScan {
     if (length > longestCharacterOfOneUnit) _output.append(replacementCharacter);
   }
 
+  // From the first comma after a format on, every comma separates two stars.
+  [[nodiscard]] OptionalStringView starsBefore(std::size_t at) const {
+    if (_starsBegin == 0) return std::nullopt;
+    return between(_starsBegin, at);
+  }
+
   [[nodiscard]] std::string_view between(std::size_t begin, std::size_t end) const {
     return _text.substr(begin, end - begin);
   }
@@ -191,9 +187,7 @@ class ListReferenceScan {
   std::size_t _formatBegin = 0;
   std::string_view _format;
   bool _formatPresent = false;
-  std::vector<std::string_view> _stars;
-  std::size_t _commaCount = 0;
-  std::size_t _lastComma = 0;
+  std::size_t _starsBegin = 0;
   Output _output;
   bool _replaced = false;
 };
@@ -202,13 +196,35 @@ bool mayHoldReference(std::string_view text) {
   return text.find('%') != std::string_view::npos && hasAtLeastUTF16Units(text, shortestReference.size());
 }
 
+// What becomes of a text: first only its length, so that the memory for it can be of that length.
+class Expansion {
+ public:
+  explicit Expansion(std::string_view text) : _text(text), _length(text.size()) {
+    if (!mayHoldReference(text)) return;
+    ListReferenceScan<LengthOutput> scan(text);
+    _changes = scan.run();
+    if (_changes) _length = scan.output().length();
+  }
+
+  [[nodiscard]] bool changes() const { return _changes; }
+  [[nodiscard]] std::size_t length() const { return _length; }
+  void writeTo(char* room) const {
+    if (_changes) {
+      ListReferenceScan<TextOutput>(_text, TextOutput(room)).run();
+    } else {
+      _text.copy(room, _length);
+    }
+  }
+
+ private:
+  std::string_view _text;
+  std::size_t _length;
+  bool _changes = false;
+};
+
 }  // namespace
 
-std::size_t QXDAOText::expandedLength(std::string_view text) {
-  if (!mayHoldReference(text)) return text.size();
-  ListReferenceScan<LengthOutput> scan(text);
-  return scan.run() ? scan.output().length() : text.size();
-}
+std::size_t QXDAOText::expandedLength(std::string_view text) { return Expansion(text).length(); }
 
 void QXDAOText::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
@@ -226,11 +242,22 @@ void QXDAOText::initWithText(OptionalStringView text) {
   processText();
 }
 
+std::unique_ptr<QXDAOText> QXDAOText::elementWithText(OptionalStringView text) {
+  if (!text) return std::make_unique<QXDAOText>();
+  const Expansion expansion(*text);
+  std::unique_ptr<QXDAOText> element(new (expansion.length()) QXDAOText);
+  expansion.writeTo(element->behind());
+  element->_lengthBehind = expansion.length();
+  return element;
+}
+
 void QXDAOText::processText() {
-  const std::string_view text = expression().value_or(std::string_view());
-  if (!mayHoldReference(text)) return;
-  ListReferenceScan<TextOutput> scan(text);
-  if (scan.run()) setExpression(scan.output().text());
+  const Expansion expansion(expression().value_or(std::string_view()));
+  if (!expansion.changes()) return;
+  CompactString expanded =
+      CompactString::filled(expansion.length(), [&expansion](char* room) { expansion.writeTo(room); });
+  _lengthBehind = notBehind;
+  _expression = std::move(expanded);
 }
 
 }  // namespace korvex

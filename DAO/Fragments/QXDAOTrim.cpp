@@ -25,9 +25,9 @@ QXDAOTrimOnVoidType onVoidOf(OptionalStringView value) {
 
 // The pieces between "|", untrimmed: one empty piece for an empty text, none for an absent one.
 std::vector<std::string> overridesOf(OptionalStringView value) {
-  if (!value) return {};
-  const std::vector<std::string_view> pieces = splitAt(*value, '|');
-  return {pieces.begin(), pieces.end()};
+  std::vector<std::string> pieces;
+  while (value) pieces.emplace_back(takePiece(value, '|'));
+  return pieces;
 }
 
 }  // namespace

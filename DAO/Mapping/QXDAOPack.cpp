@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "DAO/Core/Messages.h"
 #include "DAO/QXDAOElement.h"
 
@@ -24,14 +26,16 @@ void QXDAOPack::initWithXML(const XMLNode& xml) {
 }
 
 void QXDAOPack::readPropertyList(std::string_view properties) {
-  const std::vector<std::string_view> pieces = splitAt(properties, ',');
-  if (pieces.size() < fewestProperties) {
+  const auto count = 1 + static_cast<std::size_t>(std::count(properties.begin(), properties.end(), ','));
+  if (count < fewestProperties) {
     setError(filledFormat(Messages::tooFewPackProperties, column()));
     return;
   }
   _propertyList.emplace();
-  _propertyList->reserve(pieces.size());
-  for (const std::string_view piece : pieces) _propertyList->emplace_back(spaceBothEndsTrimmed(piece));
+  _propertyList->reserve(count);
+  for (OptionalStringView rest = properties; rest;) {
+    _propertyList->emplace_back(spaceBothEndsTrimmed(takePiece(rest, ',')));
+  }
 }
 
 }  // namespace korvex
