@@ -131,6 +131,7 @@ concept FixedEnumeration = std::is_enum_v<T> && requires {
 template <typename T>
 struct FieldAccess {
   static_assert(std::is_class_v<T>, "a model cannot have a field of this type");
+  static_assert(!std::is_same_v<T, NumberObject>, "a number can be absent: its field is an OptionalNumber");
   static constexpr const char* typeEncoding = objectTypeCode;
 };
 
@@ -249,8 +250,11 @@ class ModelDescription {
   template <typename Type, typename Owner>
   static std::ptrdiff_t offsetOf(Type Owner::*member) {
     static_assert(
-        requires(ModelObject * object) { static_cast<Described*>(object); },
-        "a model class cannot derive from ModelObject virtually: its offsets would vary");
+        requires(ModelObject * object, Owner * owner) {
+          static_cast<Described*>(object);
+          static_cast<Described*>(owner);
+        },
+        "a model class cannot derive from ModelObject or from a field's class virtually: its offsets would vary");
     alignas(Described) std::byte storage[sizeof(Described)];
     auto* object = reinterpret_cast<Described*>(storage);
     return reinterpret_cast<std::byte*>(&(object->*member)) -
