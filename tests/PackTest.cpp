@@ -75,6 +75,7 @@ TEST(Pack, WorkedExample) {
   EXPECT_EQ(read.nickname, "Jo");
   person.nickname.reset();
   EXPECT_EQ(pack->packWithObject(&person), bytes(workedExample).substr(0, 11));
+  EXPECT_GE(pack->packWithObject(&person)->capacity(), 1024U);
 }
 
 TEST(Pack, LayoutIsSortedAndKeptPerClass) {
@@ -82,8 +83,11 @@ TEST(Pack, LayoutIsSortedAndKeptPerClass) {
   const Employee employee;
   const auto pack = packOf("nickname,missing,Zeta,age,ages,friend,computed,age");
   EXPECT_EQ(pack->getClassInfoWithObject(nullptr), nullptr);
+  AllTypes unmet;
+  pack->unpackWithObject(&unmet, "");
   const QXDAOPackClassInfo* layout = pack->getClassInfoWithObject(&person);
   ASSERT_EQ(layout->count, 8);
+  EXPECT_EQ(layout->next, nullptr);
   const std::vector<std::pair<std::string, int>> wanted = {{"Zeta", 'd'}, {"age", 'i'},  {"age", 'i'},
                                                            {"ages", 'S'}, {"friend", 0}, {"nickname", -1}};
   for (std::size_t at = 0; at < wanted.size(); ++at) {
@@ -173,6 +177,8 @@ TEST(Pack, RecordsOfAnotherTypeThanTheField) {
            {"i", "9400", "0000C03F", "54000000C03F"},          // the bits
            {"i", "2300", "0A0B0C", "54000A0B0C00"},            // an unknown scalar: its bytes
            {"i", "FFFF", "0100000041", "540007000000"},        // a string: skipped
+           {"i", "2F00", "0102030405060708090A0B0C0D0E0F", "540001020304"},
+           {"i", "1000", "", "540000000000"},
            {"c", "A800", "0102030405060708", "110001"},
            {"flag", "1100", "02", "010001"},
            {"flag", "3200", "0001", "010000"},
@@ -181,6 +187,7 @@ TEST(Pack, RecordsOfAnotherTypeThanTheField) {
            {"text", "FFFF", "030000006100 62", "FFFF0100000061"},  // a zero byte is text, packing ends there
            {"number", "5400", "05000000", "540005000000"},
            {"number", "0100", "02", "010001"},
+           {"number", "0100", "00", "010000"},
            {"number", "2300", "0A0B0C", ""},            // an unknown scalar: absent
            {"number", "FFFF", "0100000041", "110009"},  // a string: skipped
            {"friend", "5400", "05000000", ""},
@@ -230,17 +237,22 @@ TEST(Pack, AnotherClassReadsTheSameValue) {
   pack->unpackWithObject(&person, *pack->packWithObject(&employee));
   EXPECT_EQ(person.age, 40);
   EXPECT_EQ(packOf("missing,other")->packWithObject(&person), "");
+  EXPECT_EQ(QXDAOPack().packWithObject(&person), "");
   EXPECT_EQ(packOf("age,age")->packWithObject(&person)->size(), 22U);
 }
 
 TEST(Pack, NamesTooLongForARecordAreNeverPacked) {
   LongNames object;
+  object.a = false;
   const auto pack = packOf(LongNames::fits + "," + LongNames::tooLong + ",fieldTooLong");
   const std::string value = *pack->packWithObject(&object);
   EXPECT_EQ(value.size(), 1 + 255 + 1 + 2 + 1U);
-  object.a = 0;
+  object.a = true;
   pack->unpackWithObject(&object, value);
-  EXPECT_EQ(object.a, 1);
+  EXPECT_FALSE(object.a);
+  // The name of a field in the attributes goes from the first ",V" to the next comma.
+  object.b = false;
+  EXPECT_EQ(hex(*packOf("cut,nothing")->packWithObject(&object)), record("cut", "0100", "00"));
 }
 
 // Every cut of a value applies the records before it and nothing of the one it goes through.
@@ -284,12 +296,14 @@ TEST(PackReader, SaysWhereAndWhyItEnds) {
   };
   const std::string age = record("age", "5400", "1E000000");
   for (const auto& [value, status, part, offset] : std::vector<Case>{
+           {age + "03", QXDAOPackReadStatus::Truncated, QXDAOPackPart::Name, 11},
            {age + "0361", QXDAOPackReadStatus::Truncated, QXDAOPackPart::Name, 11},
            {age + "01610054", QXDAOPackReadStatus::Truncated, QXDAOPackPart::Encode, 14},
            {age + "016100FFFF0100", QXDAOPackReadStatus::Truncated, QXDAOPackPart::StringLength, 16},
            {age + "016100FFFFFFFFFFFF41", QXDAOPackReadStatus::Truncated, QXDAOPackPart::String, 20},
            {age + "0161005400010203", QXDAOPackReadStatus::Truncated, QXDAOPackPart::Scalar, 16},
            {age + "0161000000", QXDAOPackReadStatus::Stopped, QXDAOPackPart::Encode, 14},
+           {age + "016100FEFF", QXDAOPackReadStatus::Stopped, QXDAOPackPart::Encode, 14},
            {age, QXDAOPackReadStatus::End, QXDAOPackPart::Scalar, 11},
        }) {
     SCOPED_TRACE(value);
@@ -301,6 +315,8 @@ TEST(PackReader, SaysWhereAndWhyItEnds) {
     EXPECT_EQ(read.encode, QXDAOPackEncodeInt32);
     EXPECT_EQ(read.bytesOffset, 7U);
     EXPECT_EQ(reader.next(read), status);
+    EXPECT_EQ(read.offset, 11U);
+    EXPECT_TRUE(read.bytes.empty());
     EXPECT_EQ(reader.next(read), status);
     EXPECT_EQ(reader.part(), part);
     EXPECT_EQ(reader.offset(), offset);

@@ -91,21 +91,23 @@ class AllTypes : public Model<AllTypes> {
   std::weak_ptr<AllTypes> companion;
 };
 
-// Names at the limit of a record and beyond it.
+// Names at the limit of a record and beyond it, and one that ends at a comma.
 class LongNames : public Model<LongNames> {
  public:
   static inline const std::string fits = std::string(255, 'a');
   static inline const std::string tooLong = std::string(256, 'b');
 
   static void describe(ModelDescription<LongNames>& model) {
-    model.property(fits, &LongNames::a, "_a");
+    model.property(fits, &LongNames::a, std::string(255, 'f'));
     model.property(tooLong, &LongNames::b, "_b");
     model.property("fieldTooLong", &LongNames::c, std::string(256, 'c'));
+    model.property("cut", &LongNames::d, "_b,V_d");
   }
 
   bool a = true;
   bool b = true;
   bool c = true;
+  bool d = true;
 };
 
 }  // namespace korvex
