@@ -34,6 +34,7 @@ class Holder : public Observer, public Model<Holder> {
 std::shared_ptr<ModelObject> objectIn(const ModelObject& object, const char* fieldName) {
   const ObjectValue value = getObjectField(object, *getField(getClass(object), fieldName));
   const auto* held = std::get_if<std::shared_ptr<ModelObject>>(&value);
+  EXPECT_TRUE(!held || *held);  // no object is absent, not a null one
   return held ? *held : nullptr;
 }
 
@@ -88,9 +89,11 @@ TEST(ModelClass, FieldsKeepTheirOwnershipRule) {
   for (const char* name : {"_strong", "_weak", "_raw"}) {
     set(name, std::make_shared<Holder>());  // not a Person
     EXPECT_EQ(objectIn(holder, name), nullptr) << name;
-    set(name, person);
-    set(name, std::string_view("text"));
-    EXPECT_EQ(objectIn(holder, name), nullptr) << name;
+    for (const ObjectValue& other : {ObjectValue(std::string_view("text")), ObjectValue(std::shared_ptr<Person>())}) {
+      set(name, person);
+      set(name, other);
+      EXPECT_EQ(objectIn(holder, name), nullptr) << name;
+    }
   }
   set("_weak", person);
   person.reset();
@@ -103,6 +106,7 @@ TEST(ModelClass, FieldsKeepTheirOwnershipRule) {
 
 TEST(NumberObject, RemembersItsType) {
   EXPECT_EQ(NumberObject(5L).typeCode(), 'q');
+  EXPECT_EQ(NumberObject('a').typeCode(), 'c');
   EXPECT_EQ(NumberObject(5UL).value<unsigned long long>(), 5ULL);
   EXPECT_EQ(NumberObject(5).value<long>(), std::nullopt);
   EXPECT_EQ(NumberObject(5L), NumberObject(5LL));
@@ -110,6 +114,7 @@ TEST(NumberObject, RemembersItsType) {
   EXPECT_EQ(NumberObject(0.0), NumberObject(-0.0));
   EXPECT_EQ(NumberObject(0.0F), NumberObject(-0.0F));
   EXPECT_FALSE(NumberObject(true) == NumberObject(false));
+  EXPECT_FALSE(NumberObject(256) == NumberObject(512));
 }
 
 }  // namespace

@@ -136,6 +136,7 @@ TEST(Pack, EveryTypeIsWrittenAndReadBack) {
   writes("text", &AllTypes::text, OptionalString(""), "FFFF00000000");
   writes("text", &AllTypes::text, OptionalString(), "");
   writes("plain", &AllTypes::plain, std::string("x"), "FFFF0100000078");
+  writes("plain", &AllTypes::plain, std::string(), "FFFF00000000");
   writes("number", &AllTypes::number, OptionalNumber(), "");
   writes("number", &AllTypes::number, OptionalNumber(NumberObject(true)), "010001");
   writes("number", &AllTypes::number, OptionalNumber(NumberObject(std::int8_t{-1})), "1100FF");
@@ -185,6 +186,7 @@ TEST(Pack, RecordsOfAnotherTypeThanTheField) {
            {"text", "1100", "01", "FFFF010000006B"},               // a scalar: skipped
            {"text", "FFFF", "01000000FF", ""},                     // not UTF-8: absent
            {"text", "FFFF", "030000006100 62", "FFFF0100000061"},  // a zero byte is text, packing ends there
+           {"plain", "FFFF", "01000000FF", "FFFF00000000"},        // absent is empty to it
            {"number", "5400", "05000000", "540005000000"},
            {"number", "0100", "02", "010001"},
            {"number", "0100", "00", "010000"},
@@ -195,7 +197,7 @@ TEST(Pack, RecordsOfAnotherTypeThanTheField) {
     SCOPED_TRACE(std::string(property) + " " + encode);
     AllTypes object;
     object.i = 7;
-    object.text = "k";
+    object.text = object.plain = "k";
     object.number = NumberObject(std::int8_t{9});
     pack(property)->unpackWithObject(&object, bytes(record(property, encode, content)));
     const std::string after = hex(*pack(property)->packWithObject(&object));
@@ -236,6 +238,10 @@ TEST(Pack, AnotherClassReadsTheSameValue) {
   Person person;
   pack->unpackWithObject(&person, *pack->packWithObject(&employee));
   EXPECT_EQ(person.age, 40);
+  person.companion = std::make_shared<Person>();  // no record reaches another object
+  packOf("age,friend")
+      ->unpackWithObject(&person, bytes(record("friend", "FFFF", "0100000041") + record("friend", "1100", "01")));
+  EXPECT_NE(person.companion, nullptr);
   EXPECT_EQ(packOf("missing,other")->packWithObject(&person), "");
   EXPECT_EQ(QXDAOPack().packWithObject(&person), "");
   EXPECT_EQ(packOf("age,age")->packWithObject(&person)->size(), 22U);

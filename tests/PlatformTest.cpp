@@ -1,6 +1,7 @@
 // The small rules that all elements share: strings, numbers, the spin lock, the document handles.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <mutex>
 #include <thread>
 #include <tuple>
@@ -79,7 +80,11 @@ TEST(SpinLock, KeepsHoldersApart) {
       ++counter;
     }
   };
+  lock.lock();
   std::thread other(count);
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(counter, 0);
+  lock.unlock();
   count();
   other.join();
   EXPECT_EQ(counter, 40000);
