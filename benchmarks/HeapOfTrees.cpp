@@ -1,0 +1,65 @@
+// The heap that element trees hold, and the allocations that make them.
+#include <pugixml.hpp>
+
+#include "benchmarks/Heap.h"
+#include "benchmarks/Measuring.h"
+
+namespace korvex::benchmarks {
+
+namespace {
+
+using Children = std::optional<QXDAOElementList>;
+
+constexpr const Children* noChildren = nullptr;
+
+template <typename Container>
+const Children* childrenAs(const QXDAOElement& element) {
+  const auto* container = QXDAOElementCast<Container>(&element);
+  return container ? &container->children() : noChildren;
+}
+
+template <typename... Containers>
+const Children* firstChildrenAs(const QXDAOElement& element) {
+  const Children* children = noChildren;
+  static_cast<void>(((children = childrenAs<Containers>(element)) || ...));
+  return children;
+}
+
+// The elements of a tree, texts among them.
+double countElements(const QXDAOElement& element) {
+  double count = 1;
+  const Children* children =
+      firstChildrenAs<QXDAOMethod, QXDAOMethodStep, QXDAOTry, QXDAOExcept, QXDAOCondition, QXDAOChoose, QXDAOTrim>(
+          element);
+  if (!children || !*children) return count;
+  for (const auto& child : **children) count += countElements(*child);
+  return count;
+}
+
+void measureTrees(Figures& figures) {
+  const HeapMeter meter;
+  const std::vector<Definition> definitions = load(document(), false);
+  const HeapUse use = meter.use();
+  figures["heap/trees"] = static_cast<double>(use.bytes);
+  figures["heap/allocations"] = static_cast<double>(use.allocations);
+  double& elements = figures["document/elements"];
+  for (const Definition& definition : definitions) elements += countElements(*definition.element);
+}
+
+void measurePugixml(Figures& figures) {
+  const HeapMeter meter;
+  pugi::xml_document parsed;
+  require(parsed.load_buffer(document().data(), document().size()), "pugixml refused the document");
+  figures["heap/pugixml"] = static_cast<double>(meter.use().bytes);
+}
+
+}  // namespace
+
+void measureHeap(Figures& figures) {
+  figures["document/bytes"] = static_cast<double>(document().size());
+  require(!load(document(), true).empty(), "there are no definitions");
+  measureTrees(figures);
+  measurePugixml(figures);
+}
+
+}  // namespace korvex::benchmarks

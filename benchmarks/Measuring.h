@@ -1,0 +1,58 @@
+// What the benchmarks share.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Loader/DefinitionLoader.h"
+#include "benchmarks/Figures.h"
+
+namespace korvex::benchmarks {
+
+// Ends the program: a figure about wrong results would be worse than none.
+inline void require(bool holds, std::string_view what) {
+  if (holds) return;
+  std::cerr << "korvex_benchmarks: " << what << '\n';
+  std::exit(1);
+}
+
+// Times make() alone; what it returns is destroyed outside the clock. For benchmarks that use manual
+// time.
+template <typename Make>
+void timeMaking(benchmark::State& state, Make make) {
+  using Clock = std::chrono::steady_clock;
+  for ([[maybe_unused]] auto iteration : state) {
+    const auto begin = Clock::now();
+    auto made = make();
+    benchmark::DoNotOptimize(made);
+    const auto end = Clock::now();
+    state.SetIterationTime(std::chrono::duration<double>(end - begin).count());
+  }
+}
+
+// From bytes to finished element trees, as an app does at its start.
+[[nodiscard]] inline std::vector<Definition> load(std::string_view bytes, bool strict) {
+  LoadOptions options;
+  options.strict = strict;
+  const Document::Result read = Document::fromBytes(bytes, options);
+  if (read.error) require(false, read.error->message + " in line " + std::to_string(read.error->position.line));
+  return loadDefinitions(*read.document);
+}
+
+// The believable document that most figures are about.
+[[nodiscard]] const std::string& document();
+
+// Each registers the benchmarks of its file, after it has checked that they give what they should.
+void registerLoading();
+void registerTexts();
+void registerPacking();
+// Counts elements, bytes and allocations at once.
+void measureHeap(Figures& figures);
+
+}  // namespace korvex::benchmarks
