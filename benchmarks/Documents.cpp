@@ -50,7 +50,7 @@ constexpr std::array<Form, 24> forms{{
     SELECT count(*) FROM #table #a WHERE #a.#column = :#property AND @live#Type
   </select>
 )xml"},
-    {4, R"xml(
+    {3, R"xml(
   <select id="newest#Type#n" result="long long">SELECT max(id) FROM #table</select>
 )xml"},
     {10, R"xml(
@@ -174,7 +174,7 @@ constexpr std::array<Form, 24> forms{{
     <![CDATA[ #a.#column IS NULL AND #a.id > 0 AND (#a.#column & 1) = 0 ]]>
   </sql>
 )xml"},
-    {4, R"xml(
+    {3, R"xml(
   <const #TYPE_LIMIT_#n="50"/>
 )xml"},
     {2, R"xml(
@@ -326,9 +326,9 @@ class DefinitionWriter {
     appendList([](std::string_view column) { return column; });
   }
   void appendProperties() { appendList(propertyOf); }
-  void appendConditions() { fillSeveral(conditionForms, 1, 4); }
-  void appendAssignments() { fillSeveral(assignmentForms, 2, 5); }
-  void appendResults() { fillSeveral(resultForms, 3, 8); }
+  void appendConditions() { fillSeveral(conditionForms, 1, 5); }
+  void appendAssignments() { fillSeveral(assignmentForms, 2, 7); }
+  void appendResults() { fillSeveral(resultForms, 4, 9); }
 
   std::mt19937_64 _random;
   std::string _number;

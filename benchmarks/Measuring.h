@@ -22,6 +22,9 @@ inline void require(bool holds, std::string_view what) {
   std::exit(1);
 }
 
+// The least time to measure, in seconds, where much more passes outside the clock.
+inline constexpr double timeOfSmallPart = 0.002;
+
 // Times make() alone; what it returns is destroyed outside the clock. For benchmarks that use manual
 // time.
 template <typename Make>

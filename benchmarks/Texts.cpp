@@ -28,9 +28,9 @@ void timeOnCopies(benchmark::State& state, const std::string& text, Work work) {
 
 template <typename Work>
 void registerText(const char* name, const std::string& text, Work work) {
-  benchmark::RegisterBenchmark(name, [text, work](benchmark::State& state) {
-    timeOnCopies(state, text, work);
-  })->UseManualTime();
+  benchmark::RegisterBenchmark(name, [text, work](benchmark::State& state) { timeOnCopies(state, text, work); })
+      ->UseManualTime()
+      ->MinTime(timeOfSmallPart);
 }
 
 void expand(OptionalString& text) {
