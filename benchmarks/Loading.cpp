@@ -50,11 +50,11 @@ void registerParse(const std::string& name, const Text& text, Parse parse) {
   })->UseManualTime();
 }
 
-void checkDefinitions(const std::string& name, const std::vector<Definition>& definitions) {
-  for (const Definition& definition : definitions) {
+void checkDefinitions(const std::string& name, const Loaded& loaded) {
+  for (const Definition& definition : loaded.definitions) {
     if (!definition.error) continue;
-    require(false, name + ", line " + std::to_string(definition.position.line) + ": " +
-                       std::string(definition.error->message()));
+    const std::string line = std::to_string(definition.position().line);
+    require(false, name + ", line " + line + ": " + std::string(definition.error->message()));
   }
 }
 

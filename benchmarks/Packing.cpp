@@ -13,11 +13,11 @@ using namespace std::string_view_literals;
 
 // A pack of these properties, built from its definition.
 std::unique_ptr<QXDAOPack> packOf(const std::string& properties) {
-  std::vector<Definition> definitions = load("<pack as=\"info\" properties=\"" + properties + "\"/>", true);
-  auto* pack = QXDAOElementCast<QXDAOPack>(definitions.front().element.get());
-  require(pack != nullptr, "the pack was refused");
-  static_cast<void>(definitions.front().element.release());
-  return std::unique_ptr<QXDAOPack>(pack);
+  const Loaded loaded = load("<pack as=\"info\" properties=\"" + properties + "\"/>", true);
+  auto pack = std::make_unique<QXDAOPack>();
+  pack->initWithXML(loaded.document->root());
+  require(pack->propertyList().has_value(), "the pack was refused");
+  return pack;
 }
 
 const QXDAOPack& personPack() {
