@@ -27,12 +27,22 @@ inline void require(bool holds, std::string_view what) {
 // The least time to measure, in seconds, where much more passes outside the clock.
 inline constexpr double timeOfSmallPart = 0.002;
 
+// Has malloc join the small blocks that were freed. The first large block that is asked for does so
+// anyway: without this the next measurement would pay for what the last one has freed.
+inline void settleHeap() {
+  constexpr std::size_t large = 100'000;
+  void* block = std::malloc(large);
+  benchmark::DoNotOptimize(block);
+  std::free(block);
+}
+
 // Times make() alone; what it returns is destroyed outside the clock. For benchmarks that use manual
 // time.
 template <typename Make>
 void timeMaking(benchmark::State& state, Make make) {
   using Clock = std::chrono::steady_clock;
   for ([[maybe_unused]] auto iteration : state) {
+    settleHeap();
     const auto begin = Clock::now();
     auto made = make();
     benchmark::DoNotOptimize(made);
