@@ -2,11 +2,20 @@
 
 namespace korvex {
 
+namespace {
+
+constexpr std::size_t usualTextLength = 200;
+
+}  // namespace
+
 void PlainText::append(std::string_view piece) {
   if (text().empty()) {
     _first = piece;
   } else {
-    if (_joined.empty()) _joined = _first;
+    if (_joined.empty()) {
+      _joined.reserve(usualTextLength);
+      _joined = _first;
+    }
     _joined.append(piece);
   }
 }

@@ -10,6 +10,8 @@ namespace korvex {
 
 namespace {
 
+constexpr std::size_t usualValueSize = 1024;
+
 std::span<const QXDAOPackPropertyInfo> entriesOf(const QXDAOPackClassInfo& layout) {
   return {layout.properties, static_cast<std::size_t>(layout.count)};
 }
@@ -102,7 +104,9 @@ class RecordWriter {
 std::optional<std::string> QXDAOPack::packWithObject(const ModelObject* object) const {
   const QXDAOPackClassInfo* layout = getClassInfoWithObject(object);
   if (!layout) return std::nullopt;
-  std::optional<std::string> value(std::in_place, mostBytes(*layout, *object), '\0');
+  std::optional<std::string> value(std::in_place);
+  value->reserve(usualValueSize);
+  value->resize(mostBytes(*layout, *object));
   RecordWriter writer(value->data());
   for (const QXDAOPackPropertyInfo& entry : entriesOf(*layout)) writer.write(entry, *object);
   value->resize(static_cast<std::size_t>(writer.end() - value->data()));
