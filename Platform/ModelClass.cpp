@@ -12,8 +12,9 @@ const Entry* declared(const ModelClass& modelClass, std::vector<Entry> ModelClas
   for (const ModelClass* level = &modelClass; level; level = level->superclass) {
     const std::vector<Entry>& entries = level->*list;
     const auto found =
-        std::find_if(entries.begin(), entries.end(), [name](const Entry& entry) { return entry.name == name; });
-    if (found != entries.end()) return &*found;
+        std::lower_bound(entries.begin(), entries.end(), name,
+                         [](const Entry& entry, std::string_view wanted) { return entry.name < wanted; });
+    if (found != entries.end() && found->name == name) return &*found;
   }
   return nullptr;
 }
@@ -44,7 +45,18 @@ std::optional<Value> valueAs(const ObjectValue& value) {
   return wanted ? std::optional<Value>(*wanted) : std::nullopt;
 }
 
+template <typename Entry>
+void sortByName(std::vector<Entry>& entries) {
+  std::stable_sort(entries.begin(), entries.end(),
+                   [](const Entry& first, const Entry& second) { return first.name < second.name; });
+}
+
 }  // namespace
+
+void sortByName(ModelClass& modelClass) {
+  sortByName(modelClass.properties);
+  sortByName(modelClass.fields);
+}
 
 const ModelClass& getClass(const ModelObject& object) { return object.modelClass(); }
 

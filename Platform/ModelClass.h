@@ -90,9 +90,12 @@ struct ModelProperty {
 // The description of one class; built by Model, never changed afterwards.
 struct ModelClass {
   const ModelClass* superclass = nullptr;  // null when no other model class is derived from
-  std::vector<ModelProperty> properties;
+  std::vector<ModelProperty> properties;   // both in the order of their names
   std::vector<ModelField> fields;
 };
+
+// Puts the lists of a class in order; of several entries of one name the first described stays first.
+void sortByName(ModelClass& modelClass);
 
 // ---------------------------------------------------------------------------------------------
 // Introspection. Names are compared exactly; a class is searched before its ancestors, and null
@@ -152,8 +155,8 @@ struct FieldAccess<OptionalString> {
   static Value get(const OptionalString& field) { return field; }
   static void set(OptionalString& field, const Value& value) {
     if (!value) return field.reset();
-    if (!field) field.emplace();
-    field->assign(*value);
+    if (field) return static_cast<void>(field->assign(*value));
+    field.emplace(*value);
   }
 };
 
@@ -284,6 +287,7 @@ class Model : public Base {
     if constexpr (!std::is_same_v<Base, ModelObject>) modelClass->superclass = &Base::describedClass();
     ModelDescription<Described> description(*modelClass);
     Described::describe(description);
+    sortByName(*modelClass);
     return modelClass;
   }
 };

@@ -65,6 +65,9 @@ class NumberObject {
     std::memcpy(_bytes.data(), &value, sizeof value);
   }
 
+  // The value of a type code that a number object reports, from its own bytes in the low bits.
+  static NumberObject fromBits(char typeCode, std::uint64_t bits) { return {typeCode, bits}; }
+
   [[nodiscard]] char typeCode() const { return _typeCode; }
   // The value as a Scalar when that is its type; absent otherwise, nothing is converted.
   template <BoxableScalar Scalar>
@@ -80,6 +83,10 @@ class NumberObject {
   friend bool operator==(const NumberObject& left, const NumberObject& right);
 
  private:
+  NumberObject(char typeCode, std::uint64_t bits) : _typeCode(typeCode) {
+    std::memcpy(_bytes.data(), &bits, sizeof bits);
+  }
+
   alignas(std::uint64_t) std::array<std::byte, sizeof(std::uint64_t)> _bytes{};
   char _typeCode;
 };

@@ -1,6 +1,7 @@
 // The scalar types of packed values: type codes and encodes, both ways.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -62,6 +63,26 @@ inline void copyScalar(void* target, const void* source, std::size_t width) {
     default:
       std::memcpy(target, source, width);
   }
+}
+
+// Whether two names of one length are the same, in words that may overlap.
+template <typename Word>
+[[nodiscard]] bool sameWords(const char* first, const char* second, std::size_t count) {
+  for (std::size_t at = 0; at < count; at += sizeof(Word)) {
+    at = std::min(at, count - sizeof(Word));
+    Word left;
+    Word right;
+    std::memcpy(&left, first + at, sizeof left);
+    std::memcpy(&right, second + at, sizeof right);
+    if (left != right) return false;
+  }
+  return true;
+}
+
+[[nodiscard]] inline bool sameBytes(const char* first, const char* second, std::size_t count) {
+  if (count >= sizeof(std::uint64_t)) return sameWords<std::uint64_t>(first, second, count);
+  if (count >= sizeof(std::uint32_t)) return sameWords<std::uint32_t>(first, second, count);
+  return sameWords<std::uint8_t>(first, second, count);
 }
 
 // The bytes of a record before its value: the name's length, the name, a zero byte, the encode.

@@ -17,26 +17,10 @@ bool endsReading(QXDAOPackEncode encode) {
 
 }  // namespace
 
-QXDAOPackReadStatus QXDAOPackReader::next(QXDAOPackRecord& record) {
-  if (_status != QXDAOPackReadStatus::Record) return _status;
-  record = {};
-  record.offset = _at;
-  if (_at == _value.size()) return _status = QXDAOPackReadStatus::End;
-  if (!takeName(record.name) || !takeInteger(QXDAOPackPart::Encode, record.encode)) {
-    return _status = QXDAOPackReadStatus::Truncated;
-  }
-  if (endsReading(record.encode)) {
-    _at -= sizeof record.encode;
-    return _status = QXDAOPackReadStatus::Stopped;
-  }
-  if (!takeValue(record)) _status = QXDAOPackReadStatus::Truncated;
-  return _status;
-}
-
 bool QXDAOPackReader::take(QXDAOPackPart part, std::size_t count, std::string_view& bytes) {
   _part = part;
   if (count > _value.size() - _at) return false;
-  bytes = _value.substr(_at, count);
+  bytes = std::string_view(_value.data() + _at, count);
   _at += count;
   return true;
 }
@@ -55,7 +39,7 @@ bool QXDAOPackReader::takeName(std::string_view& name) {
   const std::size_t length = static_cast<QXDAOPackNameLengthType>(_value[_at]);
   std::string_view bytes;
   if (!take(QXDAOPackPart::Name, length + 2, bytes)) return false;
-  name = bytes.substr(1, length);
+  name = std::string_view(bytes.data() + 1, length);
   return true;
 }
 
@@ -68,6 +52,22 @@ bool QXDAOPackReader::takeValue(QXDAOPackRecord& record) {
   if (!takeInteger(QXDAOPackPart::StringLength, length)) return false;
   record.bytesOffset = _at;
   return take(QXDAOPackPart::String, length, record.bytes);
+}
+
+QXDAOPackReadStatus QXDAOPackReader::next(QXDAOPackRecord& record) {
+  if (_status != QXDAOPackReadStatus::Record) return _status;
+  record = {};
+  record.offset = _at;
+  if (_at == _value.size()) return _status = QXDAOPackReadStatus::End;
+  if (!takeName(record.name) || !takeInteger(QXDAOPackPart::Encode, record.encode)) {
+    return _status = QXDAOPackReadStatus::Truncated;
+  }
+  if (endsReading(record.encode)) {
+    _at -= sizeof record.encode;
+    return _status = QXDAOPackReadStatus::Stopped;
+  }
+  if (!takeValue(record)) _status = QXDAOPackReadStatus::Truncated;
+  return _status;
 }
 
 }  // namespace korvex

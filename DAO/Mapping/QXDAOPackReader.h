@@ -43,11 +43,11 @@ class QXDAOPackReader {
 
  private:
   // Each reads one part and moves past it; false, without moving, when the value ends inside it.
-  [[nodiscard]] bool take(QXDAOPackPart part, std::size_t count, std::string_view& bytes);
+  [[nodiscard]] inline bool take(QXDAOPackPart part, std::size_t count, std::string_view& bytes);
   template <typename Integer>
-  [[nodiscard]] bool takeInteger(QXDAOPackPart part, Integer& integer);
-  [[nodiscard]] bool takeName(std::string_view& name);
-  [[nodiscard]] bool takeValue(QXDAOPackRecord& record);
+  [[nodiscard]] inline bool takeInteger(QXDAOPackPart part, Integer& integer);
+  [[nodiscard]] inline bool takeName(std::string_view& name);
+  [[nodiscard]] inline bool takeValue(QXDAOPackRecord& record);
 
   std::string_view _value;
   std::size_t _at = 0;

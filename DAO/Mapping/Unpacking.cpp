@@ -6,7 +6,6 @@
 #include "DAO/Mapping/PackEncode.h"
 #include "DAO/Mapping/QXDAOPackReader.h"
 #include "DAO/QXDAOElement.h"
-#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -30,8 +29,8 @@ class EntryFinder {
 
  private:
   [[nodiscard]] bool isAt(std::size_t place, std::string_view name) const {
-    return place < _entries.size() && _entries[place].name &&
-           std::string_view(_entries[place].name, _entries[place].length) == name;
+    return place < _entries.size() && _entries[place].name && _entries[place].length == name.size() &&
+           sameBytes(_entries[place].name, name.data(), name.size());
   }
 
   // Where the name is or would be.
@@ -48,54 +47,57 @@ class EntryFinder {
   std::size_t _next = 0;
 };
 
-// A scalar's bytes in the low bytes, zeros above: no scalar is wider.
-std::uint64_t scalarBits(std::string_view bytes) {
+template <typename Bytes>
+std::uint64_t readAs(const char* bytes) {
+  Bytes read;
+  std::memcpy(&read, bytes, sizeof read);
+  return read;
+}
+
+std::uint64_t unusualBits(std::string_view bytes) {
   std::uint64_t bits = 0;
-  copyScalar(&bits, bytes.data(), std::min(bytes.size(), sizeof bits));
+  std::memcpy(&bits, bytes.data(), std::min(bytes.size(), sizeof bits));
   return bits;
 }
 
-template <typename Scalar>
-OptionalNumber boxed(std::uint64_t bits) {
-  Scalar value;
-  std::memcpy(&value, &bits, sizeof value);
-  return NumberObject(value);
+// A scalar's bytes in the low bytes, zeros above; of more than eight bytes the first eight. Read by
+// its own width and widened in a register: written into a wider variable it would be read back from
+// two stores, which the processor waits for.
+std::uint64_t scalarBits(std::string_view bytes) {
+  switch (bytes.size()) {
+    case sizeof(std::uint8_t):
+      return readAs<std::uint8_t>(bytes.data());
+    case sizeof(std::uint16_t):
+      return readAs<std::uint16_t>(bytes.data());
+    case sizeof(std::uint32_t):
+      return readAs<std::uint32_t>(bytes.data());
+    case sizeof(std::uint64_t):
+      return readAs<std::uint64_t>(bytes.data());
+    default:
+      return unusualBits(bytes);
+  }
 }
 
-template <>
-OptionalNumber boxed<bool>(std::uint64_t bits) {
-  return NumberObject(bits != 0);
+// The type codes of numbers in the order of the encodes' type indexes.
+constexpr std::string_view numberTypeCodes = "BcCsSiIqQfd";
+
+// A bool takes any byte but 0 as true, since it can hold nothing else; of a longer value the low
+// bytes are taken.
+std::uint64_t bitsFor(QXDAOPackEncode encode, std::uint64_t bits) {
+  const std::uint64_t kept = bits & (~std::uint64_t{0} >> (64 - 8 * valueBytes(encode)));
+  return encode == QXDAOPackEncodeBOOL && kept != 0 ? 1 : kept;
 }
-
-struct NumberMaker {
-  QXDAOPackEncode encode;
-  OptionalNumber (*box)(std::uint64_t bits);
-};
-
-constexpr std::array<NumberMaker, 11> numberMakers = {{
-    {QXDAOPackEncodeBOOL, boxed<bool>},
-    {QXDAOPackEncodeInt8, boxed<std::int8_t>},
-    {QXDAOPackEncodeUInt8, boxed<std::uint8_t>},
-    {QXDAOPackEncodeInt16, boxed<std::int16_t>},
-    {QXDAOPackEncodeUInt16, boxed<std::uint16_t>},
-    {QXDAOPackEncodeInt32, boxed<std::int32_t>},
-    {QXDAOPackEncodeUInt32, boxed<std::uint32_t>},
-    {QXDAOPackEncodeInt64, boxed<long long>},
-    {QXDAOPackEncodeUInt64, boxed<unsigned long long>},
-    {QXDAOPackEncodeFloat, boxed<float>},
-    {QXDAOPackEncodeDouble, boxed<double>},
-}};
 
 // The number of a record; absent for an encode that is none of the known scalars.
 OptionalNumber numberOf(QXDAOPackEncode encode, std::uint64_t bits) {
-  const NumberMaker* maker = rowWith(numberMakers, &NumberMaker::encode, encode);
-  return maker ? maker->box(bits) : std::nullopt;
+  const auto index = static_cast<std::size_t>(encode) >> 4U;
+  if (index >= numberTypeCodes.size() || convertEncode(numberTypeCodes[index]) != encode) return std::nullopt;
+  return NumberObject::fromBits(numberTypeCodes[index], bitsFor(encode, bits));
 }
 
-// The field's own width decides: a shorter value is extended by zeros, of a longer one the low
-// bytes are taken. A bool takes any byte but 0 as true, since it can hold nothing else.
+// The field's own width decides: a shorter value is extended by zeros.
 void storeScalar(char* field, QXDAOPackEncode encode, std::uint64_t bits) {
-  if (encode == QXDAOPackEncodeBOOL) bits = (bits & 0xFFU) != 0 ? 1 : 0;
+  bits = bitsFor(encode, bits);
   copyScalar(field, &bits, valueBytes(encode));
 }
 
