@@ -46,17 +46,19 @@ std::optional<Value> valueAs(const ObjectValue& value) {
 }
 
 template <typename Entry>
-void sortByName(std::vector<Entry>& entries) {
-  std::stable_sort(entries.begin(), entries.end(),
-                   [](const Entry& first, const Entry& second) { return first.name < second.name; });
+void addByName(std::vector<Entry>& entries, Entry&& entry) {
+  const auto place = std::upper_bound(entries.begin(), entries.end(), entry.name,
+                                      [](const std::string& name, const Entry& other) { return name < other.name; });
+  entries.insert(place, std::move(entry));
 }
 
 }  // namespace
 
-void sortByName(ModelClass& modelClass) {
-  sortByName(modelClass.properties);
-  sortByName(modelClass.fields);
+void addEntry(std::vector<ModelProperty>& properties, ModelProperty property) {
+  addByName(properties, std::move(property));
 }
+
+void addEntry(std::vector<ModelField>& fields, ModelField field) { addByName(fields, std::move(field)); }
 
 const ModelClass& getClass(const ModelObject& object) { return object.modelClass(); }
 

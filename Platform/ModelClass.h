@@ -94,8 +94,9 @@ struct ModelClass {
   std::vector<ModelField> fields;
 };
 
-// Puts the lists of a class in order; of several entries of one name the first described stays first.
-void sortByName(ModelClass& modelClass);
+// Puts an entry in its place of a class's list; of several of one name the first described counts.
+void addEntry(std::vector<ModelProperty>& properties, ModelProperty property);
+void addEntry(std::vector<ModelField>& fields, ModelField field);
 
 // ---------------------------------------------------------------------------------------------
 // Introspection. Names are compared exactly; a class is searched before its ancestors, and null
@@ -223,8 +224,8 @@ class ModelDescription {
   void property(const std::string& name, Type Owner::*member, std::string fieldName = {}) {
     static_assert(std::derived_from<Described, Owner>);
     if (fieldName.empty()) fieldName = "_" + name;
-    _class.properties.push_back({name, attributesOf<Type>() + ",V" + fieldName});
-    _class.fields.push_back({std::move(fieldName), FieldAccess<Type>::typeEncoding, offsetOf(member),
+    addEntry(_class.properties, {name, attributesOf<Type>() + ",V" + fieldName});
+    addEntry(_class.fields, {std::move(fieldName), FieldAccess<Type>::typeEncoding, offsetOf(member),
                              operations<Type, OptionalStringView>(), operations<Type, OptionalNumber>(),
                              operations<Type, std::shared_ptr<ModelObject>>()});
   }
@@ -232,7 +233,7 @@ class ModelDescription {
   // A property that is computed.
   template <typename Type>
   void propertyWithoutField(const std::string& name) {
-    _class.properties.push_back({name, attributesOf<Type>()});
+    addEntry(_class.properties, {name, attributesOf<Type>()});
   }
 
  private:
@@ -287,7 +288,6 @@ class Model : public Base {
     if constexpr (!std::is_same_v<Base, ModelObject>) modelClass->superclass = &Base::describedClass();
     ModelDescription<Described> description(*modelClass);
     Described::describe(description);
-    sortByName(*modelClass);
     return modelClass;
   }
 };

@@ -32,12 +32,17 @@ inline constexpr std::array<PackScalar, 13> packScalars = {{
     {'d', QXDAOPackEncodeDouble},
 }};
 
+// The same by type code, which is ASCII.
+inline constexpr auto encodesByTypeCode = [] {
+  std::array<QXDAOPackEncode, 128> table{};
+  for (const PackScalar& scalar : packScalars) table[static_cast<std::size_t>(scalar.typeCode)] = scalar.encode;
+  return table;
+}();
+
 // The encode of a scalar type code; QXDAOPackEncodeNone for any other code.
 [[nodiscard]] constexpr QXDAOPackEncode convertEncode(int typeCode) {
-  for (const PackScalar& scalar : packScalars) {
-    if (scalar.typeCode == typeCode) return scalar.encode;
-  }
-  return QXDAOPackEncodeNone;
+  const auto index = static_cast<std::size_t>(typeCode);
+  return index < encodesByTypeCode.size() ? encodesByTypeCode[index] : QXDAOPackEncodeNone;
 }
 
 // How many bytes a value of that encode takes; for positive encodes, known or not.
