@@ -19,9 +19,11 @@ bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 bool isWhiteSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
+bool isNotASCII(char character) { return static_cast<unsigned char>(character) >= 0x80U; }
+
 bool startsName(char character) {
   const bool ascii = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-  return ascii || character == '_' || character == '$' || static_cast<unsigned char>(character) >= 0x80U;
+  return ascii || character == '_' || character == '$' || isNotASCII(character);
 }
 
 bool continuesName(char character) { return startsName(character) || isDigit(character); }
@@ -42,6 +44,7 @@ bool characterAt(std::string_view text, std::size_t at, std::string_view wanted)
 constexpr std::array<std::string_view, 5> lookalikes = {"\u00A0", "\u2018", "\u2019", "\u201C", "\u201D"};
 
 bool holdsLookalike(std::string_view name) {
+  if (std::none_of(name.begin(), name.end(), isNotASCII)) return false;
   return std::any_of(lookalikes.begin(), lookalikes.end(),
                      [name](std::string_view character) { return name.find(character) != std::string_view::npos; });
 }
@@ -92,8 +95,9 @@ std::size_t lengthOfString(std::string_view text) {
 }
 
 std::size_t lengthOfOperator(std::string_view text) {
-  const auto* found = std::find_if(operators.begin(), operators.end(),
-                                   [text](std::string_view symbol) { return text.starts_with(symbol); });
+  const auto* found = std::find_if(operators.begin(), operators.end(), [text](std::string_view symbol) {
+    return text.front() == symbol.front() && text.starts_with(symbol);
+  });
   return found == operators.end() ? 0 : found->size();
 }
 
