@@ -1,0 +1,1 @@
+INSERT INTO t (%{'*', id, name}) VALUES (%{'?', id, name})
