@@ -128,6 +128,24 @@ TEST(Elements, EngineSlotsStartEmptyAndKeepWhatTheyGet) {
   text->setSpeedyList(std::move(list));
   EXPECT_EQ(text->speedyList()->size(), 1U);
   EXPECT_TRUE(method->arguments() && method->arguments()->empty());
+  EXPECT_FALSE(QXDAOMethodArgument().notNull());
+}
+
+// Engines store these numbers and are built apart from this library.
+TEST(Elements, NumbersOfEnumeratorsNeverChange) {
+  const std::vector<std::vector<std::uint64_t>> enumerations = {
+      {QXDAOOperationSelect, QXDAOOperationUpdate, QXDAOOperationInsert, QXDAOOperationDelete, QXDAOOperationUpgrade},
+      {QXDAOSelectResultTypeInt, QXDAOSelectResultTypeLongLong, QXDAOSelectResultTypeBool, QXDAOSelectResultTypeDouble,
+       QXDAOSelectResultTypeString, QXDAOSelectResultTypeBinary, QXDAOSelectResultTypeColumnMap,
+       QXDAOSelectResultTypeObject, QXDAOSelectResultTypeMappedObject},
+      {QXDAOConditionTypeIf, QXDAOConditionTypeWhen, QXDAOConditionTypeOtherwise},
+      {QXDAOTrimOnVoidTypeNone, QXDAOTrimOnVoidTypeQuit, QXDAOTrimOnVoidTypeIgnoreAfter},
+      {QXDAOTextSpeedyStatusNone, QXDAOTextSpeedyStatusValid, QXDAOTextSpeedyStatusInvalid},
+      {QXDAOTokenTypeName, QXDAOTokenTypeNumber, QXDAOTokenTypeString, QXDAOTokenTypeOperator, QXDAOTokenTypeBracket},
+  };
+  for (const auto& numbers : enumerations) {
+    for (std::size_t number = 0; number < numbers.size(); ++number) EXPECT_EQ(numbers[number], number);
+  }
 }
 
 TEST(Elements, TreesAreBuiltOnSeveralThreadsFromOneDocument) {

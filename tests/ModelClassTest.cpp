@@ -104,6 +104,25 @@ TEST(ModelClass, FieldsKeepTheirOwnershipRule) {
   EXPECT_FALSE(holder.crypted || objectIn(holder, "_list"));
 }
 
+TEST(ModelClass, TextsAndNumbersAreReplaced) {
+  AllTypes object;
+  object.fill();
+  const auto set = [&object](const char* name, const ObjectValue& value) {
+    const ModelField& field = *getField(getClass(object), name);
+    setObjectField(object, field, value);
+    return getObjectField(object, field);
+  };
+  const ObjectValue text = std::string_view("t");
+  const ObjectValue number = NumberObject(1.5);
+  EXPECT_EQ(set("_text", text), text);
+  EXPECT_EQ(set("_plain", text), text);
+  EXPECT_EQ(set("_number", number), number);
+  // A value of another kind counts as absent; a std::string has no such state.
+  EXPECT_EQ(set("_text", number), ObjectValue());
+  EXPECT_EQ(set("_plain", number), ObjectValue(std::string_view()));
+  EXPECT_EQ(set("_number", text), ObjectValue());
+}
+
 TEST(NumberObject, RemembersItsType) {
   EXPECT_EQ(NumberObject(5L).typeCode(), 'q');
   EXPECT_EQ(NumberObject('a').typeCode(), 'c');

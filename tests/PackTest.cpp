@@ -177,6 +177,7 @@ TEST(Pack, RecordsOfAnotherTypeThanTheField) {
            {"i", "7800", "0102030405060708", "540001020304"},  // the low bytes
            {"i", "9400", "0000C03F", "54000000C03F"},          // the bits
            {"i", "2300", "0A0B0C", "54000A0B0C00"},            // an unknown scalar: its bytes
+           {"i", "1000", "", "540000000000"},                  // of no bytes: zero
            {"i", "FFFF", "0100000041", "540007000000"},        // a string: skipped
            {"i", "2F00", "0102030405060708090A0B0C0D0E0F", "540001020304"},
            {"i", "1000", "", "540000000000"},
@@ -324,6 +325,9 @@ TEST(PackReader, SaysWhereAndWhyItEnds) {
     EXPECT_EQ(read.offset, 11U);
     EXPECT_TRUE(read.bytes.empty());
     EXPECT_EQ(reader.next(read), status);
+    const bool contentBegan =
+        status == QXDAOPackReadStatus::Truncated && (part == QXDAOPackPart::String || part == QXDAOPackPart::Scalar);
+    EXPECT_EQ(read.bytesOffset, contentBegan ? offset : 0U);
     EXPECT_EQ(reader.part(), part);
     EXPECT_EQ(reader.offset(), offset);
   }
