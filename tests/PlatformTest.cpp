@@ -52,6 +52,70 @@ TEST(Strings, CountsUTF16Units) {
   EXPECT_EQ(lengthOfCharacterBefore("\x9F\x98\x80", 3), 1U);
 }
 
+// The borders of every range of bytes that characters are made of, alone and amid plain text.
+TEST(Strings, KnowsUTF8) {
+  const auto isValidAmidText = [](const std::string& text, std::size_t before) {
+    return isValidUTF8(std::string(before, 'a') + text + "b");
+  };
+  for (const std::string text :
+       {"", "\x7F", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xE0\xBF\xBF", "\xE1\x80\x80", "\xEC\xBF\xBF",
+        "\xED\x80\x80", "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF0\xBF\xBF\xBF",
+        "\xF1\x80\x80\x80", "\xF3\xBF\xBF\xBF", "\xF4\x80\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_TRUE(isValidUTF8(text)) << testing::PrintToString(text);
+    EXPECT_EQ(text.empty() ? 0 : lengthOfCharacterBefore("a" + text, text.size() + 1), text.size());
+    for (std::size_t before = 0; before < 20; ++before) EXPECT_TRUE(isValidAmidText(text, before)) << before;
+  }
+  for (const std::string text : {"\x80",
+                                 "\xBF",
+                                 "\xC0\x80",
+                                 "\xC1\xBF",
+                                 "\xC2",
+                                 "\xC2\x7F",
+                                 "\xDF\xC0",
+                                 "\xE0\x9F\xBF",
+                                 "\xE0\xC0\x80",
+                                 "\xE1\x80",
+                                 "\xE1\x7F\x80",
+                                 "\xE1\x80\x7F",
+                                 "\xE1\x80\xC0",
+                                 "\xEC\xC0\x80",
+                                 "\xED\x7F\x80",
+                                 "\xED\xA0\x80",
+                                 "\xEE\x7F\x80",
+                                 "\xEF\xC0\x80",
+                                 "\xF0\x8F\xBF\xBF",
+                                 "\xF0\xC0\x80\x80",
+                                 "\xF1\x7F\x80\x80",
+                                 "\xF3\xC0\x80\x80",
+                                 "\xF1\x80\x80",
+                                 "\xF1\x80\x80\x7F",
+                                 "\xF1\x80\xC0\x80",
+                                 "\xF4\x7F\x80\x80",
+                                 "\xF4\x90\x80\x80",
+                                 "\xF5\x80\x80\x80",
+                                 "\xFF"}) {
+    EXPECT_FALSE(isValidUTF8(text)) << testing::PrintToString(text);
+    for (std::size_t before = 0; before < 20; ++before) EXPECT_FALSE(isValidAmidText(text, before)) << before;
+  }
+}
+
+TEST(Strings, FindsTheOneByteThatIsNotPlain) {
+  for (std::size_t length = 1; length < 40; ++length) {
+    std::string text(length, '\x7F');
+    EXPECT_TRUE(isASCIIWithoutZero(text));
+    for (const char odd : {'\0', '\x80', '\xFF'}) {
+      for (std::size_t at = 0; at < length; ++at) {
+        text[at] = odd;
+        EXPECT_FALSE(isASCIIWithoutZero(text)) << length << ", " << at;
+        text[at] = '\1';
+      }
+    }
+    EXPECT_TRUE(isASCIIWithoutZero(text));
+  }
+  EXPECT_TRUE(isASCIIWithoutZero(""));
+  EXPECT_EQ(asciiLowerCase("@AZ[`az{\xC3\x89"), "@az[`az{\xC3\x89");
+}
+
 TEST(NumberScanner, TakesDecimalsOnly) {
   const std::vector<std::tuple<const char*, double>> numbers = {{"2", 2},
                                                                 {" 2.5 ", 2.5},
