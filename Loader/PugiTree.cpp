@@ -141,15 +141,21 @@ pugi::xml_node PugiTree::arrangeText(pugi::xml_node text, bool keepWhiteSpace) {
 
 pugi::xml_node PugiTree::arrangeRun(pugi::xml_node first, bool keepWhiteSpace) {
   std::string joined;
+  std::size_t begin = offsetOf(first);
   pugi::xml_node last;
   for (pugi::xml_node text = first; isText(text); text = text.next_sibling()) {
-    if (isCDATA(text) && !isPCDATA(last)) joined += whiteSpaceBefore(offsetOf(text), keepWhiteSpace);
+    if (isCDATA(text) && !isPCDATA(last)) {
+      const std::string_view before = whiteSpaceBefore(offsetOf(text), keepWhiteSpace);
+      joined += withLineFeeds(before);
+      if (text == first) begin -= before.size();
+    }
     joined += text.value();
     last = text;
   }
   const pugi::xml_node next = last.next_sibling();
-  if (isCDATA(last)) joined += whiteSpaceAfter(_source.text().find("]]>", offsetOf(last)) + 3, keepWhiteSpace);
-  _joinedTexts.emplace(handleOf(first), offsetOf(first));
+  if (isCDATA(last))
+    joined += withLineFeeds(whiteSpaceAfter(_source.text().find("]]>", offsetOf(last)) + 3, keepWhiteSpace));
+  _joinedTexts.emplace(handleOf(first), begin);
   while (first.next_sibling() != next) first.parent().remove_child(first.next_sibling());
   first.set_value(joined.c_str());
   finishText(first, keepWhiteSpace);
@@ -163,15 +169,15 @@ void PugiTree::finishText(pugi::xml_node text, bool keepWhiteSpace) {
 }
 
 // Where white space alone counts, the parser has made texts of it.
-std::string PugiTree::whiteSpaceBefore(std::size_t offset, bool parsed) const {
+std::string_view PugiTree::whiteSpaceBefore(std::size_t offset, bool parsed) const {
   const std::string_view before = _source.text().substr(0, parsed ? 0 : offset);
-  return withLineFeeds(before.substr(before.find_last_not_of(whiteSpace) + 1));
+  return before.substr(before.find_last_not_of(whiteSpace) + 1);
 }
 
-std::string PugiTree::whiteSpaceAfter(std::size_t offset, bool parsed) const {
+std::string_view PugiTree::whiteSpaceAfter(std::size_t offset, bool parsed) const {
   const std::string_view after = _source.text().substr(offset, parsed ? 0 : std::string_view::npos);
   const std::size_t end = std::min(after.find_first_not_of(whiteSpace), after.size());
-  return after.substr(end).starts_with('<') ? withLineFeeds(after.substr(0, end)) : std::string();
+  return after.substr(end).starts_with('<') ? after.substr(0, end) : std::string_view();
 }
 
 std::size_t PugiTree::offsetOf(const char* parsed) const { return static_cast<std::size_t>(parsed - _buffer.data()); }

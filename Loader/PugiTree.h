@@ -54,8 +54,8 @@ class PugiTree final : public XMLTree {
   [[nodiscard]] pugi::xml_node arrangeRun(pugi::xml_node first, bool keepWhiteSpace);
   void finishText(pugi::xml_node text, bool keepWhiteSpace);
   // The white space that ends or begins at an offset of the source; none when it was parsed as text.
-  [[nodiscard]] std::string whiteSpaceBefore(std::size_t offset, bool parsed) const;
-  [[nodiscard]] std::string whiteSpaceAfter(std::size_t offset, bool parsed) const;
+  [[nodiscard]] std::string_view whiteSpaceBefore(std::size_t offset, bool parsed) const;
+  [[nodiscard]] std::string_view whiteSpaceAfter(std::size_t offset, bool parsed) const;
   [[nodiscard]] DocumentError tooDeep(pugi::xml_node element, const LoadOptions& options) const;
   // Where in the text a name or a value was parsed, and where the markup of a node begins.
   [[nodiscard]] std::size_t offsetOf(const char* parsed) const;

@@ -343,7 +343,7 @@ TEST(SourceText, LongLines) {
 }
 
 TEST(Document, NodesKnowWhereTheirMarkupBegins) {
-  const auto result = Document::fromBytes("\xEF\xBB\xBF<é>\r\n x<![CDATA[y]]><b\n/><!--c--><?p?><![CDATA[z]]>é</é>");
+  const auto result = Document::fromBytes("\xEF\xBB\xBF<é>\r\n x<![CDATA[y]]><b\n/><!--c--><?p?> <![CDATA[z]]>é</é>");
   const std::vector<XMLPosition> expected = {{1, 4}, {2, 16}, {3, 3}, {3, 11}, {3, 16}};
   std::vector<XMLPosition> positions;
   for (const XMLNode& child : result.document->root().children()) positions.push_back(child.position().value());
