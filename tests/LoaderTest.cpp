@@ -359,8 +359,8 @@ std::vector<std::string> definitionsIn(const std::string& bytes) {
   for (const Definition& definition : loadDefinitions(*result.document)) {
     EXPECT_NE(definition.element != nullptr, definition.error != nullptr);
     const auto& [line, column] = definition.position();
-    shownOnes.push_back((definition.error ? "!" : "") + std::string(definition.tag()) + "@" + std::to_string(line) +
-                        ":" + std::to_string(column));
+    const std::string place = "@" + std::to_string(line) + ":" + std::to_string(column);
+    shownOnes.push_back(std::string(definition.error ? "!" : "").append(definition.tag()).append(place));
   }
   return shownOnes;
 }
