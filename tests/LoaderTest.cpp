@@ -290,8 +290,8 @@ TEST(Document, ExpansionIsLimited) {
     EXPECT_EQ(error.message, "list references expand to more than " + std::to_string(bytes - 1) + " bytes");
     EXPECT_EQ(error.position, position);
   }
-  const std::string bomb = "%{'" + repeated("*", 20000) + "'," + repeated("aaaaaaa,", 20000) + "}";
-  EXPECT_EQ(Document::fromBytes("<sql id='s'>" + bomb + "</sql>").error->kind, DocumentErrorKind::TooLarge);
+  const std::string bomb = repeated("*", 20000).append("',").append(repeated("aaaaaaa,", 20000));
+  EXPECT_EQ(Document::fromBytes("<sql id='s'>%{'" + bomb + "}</sql>").error->kind, DocumentErrorKind::TooLarge);
 }
 
 TEST(Document, Files) {
@@ -359,8 +359,8 @@ std::vector<std::string> definitionsIn(const std::string& bytes) {
   for (const Definition& definition : loadDefinitions(*result.document)) {
     EXPECT_NE(definition.element != nullptr, definition.error != nullptr);
     const auto& [line, column] = definition.position();
-    const std::string place = "@" + std::to_string(line) + ":" + std::to_string(column);
-    shownOnes.push_back(std::string(definition.error ? "!" : "").append(definition.tag()).append(place));
+    const std::string place = std::to_string(line) + ":" + std::to_string(column);
+    shownOnes.push_back(std::string(definition.error ? "!" : "").append(definition.tag()).append("@").append(place));
   }
   return shownOnes;
 }
