@@ -170,7 +170,7 @@ TEST(Diagnostics, SqlBlocksAndConstants) {
   check({
       {"<sql id='t'>x</sql>", "Sql block name cannot be 'T'."},
       {"<sql id='T'><if/></sql>", "Sql block name cannot be 'T'."},
-      {"<sql id='cols'>a,\n <if true='a'>b</if></sql>", "Sql block 'cols' is of wrong format.", 2, 2},
+      {"<sql id='cols'>a,\n <if true='a'>b</if>\n<if/></sql>", "Sql block 'cols' is of wrong format.", 2, 2},
       {"<sql id='cols'>a<?pi?></sql>", "Sql block 'cols' is of wrong format."},
       {"<const/>", "Invalid constant declaration ''."},
       {"<const A='1' B='2'/>", "Invalid constant declaration ''."},

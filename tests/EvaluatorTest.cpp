@@ -31,6 +31,7 @@ TEST(Evaluator, Tokens) {
        "o:% d:2 "
        "o:/ d:3"},
       {"a\v>\f1\r", "n:a o:> d:1"},
+      {"aZ . \u00C0", "n:aZ o:. n:\u00C0"},
       {"name not nil", "n:name n:not n:nil"},
   };
   for (const auto& [expression, expected] : cases) EXPECT_EQ(tokens(expression), expected) << expression;

@@ -49,6 +49,7 @@ TEST(Text, ExpandsListReferences) {
       {"%{'', a, b}", ", "},
       {"SELECT %{'(*)', t.*, b}", "SELECT (t.*), (b)"},
       {"   %{'*', a}   ", "   a   "},
+      {"%'x' %{'*', a}", "%'x' a"},
       {"a IN (%{'*', 1, 2}) AND b = '%{x}'", "a IN (1, 2) AND b = '%{x}'"},
   });
 }
