@@ -56,7 +56,9 @@ bool isCDATA(pugi::xml_node node) { return node.type() == pugi::node_cdata; }
 
 constexpr std::string_view whiteSpace = " \t\r\n";
 
-bool isWhiteSpace(char character) { return whiteSpace.find(character) != std::string_view::npos; }
+bool isWhiteSpace(char character) {
+  return character == ' ' || character == '\t' || character == '\r' || character == '\n';
+}
 
 bool isWhiteSpace(const char* text) {
   while (isWhiteSpace(*text)) ++text;
