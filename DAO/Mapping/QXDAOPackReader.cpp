@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #include "DAO/Mapping/PackEncode.h"
 
@@ -43,15 +44,10 @@ bool QXDAOPackReader::takeName(std::string_view& name) {
   return true;
 }
 
-bool QXDAOPackReader::takeValue(QXDAOPackRecord& record) {
-  if (record.encode != QXDAOPackEncodeString) {
-    record.bytesOffset = _at;
-    return take(QXDAOPackPart::Scalar, valueBytes(record.encode), record.bytes);
-  }
+bool QXDAOPackReader::takeValue(QXDAOPackEncode encode, std::string_view& bytes) {
+  if (encode != QXDAOPackEncodeString) return take(QXDAOPackPart::Scalar, valueBytes(encode), bytes);
   QXDAOPackStringLengthType length = 0;
-  if (!takeInteger(QXDAOPackPart::StringLength, length)) return false;
-  record.bytesOffset = _at;
-  return take(QXDAOPackPart::String, length, record.bytes);
+  return takeInteger(QXDAOPackPart::StringLength, length) && take(QXDAOPackPart::String, length, bytes);
 }
 
 QXDAOPackReadStatus QXDAOPackReader::next(QXDAOPackRecord& record) {
@@ -66,8 +62,18 @@ QXDAOPackReadStatus QXDAOPackReader::next(QXDAOPackRecord& record) {
     _at -= sizeof record.encode;
     return _status = QXDAOPackReadStatus::Stopped;
   }
-  if (!takeValue(record)) _status = QXDAOPackReadStatus::Truncated;
+  if (!takeValue(record.encode, record.bytes)) _status = QXDAOPackReadStatus::Truncated;
+  if (_part != QXDAOPackPart::StringLength) record.bytesOffset = _at - record.bytes.size();
   return _status;
+}
+
+bool QXDAOPackReader::nextWithHead(std::string_view head, QXDAOPackEncode encode, std::string_view& bytes) {
+  if (_status != QXDAOPackReadStatus::Record || head.size() > _value.size() - _at) return false;
+  if (!sameBytes(_value.data() + _at, head.data(), head.size())) return false;
+  const std::size_t begin = std::exchange(_at, _at + head.size());
+  if (takeValue(encode, bytes)) return true;
+  _at = begin;
+  return false;
 }
 
 }  // namespace korvex

@@ -37,6 +37,11 @@ class QXDAOPackReader {
   // record holds the offset, the name and the encode; on Truncated what was read before the cut.
   [[nodiscard]] QXDAOPackReadStatus next(QXDAOPackRecord& record);
 
+  // The bytes of the next record's value if the record begins with exactly `head`, all that stands before the value of
+  // a scalar or a string of that encode. Otherwise, and when the value ends inside the record, false: nothing has then
+  // been read, and next() tells what is there.
+  [[nodiscard]] bool nextWithHead(std::string_view head, QXDAOPackEncode encode, std::string_view& bytes);
+
   // Where the part that ended the reading begins: a byte offset in the value.
   [[nodiscard]] std::size_t offset() const { return _at; }
   [[nodiscard]] QXDAOPackPart part() const { return _part; }
@@ -47,7 +52,7 @@ class QXDAOPackReader {
   template <typename Integer>
   [[nodiscard]] inline bool takeInteger(QXDAOPackPart part, Integer& integer);
   [[nodiscard]] inline bool takeName(std::string_view& name);
-  [[nodiscard]] inline bool takeValue(QXDAOPackRecord& record);
+  [[nodiscard]] inline bool takeValue(QXDAOPackEncode encode, std::string_view& bytes);
 
   std::string_view _value;
   std::size_t _at = 0;

@@ -17,8 +17,16 @@ class EntryFinder {
   explicit EntryFinder(const QXDAOPackClassInfo& layout)
       : _entries(layout.properties, static_cast<std::size_t>(layout.count)) {}
 
-  // The entry with that name and a field; null when the layout has none. Records are written in the
-  // order of the entries, so the one after the last found comes first.
+  // Records are written in the order of the entries: the entry after the last found, if it tells how its record
+  // begins, or null. A number object's does not, since it has the encode of its value.
+  [[nodiscard]] const QXDAOPackPropertyInfo* expected() const {
+    if (_next == _entries.size()) return nullptr;
+    const QXDAOPackPropertyInfo& entry = _entries[_next];
+    return entry.encode > 0 || entry.encode == QXDAOPackEncodeString ? &entry : nullptr;
+  }
+  void expectedWasFound() { ++_next; }
+
+  // The entry with that name and a field; null when the layout has none.
   const QXDAOPackPropertyInfo* entryNamed(std::string_view name) {
     if (!isAt(_next, name)) {
       _next = placeOf(name);
@@ -101,16 +109,52 @@ void storeScalar(char* field, QXDAOPackEncode encode, std::uint64_t bits) {
   copyScalar(field, &bits, valueBytes(encode));
 }
 
+char* fieldOf(ModelObject& object, const QXDAOPackPropertyInfo& entry) {
+  return reinterpret_cast<char*>(&object) + entry.offset;
+}
+
+void storeText(void* field, const QXDAOPackPropertyInfo& entry, std::string_view bytes) {
+  entry.field->text.set(field, isValidUTF8(bytes) ? OptionalStringView(bytes) : std::nullopt);
+}
+
+// A record of the entry's own encode.
+void storeValue(ModelObject& object, const QXDAOPackPropertyInfo& entry, std::string_view bytes) {
+  char* field = fieldOf(object, entry);
+  if (entry.encode == QXDAOPackEncodeString) {
+    storeText(field, entry, bytes);
+  } else {
+    storeScalar(field, entry.encode, scalarBits(bytes));
+  }
+}
+
+// A record of whatever encode: strings and other values do not replace each other.
 void storeRecord(ModelObject& object, const QXDAOPackPropertyInfo& entry, const QXDAOPackRecord& record) {
-  char* field = reinterpret_cast<char*>(&object) + entry.offset;
+  char* field = fieldOf(object, entry);
   if (record.encode == QXDAOPackEncodeString) {
-    if (entry.encode != QXDAOPackEncodeString) return;
-    entry.field->text.set(field, isValidUTF8(record.bytes) ? OptionalStringView(record.bytes) : std::nullopt);
+    if (entry.encode == QXDAOPackEncodeString) storeText(field, entry, record.bytes);
   } else if (entry.encode == QXDAOPackEncodeNumber) {
     entry.field->number.set(field, numberOf(record.encode, scalarBits(record.bytes)));
   } else if (entry.encode > 0) {
     storeScalar(field, entry.encode, scalarBits(record.bytes));
   }
+}
+
+// Unpacks the next record if it begins as the expected entry's does, which is then found by one comparison.
+bool unpackExpected(ModelObject& object, EntryFinder& finder, QXDAOPackReader& reader) {
+  const QXDAOPackPropertyInfo* entry = finder.expected();
+  std::string_view bytes;
+  if (!entry || !reader.nextWithHead({entry->head, headBytes(entry->length)}, entry->encode, bytes)) return false;
+  storeValue(object, *entry, bytes);
+  finder.expectedWasFound();
+  return true;
+}
+
+// Unpacks the next record, whatever it is; false when there is none.
+bool unpackNext(ModelObject& object, EntryFinder& finder, QXDAOPackReader& reader) {
+  QXDAOPackRecord record;
+  if (reader.next(record) != QXDAOPackReadStatus::Record) return false;
+  if (const auto* entry = finder.entryNamed(record.name)) storeRecord(object, *entry, record);
+  return true;
 }
 
 }  // namespace
@@ -121,8 +165,7 @@ void QXDAOPack::unpackWithObject(ModelObject* object, std::string_view data) con
   if (!layout) return;
   EntryFinder finder(*layout);
   QXDAOPackReader reader(data);
-  for (QXDAOPackRecord record; reader.next(record) == QXDAOPackReadStatus::Record;) {
-    if (const QXDAOPackPropertyInfo* entry = finder.entryNamed(record.name)) storeRecord(*object, *entry, record);
+  while (unpackExpected(*object, finder, reader) || unpackNext(*object, finder, reader)) {
   }
 }
 
