@@ -8,25 +8,43 @@ namespace korvex {
 
 namespace {
 
-constexpr std::string_view brackets = "()[]{}";
+// What a character can be part of; a table, since every character of every condition is looked up.
+enum CharacterClass : std::uint8_t {
+  Digit = 1U << 0U,
+  NameStart = 1U << 1U,
+  WhiteSpace = 1U << 2U,
+  Quote = 1U << 3U,
+  Bracket = 1U << 4U,
+  Point = 1U << 5U,
+  Operator = 1U << 6U,
+  NotASCII = 1U << 7U,
+};
 
 // Longer operators first, so that the first match is the longest.
 constexpr std::array<std::string_view, 28> operators = {"===", "!==", "==", "!=", "<>", "<=", ">=", "&&", "||", "<<",
                                                         ">>",  "+",   "-",  "*",  "/",  "%",  "=",  "<",  ">",  "!",
                                                         "?",   ":",   ",",  "~",  "&",  "|",  "^",  "."};
 
-bool isDigit(char character) { return character >= '0' && character <= '9'; }
+constexpr auto classesOfCharacters = [] {
+  std::array<std::uint8_t, 256> table{};
+  const auto add = [&table](std::string_view characters, std::uint8_t classes) {
+    for (const char character : characters) table[static_cast<unsigned char>(character)] |= classes;
+  };
+  add("0123456789", Digit);
+  add("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_$", NameStart);
+  add(" \t\n\v\f\r", WhiteSpace);
+  add("'\"", Quote);
+  add("()[]{}", Bracket);
+  add(".", Point);
+  for (const std::string_view symbol : operators) add(symbol, Operator);
+  for (std::size_t byte = 0x80; byte < table.size(); ++byte) table[byte] = NameStart | NotASCII;
+  return table;
+}();
 
-bool isWhiteSpace(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
-
-bool isNotASCII(char character) { return static_cast<unsigned char>(character) >= 0x80U; }
-
-bool startsName(char character) {
-  const bool ascii = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-  return ascii || character == '_' || character == '$' || isNotASCII(character);
+template <unsigned classes>
+bool is(char character) {
+  return (classesOfCharacters[static_cast<unsigned char>(character)] & classes) != 0;
 }
-
-bool continuesName(char character) { return startsName(character) || isDigit(character); }
 
 template <typename Predicate>
 std::size_t countWhile(std::string_view text, std::size_t from, Predicate predicate) {
@@ -39,23 +57,29 @@ bool characterAt(std::string_view text, std::size_t at, std::string_view wanted)
   return at < text.size() && wanted.find(text[at]) != std::string_view::npos;
 }
 
+template <unsigned classes>
+bool classAt(std::string_view text, std::size_t at) {
+  return at < text.size() && is<classes>(text[at]);
+}
+
 // Characters that word processors put in place of spaces and quotes. As part of a name they would
 // go unseen.
 constexpr std::array<std::string_view, 5> lookalikes = {"\u00A0", "\u2018", "\u2019", "\u201C", "\u201D"};
 
 bool holdsLookalike(std::string_view name) {
-  if (std::none_of(name.begin(), name.end(), isNotASCII)) return false;
+  if (std::none_of(name.begin(), name.end(), is<NotASCII>)) return false;
   return std::any_of(lookalikes.begin(), lookalikes.end(),
                      [name](std::string_view character) { return name.find(character) != std::string_view::npos; });
 }
 
-// Each function below gives the length of its token at the front of the text, 0 when there is none.
+// Each function below gives the length of its token at the front of the text, which begins with a character that such a
+// token may begin with; 0 when there is none.
 
 std::size_t lengthOfName(std::string_view text) {
   std::size_t length = 0;
-  while (length < text.size() && startsName(text[length])) {
-    length += countWhile(text, length, continuesName);
-    if (!characterAt(text, length, ".")) return holdsLookalike(text.substr(0, length)) ? 0 : length;
+  while (classAt<NameStart>(text, length)) {
+    length += countWhile(text, length, is<NameStart | Digit>);
+    if (!classAt<Point>(text, length)) return holdsLookalike(text.substr(0, length)) ? 0 : length;
     ++length;
   }
   return 0;  // no name at all, or a dot without a name after it
@@ -64,26 +88,24 @@ std::size_t lengthOfName(std::string_view text) {
 std::size_t lengthOfExponent(std::string_view text, std::size_t at) {
   if (!characterAt(text, at, "eE")) return 0;
   const std::size_t sign = characterAt(text, at + 1, "+-") ? 1 : 0;
-  const std::size_t count = countWhile(text, at + 1 + sign, isDigit);
+  const std::size_t count = countWhile(text, at + 1 + sign, is<Digit>);
   return count == 0 ? 0 : 1 + sign + count;
 }
 
 std::size_t lengthOfNumber(std::string_view text) {
-  const std::size_t whole = countWhile(text, 0, isDigit);
+  const std::size_t whole = countWhile(text, 0, is<Digit>);
   std::size_t length = whole;
-  if (characterAt(text, length, ".")) {
-    const std::size_t fraction = countWhile(text, length + 1, isDigit);
+  if (classAt<Point>(text, length)) {
+    const std::size_t fraction = countWhile(text, length + 1, is<Digit>);
     if (whole + fraction == 0) return 0;
     length += 1 + fraction;
   }
   if (length == 0) return 0;
   length += lengthOfExponent(text, length);
-  const bool runsOn = length < text.size() && (continuesName(text[length]) || text[length] == '.');
-  return runsOn ? 0 : length;
+  return classAt<NameStart | Digit | Point>(text, length) ? 0 : length;
 }
 
 std::size_t lengthOfString(std::string_view text) {
-  if (!characterAt(text, 0, "'\"")) return 0;
   for (std::size_t at = 1; at < text.size(); ++at) {
     if (text[at] == '\\') {
       ++at;
@@ -101,24 +123,27 @@ std::size_t lengthOfOperator(std::string_view text) {
   return found == operators.end() ? 0 : found->size();
 }
 
-std::size_t lengthOfBracket(std::string_view text) { return characterAt(text, 0, brackets) ? 1 : 0; }
+std::size_t lengthOfBracket(std::string_view /*text*/) { return 1; }
 
 struct TokenRule {
   QXDAOTokenType type;
+  unsigned begins;  // the classes of the characters that such a token may begin with
   std::size_t (*length)(std::string_view text);
 };
 
 constexpr std::array<TokenRule, 5> tokenRules = {{
-    {QXDAOTokenTypeName, lengthOfName},
-    {QXDAOTokenTypeNumber, lengthOfNumber},
-    {QXDAOTokenTypeString, lengthOfString},
-    {QXDAOTokenTypeOperator, lengthOfOperator},
-    {QXDAOTokenTypeBracket, lengthOfBracket},
+    {QXDAOTokenTypeName, NameStart, lengthOfName},
+    {QXDAOTokenTypeNumber, Digit | Point, lengthOfNumber},
+    {QXDAOTokenTypeString, Quote, lengthOfString},
+    {QXDAOTokenTypeOperator, Operator, lengthOfOperator},
+    {QXDAOTokenTypeBracket, Bracket, lengthOfBracket},
 }};
 
 // Moves the first token of the text to the list; false when no rule knows it.
 bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
+  const unsigned classes = classesOfCharacters[static_cast<unsigned char>(text.front())];
   for (const TokenRule& rule : tokenRules) {
+    if ((classes & rule.begins) == 0) continue;
     if (const std::size_t length = rule.length(text); length != 0) {
       tokens.push_back({rule.type, text.substr(0, length)});
       text.remove_prefix(length);
@@ -128,7 +153,7 @@ bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
   return false;
 }
 
-void skipWhiteSpace(std::string_view& text) { text.remove_prefix(countWhile(text, 0, isWhiteSpace)); }
+void skipWhiteSpace(std::string_view& text) { text.remove_prefix(countWhile(text, 0, is<WhiteSpace>)); }
 
 // Most people put a space between two tokens.
 std::size_t usualTokenCount(std::string_view expression) {
