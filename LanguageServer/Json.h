@@ -1,0 +1,27 @@
+// JSON as the language server reads and writes it.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace korvex::lsp {
+
+using Json = nlohmann::ordered_json;
+
+// The member of an object, or null when there is none or `object` is no object.
+[[nodiscard]] inline const Json& member(const Json& object, const char* name) {
+  static const Json none;
+  const auto found = object.find(name);
+  return found == object.end() ? none : *found;
+}
+
+[[nodiscard]] inline std::string stringOf(const Json& value) {
+  return value.is_string() ? value.get<std::string>() : std::string();
+}
+
+// As text for the wire. Bytes that are no UTF-8 become U+FFFD.
+[[nodiscard]] inline std::string textOf(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace korvex::lsp

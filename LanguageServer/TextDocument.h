@@ -1,0 +1,45 @@
+// A text that an editor has open.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "LanguageServer/Json.h"
+#include "LanguageServer/Markup.h"
+
+namespace korvex::lsp {
+
+// A place as the protocol counts: line and character from 0, characters in UTF-16 code units.
+struct Position {
+  std::size_t line = 0;
+  std::size_t character = 0;
+};
+
+class TextDocument {
+ public:
+  TextDocument(std::string uri, std::string text);
+
+  [[nodiscard]] const std::string& uri() const { return _uri; }
+  [[nodiscard]] const std::string& text() const { return _text; }
+
+  // Replaces the whole text, or the range that a content change names.
+  void change(const Json& contentChange);
+
+  // Past the end of a line its end is meant, past the last line the end of the text.
+  [[nodiscard]] std::size_t offsetOf(const Position& position) const;
+  [[nodiscard]] Position positionOf(std::size_t offset) const;
+  [[nodiscard]] Json rangeOf(Span span) const;
+
+ private:
+  void findLines();
+
+  std::string _uri;
+  std::string _text;
+  std::vector<std::size_t> _lineStarts;
+};
+
+[[nodiscard]] Position positionIn(const Json& params);
+
+}  // namespace korvex::lsp
