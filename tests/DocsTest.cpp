@@ -1,11 +1,13 @@
 // Keeps the documents honest: what docs/language.md and the examples claim is tried out.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <set>
 #include <sstream>
 #include <utility>
 
+#include "Language/Vocabulary.h"
 #include "Loader/DefinitionLoader.h"
 
 namespace korvex {
@@ -117,6 +119,30 @@ TEST(Docs, ListReferencesAreWrittenOutAsTold) {
   }
 }
 
+// Whether a section of docs/language.md is about the element.
+bool isSectionOf(const std::string& line, std::string_view tag) {
+  std::istringstream words(line);
+  for (std::string word; words >> word;) {
+    if (word == tag || word == std::string(tag) + ",") return line.starts_with("## ");
+  }
+  return false;
+}
+
+TEST(Docs, EveryAttributeOfTheVocabularyIsInATable) {
+  for (const ElementEntry& element : vocabulary()) {
+    std::set<std::string> named;
+    bool inside = false;
+    for (const std::string& line : linesOf("docs/language.md")) {
+      if (line.starts_with("## ")) inside = isSectionOf(line, element.tag == C_RESULT ? C_MAP : element.tag);
+      if (inside && line.starts_with("| `"))
+        for (const std::string& code : quoted(line, '`')) named.insert(code);
+    }
+    for (const AttributeEntry& attribute : element.attributes) {
+      EXPECT_TRUE(named.contains(std::string(attribute.name))) << element.tag << " " << attribute.name;
+    }
+  }
+}
+
 // What a document uses: each "tag" and "tag attribute".
 void collect(const XMLNode& node, std::set<std::string>& used) {
   if (node.kind() != XMLNodeKind::Element) return;
@@ -132,14 +158,17 @@ TEST(Docs, AddressBookUsesTheWholeLanguage) {
   EXPECT_EQ(findingsIn(result), Lines());
   std::set<std::string> used;
   collect(result.document->root(), used);
-  std::istringstream language(
-      "select id,select arguments,select profile,select result,select parallel,select assignedTable,insert id,"
-      "insert foreach,insert resumable,update id,delete id,upgrade toVersion,sql id,const,map id,map result,"
-      "result column,result property,crypt class,crypt property,pack as,pack properties,pack crypt,if true,if false,"
-      "when true,when false,otherwise,choose,foreach item,foreach collection,foreach open,foreach separator,"
-      "foreach close,foreach reverse,where onVoid,set onVoid,trim prefix,trim prefixOverrides,trim suffixOverrides,"
-      "trim onVoid,format prefix,format pairs,format join,step resumable,try,except");
-  for (std::string part; std::getline(language, part, ',');) EXPECT_TRUE(used.contains(part)) << part;
+  for (const ElementEntry& element : vocabulary()) {
+    EXPECT_TRUE(used.contains(std::string(element.tag))) << element.tag;
+    for (const AttributeEntry& attribute : element.attributes) {
+      const bool somewhere = std::any_of(vocabulary().begin(), vocabulary().end(), [&](const ElementEntry& other) {
+        const AttributeEntry* same = attributeEntryOf(other, attribute.name);
+        return same && same->meaning == attribute.meaning &&
+               used.contains(std::string(other.tag).append(" ").append(attribute.name));
+      });
+      EXPECT_TRUE(somewhere) << element.tag << " " << attribute.name;
+    }
+  }
 }
 
 }  // namespace
