@@ -264,6 +264,9 @@ class QXDAOElement {
     XMLNode origin;
   };
 
+  // The failure as a record; the message is moved into it.
+  [[nodiscard]] QXDAOError takenError(const XMLNode& xml);
+
   CompactString _name;
   std::unique_ptr<Failure> _error;
   QXDAOElementKind _kind;

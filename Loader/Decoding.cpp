@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "Loader/DocumentErrors.h"
 #include "Loader/ExpatParser.h"
 #include "Platform/Strings.h"
 
@@ -63,13 +64,16 @@ std::string messageOf(XML_Error code) {
 
 // The text cannot be shown here, so the parser's own line and column have to do.
 DocumentError errorOf(const ExpatParser& parser) {
+  if (isOutOfMemory(parser)) return outOfMemory();
   const XMLPosition position{XML_GetCurrentLineNumber(parser.get()), XML_GetCurrentColumnNumber(parser.get()) + 1};
   return {DocumentErrorKind::Malformed, messageOf(XML_GetErrorCode(parser.get())), position};
 }
 
 // A parser that has nothing but a default handler gives the document back as it is, in UTF-8.
 DecodedText convertedText(std::string_view bytes) {
+  constexpr std::size_t mostGrowth = 2;  // ISO-8859-1: a byte becomes two
   DecodedText decoded;
+  decoded.text.reserve(mostGrowth * bytes.size());  // now, and not in the parser's handler
   const ExpatParser parser(XML_ParserCreate(nullptr));
   XML_SetUserData(parser.get(), &decoded.text);
   XML_SetDefaultHandler(parser.get(), appendMarkup);

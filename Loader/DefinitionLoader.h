@@ -2,7 +2,9 @@
 //
 //   bytes → Document (XML tree with positions) → loadDefinitions → elements and error records
 //
-// Nothing here throws or aborts on bad input; a failure is a value with a message and a position.
+// Nothing here throws or aborts on bad input; a failure is a value with a message and a position. When memory runs out
+// there is either an error of that kind or std::bad_alloc; libraries that are built with KORVEX_EXCEPTIONS then leak
+// nothing and leave nothing half-built, others must not be used on.
 #pragma once
 
 #include <cstddef>
@@ -36,7 +38,12 @@ struct LoadOptions {
 };
 
 // What keeps a whole document from being read.
-enum class DocumentErrorKind { Unreadable, TooLarge, Malformed, TooDeep };
+enum class DocumentErrorKind { Unreadable, TooLarge, Malformed, TooDeep, OutOfMemory };
+
+// Whether such an error says that something is wrong with the document, and not that it could not be read here and now.
+[[nodiscard]] constexpr bool blamesDocument(DocumentErrorKind kind) {
+  return kind != DocumentErrorKind::Unreadable && kind != DocumentErrorKind::OutOfMemory;
+}
 
 struct DocumentError {
   DocumentErrorKind kind = DocumentErrorKind::Malformed;

@@ -67,6 +67,7 @@ class Document::Implementation {
       if (auto error = findSyntaxError(*_source)) return error;
     }
     auto parseError = _tree.parse(options);
+    if (parseError && parseError->kind == DocumentErrorKind::OutOfMemory) return parseError;
     if (!options.strict && (parseError || _tree.hasInternalSubset())) {
       if (auto error = findSyntaxError(*_source)) return error;
     }

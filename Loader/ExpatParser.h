@@ -14,7 +14,13 @@ struct ExpatParserDeleter {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
 
+// Null when there was no memory for it: Expat's functions take that too, and parsing fails at once.
 using ExpatParser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ExpatParserDeleter>;
+
+// Whether that is why parsing failed.
+[[nodiscard]] inline bool isOutOfMemory(const ExpatParser& parser) {
+  return !parser || XML_GetErrorCode(parser.get()) == XML_ERROR_NO_MEMORY;
+}
 
 // Has the parser read a whole document. False when it failed or was stopped; its error code and its
 // current byte index tell more then.

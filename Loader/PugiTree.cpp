@@ -6,6 +6,8 @@
 #include <cstring>
 #include <type_traits>
 
+#include "Loader/DocumentErrors.h"
+
 namespace korvex {
 
 namespace {
@@ -84,6 +86,7 @@ std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
   const pugi::xml_parse_result result =
       _document.load_buffer_inplace(_buffer.data(), _buffer.size() + 1, flags, pugi::encoding_utf8);
   if (result) return std::nullopt;
+  if (result.status == pugi::status_out_of_memory) return outOfMemory();
   const XMLPosition position = _source.position(static_cast<std::size_t>(result.offset));
   return DocumentError{DocumentErrorKind::Malformed, std::string("no tree: ") + result.description(), position};
 }
@@ -116,6 +119,7 @@ std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
       node = isText(node) ? arrangeText(node, options.keepWhiteSpaceText) : node.next_sibling();
     }
   }
+  if (_outOfMemory) return outOfMemory();
   if (_expansionBound.bytes() <= options.maximumExpandedBytes) return std::nullopt;
   return findOversizedExpansion({*this, root()}, options);
 }
@@ -159,7 +163,7 @@ pugi::xml_node PugiTree::arrangeRun(pugi::xml_node first, bool keepWhiteSpace) {
     joined += withLineFeeds(whiteSpaceAfter(_source.text().find("]]>", offsetOf(last)) + 3, keepWhiteSpace));
   _joinedTexts.emplace(handleOf(first), begin);
   while (first.next_sibling() != next) first.parent().remove_child(first.next_sibling());
-  first.set_value(joined.c_str());
+  _outOfMemory = !first.set_value(joined.c_str()) || _outOfMemory;
   finishText(first, keepWhiteSpace);
   return next;
 }

@@ -67,6 +67,7 @@ class PugiTree final : public XMLTree {
   bool _holdsCDATA = false;  // without any, no two texts are neighbours
   // Where texts begin that were joined, whose values are not in the buffer any more.
   std::unordered_map<NodeHandle, std::size_t> _joinedTexts;
+  bool _outOfMemory = false;  // a joined text could not be kept
   ExpansionBound _expansionBound;
 };
 

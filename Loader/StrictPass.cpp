@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "Loader/DocumentErrors.h"
 #include "Loader/ExpatParser.h"
 #include "Loader/SyntaxErrors.h"
 
@@ -24,18 +25,30 @@ class StrictPass {
 
   [[nodiscard]] std::optional<SyntaxError> run() {
     if (parseWhole(_parser, text())) return std::nullopt;
-    if (_refusal) return std::move(_refusal);
+    if (_refusal) return explained(*_refusal);
+    if (isOutOfMemory(_parser)) return SyntaxError{{}, 0, true};
     return explainedError(_source, XML_GetErrorCode(_parser.get()), offset());
   }
 
  private:
+  // Handlers allocate nothing: what they threw would have to pass through the parser.
+  struct Refusal {
+    const char* message;  // null for a reference to an unknown entity
+    std::size_t offset;
+  };
+
   static StrictPass& self(void* userData) { return *static_cast<StrictPass*>(userData); }
 
   [[nodiscard]] std::string_view text() const { return _source.text(); }
   [[nodiscard]] std::size_t offset() const { return currentOffset(_parser); }
 
-  void refuse(SyntaxError error) {
-    if (!_refusal) _refusal = std::move(error);
+  [[nodiscard]] SyntaxError explained(const Refusal& refusal) const {
+    if (!refusal.message) return undefinedEntity(text(), refusal.offset);
+    return {refusal.message, refusal.offset};
+  }
+
+  void refuse(const Refusal& refusal) {
+    if (!_refusal) _refusal = refusal;
     XML_StopParser(_parser.get(), XML_FALSE);
   }
 
@@ -70,19 +83,19 @@ class StrictPass {
 
   static void XMLCALL refuseSkippedReference(void* userData, const XML_Char* /*name*/, int /*isParameterEntity*/) {
     StrictPass& pass = self(userData);
-    pass.refuse(undefinedEntity(pass.text(), pass.offset()));
+    pass.refuse({nullptr, pass.offset()});
   }
 
   static void XMLCALL checkReferencesOfTag(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
     StrictPass& pass = self(userData);
     const auto length = static_cast<std::size_t>(XML_GetCurrentByteCount(pass._parser.get()));
     const std::size_t at = unknownReference(pass.text().substr(pass.offset(), length));
-    if (at != std::string_view::npos) pass.refuse(undefinedEntity(pass.text(), pass.offset() + at));
+    if (at != std::string_view::npos) pass.refuse({nullptr, pass.offset() + at});
   }
 
   const SourceText& _source;
   ExpatParser _parser;
-  std::optional<SyntaxError> _refusal;
+  std::optional<Refusal> _refusal;
 };
 
 }  // namespace
@@ -90,6 +103,7 @@ class StrictPass {
 std::optional<DocumentError> findSyntaxError(const SourceText& source) {
   std::optional<SyntaxError> error = StrictPass(source).run();
   if (!error) return std::nullopt;
+  if (error->outOfMemory) return outOfMemory();
   return DocumentError{DocumentErrorKind::Malformed, std::move(error->message), source.position(error->offset)};
 }
 

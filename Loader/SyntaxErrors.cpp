@@ -36,15 +36,17 @@ bool standsBefore(std::string_view text, std::size_t offset, std::string_view wh
 // ---------------------------------------------------------------------------------------------
 // Tags that do not match
 
-// Follows the tags of a document up to the point where the parser fails.
+// Follows the tags of a document up to the point where the parser fails: first only how deep they are nested, then,
+// with room for their places made, the tags themselves.
 class OpenTags {
  public:
-  explicit OpenTags(std::string_view text) : _parser(XML_ParserCreate("UTF-8")) {
-    XML_SetUserData(_parser.get(), this);
-    XML_SetElementHandler(_parser.get(), open, close);
-    static_cast<void>(parseWhole(_parser, text));
+  explicit OpenTags(std::string_view text) {
+    follow(text, enter, leave);
+    _offsets.reserve(_greatestDepth);
+    follow(text, open, close);
   }
 
+  [[nodiscard]] bool outOfMemory() const { return _outOfMemory; }
   // The offset of the innermost start tag that is still open.
   [[nodiscard]] std::optional<std::size_t> innermost() const {
     if (_offsets.empty()) return std::nullopt;
@@ -52,15 +54,28 @@ class OpenTags {
   }
 
  private:
-  static void XMLCALL open(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
-    auto& self = *static_cast<OpenTags*>(userData);
-    self._offsets.push_back(currentOffset(self._parser));
-  }
-  static void XMLCALL close(void* userData, const XML_Char* /*tag*/) {
-    static_cast<OpenTags*>(userData)->_offsets.pop_back();
+  void follow(std::string_view text, XML_StartElementHandler start, XML_EndElementHandler end) {
+    _parser.reset(XML_ParserCreate("UTF-8"));
+    XML_SetUserData(_parser.get(), this);
+    XML_SetElementHandler(_parser.get(), start, end);
+    static_cast<void>(parseWhole(_parser, text));
+    _outOfMemory = _outOfMemory || isOutOfMemory(_parser);
   }
 
+  static OpenTags& self(void* userData) { return *static_cast<OpenTags*>(userData); }
+  static void XMLCALL enter(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
+    self(userData)._greatestDepth = std::max(self(userData)._greatestDepth, ++self(userData)._depth);
+  }
+  static void XMLCALL leave(void* userData, const XML_Char* /*tag*/) { --self(userData)._depth; }
+  static void XMLCALL open(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
+    self(userData)._offsets.push_back(currentOffset(self(userData)._parser));
+  }
+  static void XMLCALL close(void* userData, const XML_Char* /*tag*/) { self(userData)._offsets.pop_back(); }
+
   ExpatParser _parser;
+  bool _outOfMemory = false;
+  std::size_t _depth = 0;
+  std::size_t _greatestDepth = 0;
   std::vector<std::size_t> _offsets;
 };
 
@@ -72,13 +87,16 @@ std::string openedElement(const SourceText& source, std::size_t offset) {
 // The parser points at the name in the end tag.
 SyntaxError mismatchedTag(const SourceText& source, std::size_t offset) {
   constexpr std::size_t endTagOpening = 2;
+  const OpenTags tags(source.text());
+  if (tags.outOfMemory()) return {{}, 0, true};
   const std::string tag = "end tag " + quoted(nameAt(source.text(), offset));
-  return {tag + " does not match " + openedElement(source, OpenTags(source.text()).innermost().value_or(0)),
-          offset - endTagOpening};
+  return {tag + " does not match " + openedElement(source, tags.innermost().value_or(0)), offset - endTagOpening};
 }
 
 SyntaxError endedTooSoon(const SourceText& source, std::size_t offset) {
-  const std::optional<std::size_t> tag = OpenTags(source.text()).innermost();
+  const OpenTags tags(source.text());
+  if (tags.outOfMemory()) return {{}, 0, true};
+  const std::optional<std::size_t> tag = tags.innermost();
   if (!tag) return {"no root element", offset};
   return {"no end tag for " + openedElement(source, *tag), offset};
 }

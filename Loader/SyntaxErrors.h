@@ -15,10 +15,11 @@ namespace korvex {
 struct SyntaxError {
   std::string message;
   std::size_t offset = 0;
+  bool outOfMemory = false;  // then nothing has been found out, and the rest is empty
 };
 
 // Explains why Expat refused the text, from its error code and the byte offset where it stopped.
-// May read the text once more.
+// May read the text twice more.
 [[nodiscard]] SyntaxError explainedError(const SourceText& source, XML_Error code, std::size_t offset);
 
 // The offset of the first "&" in a piece of markup that begins neither a character reference nor

@@ -284,11 +284,11 @@ class Model : public Base {
 
  private:
   static const ModelClass* newDescription() {
-    auto* modelClass = new ModelClass;
+    auto modelClass = std::make_unique<ModelClass>();
     if constexpr (!std::is_same_v<Base, ModelObject>) modelClass->superclass = &Base::describedClass();
     ModelDescription<Described> description(*modelClass);
     Described::describe(description);
-    return modelClass;
+    return modelClass.release();
   }
 };
 

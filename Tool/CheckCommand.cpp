@@ -35,7 +35,7 @@ class Check {
     const std::string path = shownPath(file);
     if (result.document) {
       checkDocument(path, *result.document);
-    } else if (result.error->kind == DocumentErrorKind::Unreadable) {
+    } else if (!blamesDocument(result.error->kind)) {
       addUnreadable({path, result.error->message});
     } else {
       ++_files;

@@ -36,7 +36,7 @@ void printEntries(std::ostream& out, const Json& entries, DumpFormat format) {
 }
 
 ExitCode reportFailure(const std::string& path, const Document::Result& result, std::ostream& err) {
-  if (result.error->kind == DocumentErrorKind::Unreadable) {
+  if (!blamesDocument(result.error->kind)) {
     printUnreadable(err, {path, result.error->message});
     return ExitCodeTrouble;
   }

@@ -385,12 +385,23 @@ TEST(Definitions, ElementsOutliveTheDocument) {
   EXPECT_EQ(definitions.at(0).element->name(), "A");
 }
 
-TEST(Definitions, OneDocumentOnSeveralThreads) {
-  const auto result = Document::fromBytes("<d>\n<const/>\n<const A='1'/></d>");
+// What each thread finds in a document that all share, and in one of its own.
+TEST(Definitions, TreesAreBuiltOnEightThreads) {
+  const std::string text = "<d>\n<const/>\n<select id='s' result='int'>%{'*', a, b}<if true='c'>d</if></select></d>";
+  const auto shared = Document::fromBytes(text);
+  const auto build = [&] {
+    for (int round = 0; round < 50; ++round) {
+      const auto own = Document::fromBytes(text);
+      for (const Document* document : {shared.document.get(), own.document.get()}) {
+        const auto definitions = loadDefinitions(*document);
+        EXPECT_EQ(definitions.at(1).position(), (XMLPosition{3, 1}));
+        const auto* select = QXDAOElementCast<QXDAOMethod>(definitions[1].element.get());
+        EXPECT_EQ(QXDAOElementCast<QXDAOText>(select->children()->at(0).get())->expression(), "a, b");
+      }
+    }
+  };
   std::vector<std::thread> threads;
-  for (int count = 0; count < 4; ++count) {
-    threads.emplace_back([&] { EXPECT_EQ(loadDefinitions(*result.document).at(1).position(), (XMLPosition{3, 1})); });
-  }
+  for (int count = 0; count < 8; ++count) threads.emplace_back(build);
   for (std::thread& thread : threads) thread.join();
 }
 

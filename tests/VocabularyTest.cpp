@@ -75,14 +75,13 @@ TEST(Vocabulary, OtherAttributesAreRefusedOrPassedOver) {
 
 TEST(Vocabulary, ChildrenAreThoseThatMayStandInside) {
   const std::string text = addressBook();
-  forEachElement(
-      text, [&text](const lsp::Markup& markup, const lsp::MarkupElement& element, const ElementEntry& entry) {
-        const lsp::MarkupElement* parent = markup.parentOf(element);
-        const ElementEntry* holder = parent ? vocabularyEntryOf(markup.nameOf(*parent)) : nullptr;
-        if (!holder) return;
-        EXPECT_NE(std::find(holder->children.begin(), holder->children.end(), entry.tag), holder->children.end())
-            << entry.tag << " in " << holder->tag;
-      });
+  forEachElement(text, [](const lsp::Markup& markup, const lsp::MarkupElement& element, const ElementEntry& entry) {
+    const lsp::MarkupElement* parent = markup.parentOf(element);
+    const ElementEntry* holder = parent ? vocabularyEntryOf(markup.nameOf(*parent)) : nullptr;
+    if (!holder) return;
+    EXPECT_NE(std::find(holder->children.begin(), holder->children.end(), entry.tag), holder->children.end())
+        << entry.tag << " in " << holder->tag;
+  });
   for (const ElementEntry& element : vocabulary()) {
     for (const std::string_view child : element.children) EXPECT_TRUE(vocabularyEntryOf(child)) << child;
   }

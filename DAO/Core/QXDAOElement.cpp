@@ -49,14 +49,17 @@ ElementBuilder builderOfRootTag(OptionalStringView tag) {
 std::unique_ptr<QXDAOElement> QXDAOElement::elementWithXML(const XMLNode& xml, std::optional<QXDAOError>* error) {
   std::unique_ptr<QXDAOElement> element = builderOfRootTag(xml.name())(xml);
   if (!element->failed()) return element;
-  if (error) {
-    Failure& failure = *element->_error;
-    *error = QXDAOError{.domain = std::string(QXDAO_ERROR_DOMAIN),
-                        .code = 0,
-                        .userInfo = {{"error", std::move(failure.message)}, {"xml", xml}},
-                        .origin = failure.origin ? failure.origin : xml};
-  }
+  if (error) *error = element->takenError(xml);
   return nullptr;
+}
+
+QXDAOError QXDAOElement::takenError(const XMLNode& xml) {
+  QXDAOError error;
+  error.domain = QXDAO_ERROR_DOMAIN;
+  error.userInfo.emplace("error", std::move(_error->message));
+  error.userInfo.emplace("xml", xml);
+  error.origin = _error->origin ? _error->origin : xml;
+  return error;
 }
 
 void QXDAOElement::initWithXML(const XMLNode& /*xml*/) {
