@@ -9,6 +9,7 @@ namespace {
 
 std::string expanded(std::string_view input) {
   QXDAOText text;
+  text.setName("of a former life");
   text.initWithText(input);
   EXPECT_EQ(text.speedyList(), nullptr);
   EXPECT_EQ(text.speedyStatus(), QXDAOTextSpeedyStatusNone);
