@@ -5,6 +5,7 @@
 #include "Tool/Counted.h"
 #include "Tool/Finding.h"
 #include "Tool/InputFiles.h"
+#include "Tool/OutOfMemory.h"
 
 namespace korvex {
 namespace {
@@ -31,8 +32,9 @@ class Check {
 
  private:
   void checkFile(const std::string& file) {
-    const Document::Result result = readDocument(file, _console.in, _options.load);
     const std::string path = shownPath(file);
+    const InputInProgress input(path);
+    const Document::Result result = readDocument(file, _console.in, _options.load);
     if (result.document) {
       checkDocument(path, *result.document);
     } else if (!blamesDocument(result.error->kind)) {

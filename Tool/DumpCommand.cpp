@@ -7,6 +7,7 @@
 #include "Tool/ElementTree.h"
 #include "Tool/Finding.h"
 #include "Tool/InputFiles.h"
+#include "Tool/OutOfMemory.h"
 
 namespace korvex {
 namespace {
@@ -21,18 +22,21 @@ Json entryOf(const Definition& definition) {
   return entry;
 }
 
-Json entriesOf(const std::vector<Definition>& definitions) {
-  Json entries = Json::array();
-  for (const Definition& definition : definitions) entries.push_back(entryOf(definition));
-  return entries;
+// An array, written entry by entry: all of them at once would take many times the memory of the elements.
+void printJson(std::ostream& out, const std::vector<Definition>& definitions) {
+  constexpr std::string_view opening = "[\n";
+  constexpr std::string_view closing = "\n]";
+  for (const Definition& definition : definitions) {
+    const std::string array = jsonText(Json::array({entryOf(definition)}));
+    const std::string_view entry = std::string_view(array).substr(opening.size());
+    out << (&definition == &definitions.front() ? opening : ",\n") << entry.substr(0, entry.size() - closing.size());
+  }
+  out << (definitions.empty() ? "[]" : closing) << '\n';
 }
 
-void printEntries(std::ostream& out, const Json& entries, DumpFormat format) {
-  if (format == DumpFormat::Json) {
-    out << jsonText(entries) << '\n';
-  } else {
-    for (const Json& entry : entries) printDefinitionTree(out, entry);
-  }
+void printDefinitions(std::ostream& out, const std::vector<Definition>& definitions, DumpFormat format) {
+  if (format == DumpFormat::Json) return printJson(out, definitions);
+  for (const Definition& definition : definitions) printDefinitionTree(out, entryOf(definition));
 }
 
 ExitCode reportFailure(const std::string& path, const Document::Result& result, std::ostream& err) {
@@ -47,13 +51,15 @@ ExitCode reportFailure(const std::string& path, const Document::Result& result, 
 }  // namespace
 
 ExitCode runDump(const DumpOptions& options, const Console& console) {
+  const std::string path = shownPath(options.path);
+  const InputInProgress input(path);
   const Document::Result result = readDocument(options.path, console.in, options.load);
   if (!result.document) {
-    printEntries(console.out, Json::array(), options.format);
-    return reportFailure(shownPath(options.path), result, console.err);
+    printDefinitions(console.out, {}, options.format);
+    return reportFailure(path, result, console.err);
   }
   const std::vector<Definition> definitions = loadDefinitions(*result.document);
-  printEntries(console.out, entriesOf(definitions), options.format);
+  printDefinitions(console.out, definitions, options.format);
   const bool allBuilt = std::all_of(definitions.begin(), definitions.end(),
                                     [](const Definition& definition) { return definition.element != nullptr; });
   return allBuilt ? ExitCodeNothingFound : ExitCodeSomethingFound;

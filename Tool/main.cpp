@@ -4,6 +4,7 @@
 #include <iostream>
 #include <string_view>
 
+#include "Tool/OutOfMemory.h"
 #include "Tool/Tool.h"
 
 namespace {
@@ -17,6 +18,7 @@ bool noColorWanted() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  korvex::endWhenMemoryRunsOut();
   // With buffers of their own the streams notice every failed read and write.
   std::ios::sync_with_stdio(false);
   return korvex::runTool({argv + (argc > 0 ? 1 : 0), argv + argc},
