@@ -6,6 +6,7 @@
 
 #include "Loader/DefinitionLoader.h"
 #include "Loader/ExpatParser.h"
+#include "Platform/Strings.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
 
@@ -56,14 +57,19 @@ Outline outlineOf(const Document& document) {
 // ---------------------------------------------------------------------------------------------
 // The outline by Expat's events
 
+bool beginsWithUTF8Mark(std::string_view bytes) { return bytes.starts_with("\xEF\xBB\xBF"); }
+
 bool beginsWithMark(std::string_view bytes) {
-  return bytes.starts_with("\xEF\xBB\xBF") || bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE");
+  return beginsWithUTF8Mark(bytes) || bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE");
 }
 
 class Events {
  public:
   Events(std::string_view bytes, bool keepWhiteSpace)
-      : _parser(XML_ParserCreate(nullptr)), _hasMark(beginsWithMark(bytes)), _keepWhiteSpace(keepWhiteSpace) {
+      : _parser(XML_ParserCreate(nullptr)),
+        _hasMark(beginsWithMark(bytes)),
+        _hasUTF8Mark(beginsWithUTF8Mark(bytes)),
+        _keepWhiteSpace(keepWhiteSpace) {
     XML_SetUserData(_parser.get(), this);
     XML_SetElementHandler(_parser.get(), startTag, endTag);
     XML_SetCharacterDataHandler(_parser.get(), characters);
@@ -71,11 +77,15 @@ class Events {
     XML_SetCommentHandler(_parser.get(), comment);
     XML_SetProcessingInstructionHandler(_parser.get(), instruction);
     XML_SetStartDoctypeDeclHandler(_parser.get(), doctype);
+    XML_SetXmlDeclHandler(_parser.get(), declaration);
     _accepted = parseWhole(_parser, bytes);
   }
 
   [[nodiscard]] bool accepted() const { return _accepted; }
   [[nodiscard]] bool hasDoctype() const { return _hasDoctype; }
+  // Expat counts the columns of its first line by the declared encoding, those of a byte order mark of UTF-8 included:
+  // where the two contradict each other, its places cannot be used.
+  [[nodiscard]] bool contradictsItsMark() const { return _contradictsItsMark; }
   [[nodiscard]] const Outline& outline() const { return _outline; }
 
  private:
@@ -130,11 +140,19 @@ class Events {
     self(userData)._hasDoctype = true;
   }
 
+  static void XMLCALL declaration(void* userData, const XML_Char* /*version*/, const XML_Char* encoding,
+                                  int /*standalone*/) {
+    Events& events = self(userData);
+    events._contradictsItsMark = events._hasUTF8Mark && encoding && asciiLowerCase(encoding) != "utf-8";
+  }
+
   ExpatParser _parser;
   bool _hasMark;
+  bool _hasUTF8Mark;
   bool _keepWhiteSpace;
   bool _accepted = false;
   bool _hasDoctype = false;
+  bool _contradictsItsMark = false;
   std::size_t _depth = 0;
   std::string _text;
   std::optional<std::string> _textPlace;
@@ -153,6 +171,7 @@ void compare(std::string_view input, bool keepWhiteSpace) {
     return;
   }
   expectThat(events.accepted(), "Expat accepts an accepted document");
+  if (events.contradictsItsMark()) return;
   options.strict = false;
   const Document::Result lenient = Document::fromBytes(std::string(input), options);
   expectThat(lenient.document != nullptr, "an accepted document is accepted without the strict pass");
