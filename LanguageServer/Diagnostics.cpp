@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <string>
 
+#include "Checks/DocumentCheck.h"
 #include "Loader/DefinitionLoader.h"
-#include "Tool/Finding.h"
 
 namespace korvex::lsp {
 
 namespace {
 
 constexpr int severityError = 1;
+constexpr int severityWarning = 2;
 constexpr std::size_t mostDiagnostics = 1000;
 
 // What an editor hands over is UTF-8, whatever its declaration says the file is: the encoding's place is filled with
@@ -25,36 +26,29 @@ std::string withoutEncoding(std::string text) {
   return text;
 }
 
-// The tag's "<" and name where an element is at fault, else the rest of the line.
-Span spanAt(const MarkedDocument& document, const XMLPosition& position, const SourceText& source) {
-  const std::size_t begin = source.offset(position);
-  const MarkupElement* element = document.markup().startTagAt(begin + 1);
-  if (element && element->startTag.begin == begin) return {begin, element->name.end};
-  const std::size_t end = std::min(source.text().find_first_of("\r\n", begin), source.text().size());
-  return {begin, end};
-}
-
 Json diagnostic(const MarkedDocument& document, const Finding& finding, const SourceText& source) {
-  return {{"range", document.text().rangeOf(spanAt(document, finding.position, source))},
-          {"severity", severityError},
+  const Span span{source.offset(finding.position), source.offset(finding.end)};
+  return {{"range", document.text().rangeOf(span)},
+          {"severity", finding.severity == Severity::Error ? severityError : severityWarning},
+          {"code", finding.rule->name},
           {"source", "korvex-dao"},
           {"message", finding.message}};
+}
+
+std::vector<Finding> findingsIn(const Document::Result& result) {
+  if (result.error) return {findingOf({}, *result.error, result.source.get())};
+  return findingsOf({}, *result.document, loadDefinitions(*result.document));
 }
 
 }  // namespace
 
 Json diagnosticsOf(const MarkedDocument& document) {
-  Json diagnostics = Json::array();
+  static const SourceText noSource{""};  // of a text that was refused unread
   const Document::Result result = Document::fromBytes(withoutEncoding(document.text().text()));
-  if (result.error) {
-    static const SourceText noSource{""};  // of a text that was refused unread
-    diagnostics.push_back(
-        diagnostic(document, findingOf({}, *result.error), result.source ? *result.source : noSource));
-    return diagnostics;
-  }
-  for (const Definition& definition : loadDefinitions(*result.document)) {
-    if (!definition.error) continue;
-    diagnostics.push_back(diagnostic(document, findingOf({}, definition), *result.source));
+  const SourceText& source = result.source ? *result.source : noSource;
+  Json diagnostics = Json::array();
+  for (const Finding& finding : findingsIn(result)) {
+    diagnostics.push_back(diagnostic(document, finding, source));
     if (diagnostics.size() == mostDiagnostics) break;
   }
   return diagnostics;

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Language/Markup.h"
 #include "LanguageServer/Json.h"
-#include "LanguageServer/Markup.h"
 
 namespace korvex::lsp {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "LanguageServer/Markup.h"
+#include "Language/Markup.h"
 #include "LanguageServer/TextDocument.h"
 
 namespace korvex::lsp {

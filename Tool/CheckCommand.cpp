@@ -2,8 +2,10 @@
 
 #include <ostream>
 
+#include "Checks/DocumentCheck.h"
 #include "Tool/Counted.h"
-#include "Tool/Finding.h"
+#include "Tool/FindingJson.h"
+#include "Tool/FindingText.h"
 #include "Tool/InputFiles.h"
 #include "Tool/OutOfMemory.h"
 
@@ -41,7 +43,7 @@ class Check {
       addUnreadable({path, result.error->message});
     } else {
       ++_files;
-      addFinding(findingOf(path, *result.error), result.source.get());
+      addFinding(findingOf(path, *result.error, result.source.get()), result.source.get());
     }
   }
 
@@ -49,13 +51,11 @@ class Check {
     const std::vector<Definition> definitions = loadDefinitions(document);
     ++_files;
     _definitions += definitions.size();
-    for (const Definition& definition : definitions) {
-      if (definition.error) addFinding(findingOf(path, definition), &document.source());
-    }
+    for (const Finding& finding : findingsOf(path, document, definitions)) addFinding(finding, &document.source());
   }
 
   void addFinding(const Finding& finding, const SourceText* source) {
-    ++_errors;
+    ++(finding.severity == Severity::Error ? _errors : _warnings);
     if (_options.format == CheckFormat::Json) {
       _findings.push_back(findingJson(finding));
     } else {
@@ -73,16 +73,14 @@ class Check {
     _console.out.flush();
     _console.err << counted(_definitions, "definition") << " in " << counted(_files, "file") << ", "
                  << counted(_errors, "error");
+    if (_warnings > 0) _console.err << ", " << counted(_warnings, "warning");
     if (!_unreadable.empty()) _console.err << ", " << counted(_unreadable.size(), "unreadable path");
     _console.err << '\n';
   }
 
   [[nodiscard]] Json report() const {
-    return {{"findings", _findings},
-            {"unreadable", _unreadable},
-            {"definitions", _definitions},
-            {"files", _files},
-            {"errors", _errors}};
+    return {{"findings", _findings}, {"unreadable", _unreadable}, {"definitions", _definitions},
+            {"files", _files},       {"errors", _errors},         {"warnings", _warnings}};
   }
 
   const CheckOptions& _options;
@@ -93,6 +91,7 @@ class Check {
   std::size_t _definitions = 0;
   std::size_t _files = 0;  // that could be read
   std::size_t _errors = 0;
+  std::size_t _warnings = 0;
 };
 
 }  // namespace

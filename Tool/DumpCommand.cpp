@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <ostream>
 
+#include "Checks/DocumentCheck.h"
 #include "Tool/ElementJson.h"
 #include "Tool/ElementTree.h"
-#include "Tool/Finding.h"
+#include "Tool/FindingText.h"
 #include "Tool/InputFiles.h"
 #include "Tool/OutOfMemory.h"
 
@@ -44,7 +45,8 @@ ExitCode reportFailure(const std::string& path, const Document::Result& result, 
     printUnreadable(err, {path, result.error->message});
     return ExitCodeTrouble;
   }
-  printFinding(err, findingOf(path, *result.error), result.source.get(), false);
+  const SourceText* source = result.source.get();
+  printFinding(err, findingOf(path, *result.error, source), source, false);
   return ExitCodeSomethingFound;
 }
 

@@ -178,10 +178,11 @@ TEST(Check, JsonReport) {
   Json report = Json::parse(result.out);
   EXPECT_EQ(report.at("unreadable").at(0).at("path"), "/no/such.xml");
   report.erase("unreadable");
-  EXPECT_EQ(report.dump(), R"({"findings":[{"path":"<stdin>","line":2,"column":1,"severity":"error",)"
-                           R"("message":"Result type of map 'm' cannot be nil.",)"
+  EXPECT_EQ(report.dump(), R"({"findings":[{"path":"<stdin>","line":2,"column":1,"endLine":2,"endColumn":5,)"
+                           R"("severity":"error","rule":"missing-map-result",)"
+                           R"("message":"Result type of map 'm' cannot be nil.","help":null,"related":[],)"
                            R"("definition":{"tag":"map","name":"m","line":2}}],)"
-                           R"("definitions":1,"files":1,"errors":1})");
+                           R"("definitions":1,"files":1,"errors":1,"warnings":0})");
   EXPECT_TRUE(result.err.ends_with("1 definition in 1 file, 1 error, 1 unreadable path\n")) << result.err;
 }
 

@@ -4,8 +4,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "Language/Markup.h"
 #include "Language/Vocabulary.h"
-#include "LanguageServer/Markup.h"
 #include "Loader/DefinitionLoader.h"
 
 namespace korvex {
@@ -30,9 +30,9 @@ bool isRefused(const std::string& text) {
 // Calls back for each element of the language in the document.
 template <typename Visit>
 void forEachElement(const std::string& text, Visit visit) {
-  const lsp::Markup markup(text);
+  const Markup markup(text);
   std::size_t count = 0;
-  for (const lsp::MarkupElement& element : markup.elements()) {
+  for (const MarkupElement& element : markup.elements()) {
     const ElementEntry* entry = vocabularyEntryOf(markup.nameOf(element));
     if (!entry) continue;
     ++count;
@@ -42,7 +42,7 @@ void forEachElement(const std::string& text, Visit visit) {
 }
 
 // What keeps an optional attribute from being left out in the document at hand.
-bool isNeededByAnother(const lsp::Markup& markup, const lsp::MarkupElement& element, std::string_view attribute) {
+bool isNeededByAnother(const Markup& markup, const MarkupElement& element, std::string_view attribute) {
   const bool hasBoth = markup.valueOf(element, C_PREFIX_OVERRIDES) && markup.valueOf(element, C_SUFFIX_OVERRIDES);
   if (attribute.ends_with("Overrides")) return !hasBoth;
   return attribute == C_ARGUMENTS && markup.valueOf(element, C_FOREACH);
@@ -50,8 +50,8 @@ bool isNeededByAnother(const lsp::Markup& markup, const lsp::MarkupElement& elem
 
 TEST(Vocabulary, RequiredAttributesAreRequired) {
   const std::string text = addressBook();
-  forEachElement(text, [&](const lsp::Markup& markup, const lsp::MarkupElement& element, const ElementEntry& entry) {
-    for (const lsp::MarkupAttribute& attribute : element.attributes) {
+  forEachElement(text, [&](const Markup& markup, const MarkupElement& element, const ElementEntry& entry) {
+    for (const MarkupAttribute& attribute : element.attributes) {
       const std::string_view name = markup.textOf(attribute.name);
       if (isNeededByAnother(markup, element, name)) continue;
       const AttributeEntry* known = attributeEntryOf(entry, name);
@@ -65,18 +65,17 @@ TEST(Vocabulary, RequiredAttributesAreRequired) {
 
 TEST(Vocabulary, OtherAttributesAreRefusedOrPassedOver) {
   const std::string text = addressBook();
-  forEachElement(text,
-                 [&text](const lsp::Markup& /*markup*/, const lsp::MarkupElement& element, const ElementEntry& entry) {
-                   std::string more = text;
-                   more.insert(element.name.end, " unheardOf='1'");
-                   EXPECT_EQ(isRefused(more), entry.attributeRule != AttributeRule::OthersPassedOver) << entry.tag;
-                 });
+  forEachElement(text, [&text](const Markup& /*markup*/, const MarkupElement& element, const ElementEntry& entry) {
+    std::string more = text;
+    more.insert(element.name.end, " unheardOf='1'");
+    EXPECT_EQ(isRefused(more), entry.attributeRule != AttributeRule::OthersPassedOver) << entry.tag;
+  });
 }
 
 TEST(Vocabulary, ChildrenAreThoseThatMayStandInside) {
   const std::string text = addressBook();
-  forEachElement(text, [](const lsp::Markup& markup, const lsp::MarkupElement& element, const ElementEntry& entry) {
-    const lsp::MarkupElement* parent = markup.parentOf(element);
+  forEachElement(text, [](const Markup& markup, const MarkupElement& element, const ElementEntry& entry) {
+    const MarkupElement* parent = markup.parentOf(element);
     const ElementEntry* holder = parent ? vocabularyEntryOf(markup.nameOf(*parent)) : nullptr;
     if (!holder) return;
     EXPECT_NE(std::find(holder->children.begin(), holder->children.end(), entry.tag), holder->children.end())
@@ -90,26 +89,25 @@ TEST(Vocabulary, ChildrenAreThoseThatMayStandInside) {
 // Text and an unknown element, put into every element.
 TEST(Vocabulary, ContentIsWhatMayStandInside) {
   const std::string text = addressBook();
-  forEachElement(text,
-                 [&text](const lsp::Markup& markup, const lsp::MarkupElement& element, const ElementEntry& entry) {
-                   const bool empty = markup.textOf(element.startTag).ends_with("/>");
-                   const auto with = [&](const std::string& content) {
-                     std::string more = text;
-                     if (!empty) return more.insert(element.startTag.end, content);
-                     const std::string filling = ">" + content + "</" + std::string(entry.tag) + ">";
-                     return more.replace(element.startTag.end - 2, 2, filling);
-                   };
-                   const auto holdsOneOf = [&entry](std::initializer_list<Content> contents) {
-                     return std::find(contents.begin(), contents.end(), entry.content) != contents.end();
-                   };
-                   EXPECT_EQ(isRefused(with("<!-- -->")), holdsOneOf({Content::Nothing})) << entry.tag;
-                   EXPECT_EQ(isRefused(with("<unheardOf/>")), !holdsOneOf({Content::PassedOver})) << entry.tag;
-                   const bool sole = text.find("<step", element.startTag.end) == text.find('<', element.startTag.end) ||
-                                     text.find("<try", element.startTag.end) == text.find('<', element.startTag.end);
-                   if (!sole) {
-                     EXPECT_EQ(isRefused(with("x")), holdsOneOf({Content::Nothing, Content::Elements})) << entry.tag;
-                   }
-                 });
+  forEachElement(text, [&text](const Markup& markup, const MarkupElement& element, const ElementEntry& entry) {
+    const bool empty = markup.textOf(element.startTag).ends_with("/>");
+    const auto with = [&](const std::string& content) {
+      std::string more = text;
+      if (!empty) return more.insert(element.startTag.end, content);
+      const std::string filling = ">" + content + "</" + std::string(entry.tag) + ">";
+      return more.replace(element.startTag.end - 2, 2, filling);
+    };
+    const auto holdsOneOf = [&entry](std::initializer_list<Content> contents) {
+      return std::find(contents.begin(), contents.end(), entry.content) != contents.end();
+    };
+    EXPECT_EQ(isRefused(with("<!-- -->")), holdsOneOf({Content::Nothing})) << entry.tag;
+    EXPECT_EQ(isRefused(with("<unheardOf/>")), !holdsOneOf({Content::PassedOver})) << entry.tag;
+    const bool sole = text.find("<step", element.startTag.end) == text.find('<', element.startTag.end) ||
+                      text.find("<try", element.startTag.end) == text.find('<', element.startTag.end);
+    if (!sole) {
+      EXPECT_EQ(isRefused(with("x")), holdsOneOf({Content::Nothing, Content::Elements})) << entry.tag;
+    }
+  });
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace korvex::lsp {
+namespace korvex {
 
 // Bytes of the text, the first and one past the last.
 struct Span {
@@ -60,4 +60,4 @@ class Markup {
   std::vector<MarkupElement> _elements;
 };
 
-}  // namespace korvex::lsp
+}  // namespace korvex

@@ -1,9 +1,9 @@
-#include "LanguageServer/Markup.h"
+#include "Language/Markup.h"
 
 #include <algorithm>
 #include <array>
 
-namespace korvex::lsp {
+namespace korvex {
 
 namespace {
 
@@ -181,4 +181,4 @@ const MarkupElement* Markup::parentOf(const MarkupElement& element) const {
   return element.parent == MarkupElement::none ? nullptr : &_elements[element.parent];
 }
 
-}  // namespace korvex::lsp
+}  // namespace korvex
