@@ -1,29 +1,59 @@
 #include "Checks/DocumentCheck.h"
 
+#include <algorithm>
+#include <tuple>
+
+#include "Checks/DocumentWarnings.h"
+#include "Checks/NearMiss.h"
 #include "Checks/Places.h"
+#include "Checks/RuleNames.h"
+#include "Checks/Silences.h"
 
 namespace korvex {
 
 namespace {
 
-Finding findingAt(const Places& places, const std::string& path, const Rule& rule, const XMLPosition& position) {
-  Finding finding;
-  finding.rule = &rule;
-  finding.severity = rule.severity;
-  finding.path = path;
-  finding.position = position;
-  finding.end = places.source().position(places.spanAt(places.source().offset(position)).end);
+// Looking for a similar name takes time in proportion to all of them.
+constexpr std::size_t mostHints = 100;
+
+// At the node at fault.
+Finding errorOf(const Definition& definition, const WarningList& list) {
+  const QXDAOError& error = *definition.error;
+  const std::size_t begin = list.places().offsetOf(error.origin.position() ? error.origin : definition.xml);
+  Finding finding = list.findingAt(ruleOfError(error), list.places().spanAt(begin));
+  finding.message = error.message();
+  finding.definition = inDefinition(definition);
   return finding;
 }
 
-// At the node at fault.
-Finding findingOf(const Places& places, const std::string& path, const Definition& definition) {
-  const QXDAOError& error = *definition.error;
-  Finding finding =
-      findingAt(places, path, ruleOfError(error), error.origin.position().value_or(definition.position()));
-  finding.message = error.message();
-  finding.definition = Finding::InDefinition{
-      std::string(definition.tag()), ownedString(error.xml().valueOfAttribute(C_ID)), definition.position().line};
+bool standsBefore(const Finding& first, const Finding& second) {
+  return std::tie(first.position.line, first.position.column) < std::tie(second.position.line, second.position.column);
+}
+
+// The name of the map that a result is made through.
+OptionalStringView mapOf(const Definition& definition) {
+  const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
+  const bool mapped = method && method->operation() == QXDAOOperationSelect &&
+                      method->resultType() == QXDAOSelectResultTypeMappedObject;
+  return mapped ? method->resultTypeName() : OptionalStringView();
+}
+
+// The name in ":name" and "[:name]".
+Span placeOfMap(const Definition& definition, std::string_view map, const Places& places) {
+  const WrittenValue result = places.writtenValueOf(definition.xml, C_RESULT);
+  return result.of(result.value.substr(result.value.find(':') + 1, map.size()));
+}
+
+Finding unusedSilence(const Silence& silence, const WarningList& list) {
+  Finding finding = list.findingAt(*ruleNamed(RuleNames::unusedSilence), silence.comment);
+  finding.message = "there is no warning '" + std::string(silence.name) + "' to silence here";
+  return finding;
+}
+
+Finding unknownWarning(const Silence& silence, const WarningList& list) {
+  Finding finding = list.findingAt(*ruleNamed(RuleNames::unknownWarning), silence.comment);
+  finding.message = "no warning has the name '" + std::string(silence.name) + "'";
+  finding.help = didYouMean(silence.name, warningNames());
   return finding;
 }
 
@@ -31,19 +61,90 @@ Finding findingOf(const Places& places, const std::string& path, const Definitio
 
 Finding findingOf(const std::string& path, const DocumentError& error, const SourceText* source) {
   static const SourceText noSource{""};
-  Finding finding = findingAt(Places(source ? *source : noSource), path, ruleOfError(error), error.position);
+  const Places places(source ? *source : noSource);
+  const WarningList list(places, path);
+  Finding finding = list.findingAt(ruleOfError(error), places.spanAt(places.source().offset(error.position)));
+  finding.position = error.position;
   finding.message = error.message;
   return finding;
 }
 
-std::vector<Finding> findingsOf(const std::string& path, const Document& document,
-                                const std::vector<Definition>& definitions) {
-  std::vector<Finding> findings;
+std::vector<Finding> SetCheck::check(const std::string& path, const Document& document,
+                                     const std::vector<Definition>& definitions) {
   const Places places(document.source());
+  WarningList list(places, path);
+  std::vector<Finding> findings;
   for (const Definition& definition : definitions) {
-    if (definition.error) findings.push_back(findingOf(places, path, definition));
+    if (definition.error) findings.push_back(errorOf(definition, list));
+    findWarningsIn(definition, list);
+  }
+  _names.add(definitions, list);
+  Silences silences(places);
+  for (FoundWarning& warning : list.warnings()) {
+    if (!silences.use(warning)) hand(std::move(warning.finding), findings);
+  }
+  list.warnings().clear();
+  addReferences(definitions, list, silences);
+  handSilences(list, silences, findings);
+  std::stable_sort(findings.begin(), findings.end(), standsBefore);
+  return findings;
+}
+
+void SetCheck::addReferences(const std::vector<Definition>& definitions, WarningList& list, Silences& silences) {
+  if (!_selection.wants(*ruleNamed(RuleNames::undefinedMap))) return;
+  for (const Definition& definition : definitions) {
+    const OptionalStringView map = mapOf(definition);
+    if (!map) continue;
+    list.setDefinition(definition);
+    list.add(RuleNames::undefinedMap, definition.xml, placeOfMap(definition, *map, list.places()),
+             "no map has the name '" + std::string(*map) + "'");
+    FoundWarning& warning = list.warnings().back();
+    MapReference& reference = _references.emplace_back();
+    reference.map = *map;
+    if (const Silence* silence = silences.use(warning)) {
+      reference.silenced = true;
+      reference.unusedSilence = unusedSilence(*silence, list);
+    }
+    reference.finding = std::move(warning.finding);
+  }
+}
+
+void SetCheck::hand(Finding finding, std::vector<Finding>& findings) const {
+  if (!_selection.wants(*finding.rule)) return;
+  finding.severity = _selection.severityOf(*finding.rule);
+  findings.push_back(std::move(finding));
+}
+
+// Whether a warning would be there that nobody wants is not asked.
+void SetCheck::handSilences(const WarningList& list, const Silences& silences, std::vector<Finding>& findings) const {
+  for (const Silence& silence : silences.all()) {
+    if (!silence.rule) {
+      hand(unknownWarning(silence, list), findings);
+    } else if (!silence.used && _selection.wants(*silence.rule)) {
+      hand(unusedSilence(silence, list), findings);
+    }
+  }
+}
+
+std::vector<Finding> SetCheck::finish() {
+  std::vector<Finding> findings;
+  if (!_complete) return findings;
+  const std::vector<std::string_view> maps = _names.mapNames();
+  for (MapReference& reference : _references) {
+    const bool defined = _names.hasMap(reference.map);
+    if (!defined && !reference.silenced) {
+      if (findings.size() < mostHints) reference.finding.help = didYouMean(reference.map, maps);
+      hand(std::move(reference.finding), findings);
+    } else if (defined && reference.silenced) {
+      hand(std::move(*reference.unusedSilence), findings);
+    }
   }
   return findings;
+}
+
+std::vector<Finding> findingsOf(const std::string& path, const Document& document,
+                                const std::vector<Definition>& definitions) {
+  return SetCheck().check(path, document, definitions);
 }
 
 }  // namespace korvex

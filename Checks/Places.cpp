@@ -4,6 +4,10 @@
 
 namespace korvex {
 
+std::size_t Places::offsetOf(const XMLNode& node) const {
+  return _source.offset(node.position().value_or(XMLPosition()));
+}
+
 const MarkupElement* Places::elementAt(std::size_t offset) const {
   const MarkupElement* element = _markup.startTagAt(offset + 1);
   return element && element->startTag.begin == offset ? element : nullptr;
@@ -12,6 +16,31 @@ const MarkupElement* Places::elementAt(std::size_t offset) const {
 Span Places::spanAt(std::size_t offset) const {
   if (const MarkupElement* element = elementAt(offset)) return {offset, element->name.end};
   return {offset, std::min(_source.text().find_first_of("\r\n", offset), _source.text().size())};
+}
+
+const MarkupAttribute* Places::attributeOf(const XMLNode& element, std::string_view name) const {
+  const MarkupElement* markup = elementAt(offsetOf(element));
+  if (!markup) return nullptr;
+  const auto found =
+      std::find_if(markup->attributes.begin(), markup->attributes.end(),
+                   [&](const MarkupAttribute& attribute) { return _markup.textOf(attribute.name) == name; });
+  return found == markup->attributes.end() ? nullptr : &*found;
+}
+
+Span Places::nameOf(const XMLNode& element, std::string_view attribute) const {
+  const MarkupAttribute* markup = attributeOf(element, attribute);
+  return markup ? markup->name : spanAt(offsetOf(element));
+}
+
+Span Places::valueOf(const XMLNode& element, std::string_view attribute) const {
+  const MarkupAttribute* markup = attributeOf(element, attribute);
+  return markup && markup->value ? *markup->value : spanAt(offsetOf(element));
+}
+
+WrittenValue Places::writtenValueOf(const XMLNode& element, std::string_view attribute) const {
+  const Span whole = valueOf(element, attribute);
+  const std::string_view value = element.valueOfAttribute(attribute).value_or(std::string_view());
+  return {whole, value, _markup.textOf(whole) == value};
 }
 
 }  // namespace korvex

@@ -60,6 +60,12 @@ constexpr auto allRules = [] {
   return all;
 }();
 
+constexpr auto namesOfWarnings = [] {
+  std::array<std::string_view, warningRules.size()> names;
+  std::transform(warningRules.begin(), warningRules.end(), names.begin(), [](const Rule& rule) { return rule.name; });
+  return names;
+}();
+
 bool fits(std::string_view message, std::string_view format) {
   const std::size_t blank = format.find("%@");
   if (blank == std::string_view::npos) return message == format;
@@ -76,6 +82,8 @@ const Rule* ruleNamed(std::string_view name) {
       std::find_if(allRules.begin(), allRules.end(), [name](const Rule& candidate) { return candidate.name == name; });
   return rule == allRules.end() ? nullptr : rule;
 }
+
+std::span<const std::string_view> warningNames() { return namesOfWarnings; }
 
 // The table has every message, so what fits no other row is of the last.
 const Rule& ruleOfError(const QXDAOError& error) {

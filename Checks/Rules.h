@@ -29,6 +29,7 @@ struct Rule {
 // Errors first, in the order of DAO/Core/Messages.h, then those of whole documents, then warnings.
 [[nodiscard]] std::span<const Rule> rules();
 [[nodiscard]] const Rule* ruleNamed(std::string_view name);
+[[nodiscard]] std::span<const std::string_view> warningNames();
 
 [[nodiscard]] const Rule& ruleOfError(const QXDAOError& error);
 [[nodiscard]] const Rule& ruleOfError(const DocumentError& error);

@@ -10,6 +10,8 @@ namespace {
 constexpr std::string_view whiteSpace = " \t\r\n";
 constexpr std::string_view endsName = " \t\r\n=/<>\"'";
 
+constexpr std::string_view commentOpening = "<!--";
+
 // Markup that holds no elements, and what ends it.
 struct Passage {
   std::string_view opening;
@@ -17,7 +19,7 @@ struct Passage {
 };
 
 constexpr std::array<Passage, 4> passages = {{
-    {"<!--", "-->"},
+    {commentOpening, "-->"},
     {"<![CDATA[", "]]>"},
     {"<?", "?>"},
     {"<!", ">"},
@@ -28,7 +30,8 @@ constexpr std::array<Passage, 4> passages = {{
 // Goes through the text once.
 class MarkupScanner {
  public:
-  explicit MarkupScanner(Markup& markup) : _text(markup._text), _elements(markup._elements) {}
+  explicit MarkupScanner(Markup& markup)
+      : _text(markup._text), _elements(markup._elements), _comments(markup._comments) {}
 
   void run() {
     while ((_at = _text.find('<', _at)) != std::string_view::npos) {
@@ -43,8 +46,10 @@ class MarkupScanner {
       return _text.substr(_at).starts_with(candidate.opening);
     });
     if (passage == passages.end()) return false;
+    const std::size_t begin = _at;
     const std::size_t end = _text.find(passage->closing, _at + passage->opening.size());
     _at = end == std::string_view::npos ? _text.size() : end + passage->closing.size();
+    if (passage->opening == commentOpening && end != std::string_view::npos) _comments.push_back({begin, _at});
     return true;
   }
 
@@ -144,6 +149,7 @@ class MarkupScanner {
 
   std::string_view _text;
   std::vector<MarkupElement>& _elements;
+  std::vector<Span>& _comments;
   std::vector<std::size_t> _open;
   std::size_t _at = 0;
 };

@@ -47,6 +47,8 @@ class Markup {
 
   // In document order, a holder before what it holds.
   [[nodiscard]] const std::vector<MarkupElement>& elements() const { return _elements; }
+  // In document order, each from its "<!--" to behind its "-->".
+  [[nodiscard]] const std::vector<Span>& comments() const { return _comments; }
   // The element whose start tag has the offset inside it, behind the "<"; null when there is none.
   [[nodiscard]] const MarkupElement* startTagAt(std::size_t offset) const;
   // The innermost element around the offset; null outside the root.
@@ -58,6 +60,7 @@ class Markup {
 
   std::string_view _text;
   std::vector<MarkupElement> _elements;
+  std::vector<Span> _comments;
 };
 
 }  // namespace korvex

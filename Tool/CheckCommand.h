@@ -17,6 +17,9 @@ struct CheckOptions {
   CheckFormat format = CheckFormat::Text;
   ColorMode color = ColorMode::Auto;  // of the text format
   LoadOptions load;
+  std::vector<std::string> warnings;    // names of those to give, beside those that are given anyway
+  std::vector<std::string> noWarnings;  // and of those not to give
+  bool warningsAreErrors = false;
 };
 
 // Findings go to `console.out`; a summary line and inputs that cannot be read to `console.err`.

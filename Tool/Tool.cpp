@@ -7,9 +7,12 @@
 #include <map>
 #include <ostream>
 
+#include "Checks/NearMiss.h"
+#include "Checks/Rules.h"
 #include "Tool/CheckCommand.h"
 #include "Tool/DumpCommand.h"
 #include "Tool/UnpackCommand.h"
+#include "Tool/VisibleText.h"
 
 namespace korvex {
 namespace {
@@ -20,19 +23,39 @@ constexpr const char* generalFooter = R"(Examples:
   korvex-dao unpack --db app.sqlite --table person --column info
   korvex-dao check --help)";
 
-constexpr const char* checkFooter = R"(Prints one finding for each refused definition or malformed document:
+constexpr const char* checkFooter = R"(Prints one finding for each refused definition or malformed document, and for
+what is taken but hardly meant:
   path:line:column: error: message
+  path:line:column: warning: message [name]
 with the source line and a caret below it. Lines and columns count from 1,
 columns in characters (code points).
+
+Warnings, by the names that --warn and --no-warn take:
+  unread-attribute           an attribute that its element never reads
+  duplicate-name             two definitions of a kind with the same name
+  undefined-map              a result names a map that is not defined; given
+                             with --warn, and when PATH is a directory
+  unfinished-list-reference  a list reference that is not written out
+  ignored-content            content of a format, a pack or a map's result
+  misplaced-when             a when or otherwise outside choose
+  duplicate-column           a map names a column twice
+  repeated-property          a pack names a property twice
+  duplicate-argument         a method declares an argument twice
+  lost-resumable             the resumable of a single step
+  unused-silence             a comment that silences nothing
+  unknown-warning            a comment that silences an unknown warning
+The comment <!-- korvex: allow NAME --> directly before an element silences
+the warnings of that name about this element, not about those inside it.
 
 Examples:
   korvex-dao check addressbook.xml
   korvex-dao check --format json definitions/ more.xml
+  korvex-dao check --werror --no-warn duplicate-name definitions/
   generate-definitions | korvex-dao check -
 
 Exit codes:
-  0  nothing found
-  1  something found
+  0  nothing found, or warnings alone
+  1  an error found; with --werror a warning, too
   2  wrong usage, an input that cannot be read (the others are checked all
      the same), or an output that cannot be written)";
 
@@ -89,6 +112,23 @@ void addLoadOptions(CLI::App& command, LoadOptions& options) {
       ->type_name("N");
 }
 
+// Why there is no such warning; empty when there is.
+std::string unknownWarning(const std::string& name) {
+  const auto names = warningNames();
+  if (std::find(names.begin(), names.end(), name) != names.end()) return {};
+  const std::string hint = didYouMean(name, names);
+  return "no warning has the name '" + visibleText(name) + "'" + (hint.empty() ? "" : "; ") + hint;
+}
+
+void addWarnings(CLI::App& command, const std::string& option, std::vector<std::string>& names,
+                 const std::string& help) {
+  command.add_option(option, names, help)
+      ->check(CLI::Validator(unknownWarning, ""))
+      ->type_name("NAME")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
 CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
   CLI::App* command = tool.add_subcommand("check", "Check definition documents and print what is wrong with them");
   command->add_option("PATH", options.paths, "Files, directories to search for *.xml, or - for standard input")
@@ -100,6 +140,9 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
   addChoice<ColorMode>(*command, "--color", options.color,
                        {{"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}},
                        "When to color the text: always, never, or auto (if not given): on a terminal without NO_COLOR");
+  addWarnings(*command, "--warn", options.warnings, "Give the warnings of this name; may be repeated");
+  addWarnings(*command, "--no-warn", options.noWarnings, "Do not give the warnings of this name; may be repeated");
+  command->add_flag("--werror", options.warningsAreErrors, "Take warnings for errors");
   addLoadOptions(*command, options.load);
   command->footer(checkFooter);
   return command;

@@ -5,6 +5,8 @@
 #include <string>
 
 #include "Checks/DocumentCheck.h"
+#include "Checks/NearMiss.h"
+#include "benchmarks/Documents.h"
 
 namespace korvex {
 namespace {
@@ -31,6 +33,180 @@ TEST(Rules, EveryErrorOfADefinitionHasOne) {
     EXPECT_TRUE(violated.contains(rule.name)) << rule.name;
   }
   EXPECT_EQ(ruleOfError(DocumentError{DocumentErrorKind::OutOfMemory, {}, {}}).name, "out-of-memory");
+}
+
+// -------------------------------------------------------------------------------------------
+// Warnings
+
+using Texts = std::vector<std::string>;
+
+WarningSelection everyWarning() {
+  WarningSelection selection;
+  for (const std::string_view name : warningNames()) selection.want(*ruleNamed(name), true);
+  return selection;
+}
+
+// "path:line:column: rule" for each finding of documents that are checked together, named "1", "2" and so on.
+Texts findingsIn(const Texts& documents, const WarningSelection& selection = everyWarning()) {
+  SetCheck set(selection);
+  Texts found;
+  const auto add = [&found](const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings) {
+      found.push_back(finding.path + ":" + std::to_string(finding.position.line) + ":" +
+                      std::to_string(finding.position.column) + ": " + std::string(finding.rule->name));
+    }
+  };
+  for (const std::string& text : documents) {
+    const auto read = Document::fromBytes(text);
+    EXPECT_TRUE(read.document) << text;
+    const std::string path = std::to_string(1 + static_cast<std::size_t>(&text - documents.data()));
+    if (read.document) add(set.check(path, *read.document, loadDefinitions(*read.document)));
+  }
+  add(set.finish());
+  return found;
+}
+
+std::string wrapped(std::string_view definitions) { return "<d>" + std::string(definitions) + "</d>"; }
+
+TEST(Warnings, AreGivenForWhatTheirRulesCallWrong) {
+  for (const std::string_view name : warningNames()) {
+    const Rule& rule = *ruleNamed(name);
+    const Texts wrong = findingsIn({wrapped(rule.wrong)});
+    ASSERT_EQ(wrong.size(), 1U) << name << testing::PrintToString(wrong);
+    EXPECT_TRUE(wrong[0].ends_with(": " + std::string(name))) << name << wrong[0];
+    EXPECT_EQ(findingsIn({wrapped(rule.right)}), Texts()) << name;
+  }
+}
+
+TEST(Warnings, StandWhereTheyAreSeen) {
+  const std::pair<const char*, Texts> cases[] = {
+      {"<select id='a' result='int' x='1' xml:lang='x' xmlns='u' y:z='1'>a</select>", {"1:1:32: unread-attribute"}},
+      {"<update id='a' result='int' resumable='1'><where prefix='x'/></update>",
+       {"1:1:19: unread-attribute", "1:1:32: unread-attribute", "1:1:53: unread-attribute"}},
+      {"<update id='a' arguments='b' foreach='b.c' resumable='1'>x</update>", {}},
+      {"<map id='m' result='P' x='1'><result column='a' property='b' x='1'/></map>",
+       {"1:1:27: unread-attribute", "1:1:65: unread-attribute"}},
+      // In definitions that are refused: what is sure nevertheless, and nothing about what was not built.
+      {"<update id='a'><step x='1' resumable='1'>%{</step><if/></update>",
+       {"1:1:25: unread-attribute", "1:1:54: condition-format"}},
+      {"<select id='a' result='int'><sql id='a' x='1'/></select>", {"1:1:32: unknown-element"}},
+      {"<nope id='a' x='1'/>", {"1:1:4: unknown-definition"}},
+      {"<upgrade toVersion='1'><!-- --><step resumable='yes'><if true='a'/></step></upgrade>",
+       {"1:1:41: lost-resumable"}},
+      {"<update id='a'><step resumable='no'>x</step></update>", {}},
+      {"<map id='m' result='P'><result column='a' property='b'/> <result property='c' column='a'>\n<x/></result></map>",
+       {"1:1:90: duplicate-column", "1:2:1: ignored-content"}},
+      {"<update id='a'><format prefix='a' pairs='b' join='c'> x </format></update>", {"1:1:57: ignored-content"}},
+      {"<update id='a' arguments='$a, b, a ,&#98;'>x</update>",
+       {"1:1:30: duplicate-argument", "1:1:30: duplicate-argument"}},
+      {"<pack as='a' properties='b, c,, c,b,'/>", {"1:1:36: repeated-property", "1:1:38: repeated-property"}},
+      {"<update id='a'><if true='x'><otherwise>x</otherwise></if></update>", {"1:1:32: misplaced-when"}},
+      {"<update id='a'><choose><otherwise><when true='x'/></otherwise></choose></update>", {"1:1:38: misplaced-when"}},
+      // List references
+      {"<update id='a'>x %{'*', a, b} y %{'*', c</update>", {"1:1:36: unfinished-list-reference"}},
+      {"<update id='a'>x %{a, b} y %{'*', c}</update>", {"1:1:21: unfinished-list-reference"}},
+      {"<update id='a'>a = '%{x}' AND b IN (%{'*', 1, 2})</update>", {"1:1:24: unfinished-list-reference"}},
+      {"<update id='a'>a LIKE '%{x}%' OR \"%{\" = '' OR %{'*', a, b}</update>", {"1:1:27: unfinished-list-reference"}},
+      {"<update id='a'>a LIKE '%{x}%' OR \"%{\" = ''</update>", {}},
+      {"<update id='a'><![CDATA[<>]]> x &#37;{'*', a</update>", {"1:1:19: unfinished-list-reference"}},
+      {"<sql id='a'>%{'*', a, b} <!-- %{ --> %{'*'</sql>", {"1:1:34: unfinished-list-reference"}},
+      {"<const A='a %{b'/>", {"1:1:16: unfinished-list-reference"}},
+      {"<update id='a'><foreach item='i' collection='%{'>%{i</foreach></update>",
+       {"1:1:53: unfinished-list-reference"}},
+  };
+  for (const auto& [definitions, expected] : cases) {
+    EXPECT_EQ(findingsIn({wrapped(definitions)}), expected) << definitions;
+  }
+}
+
+TEST(Warnings, AboutNamesInSeveralDocuments) {
+  const std::string one = "<d><select id='a' result=':m'>x</select>\n<map id='n' result='P'/><const C='1'/></d>";
+  const std::pair<Texts, Texts> cases[] = {
+      {{one, "<d><map id='m'/></d>"}, {"2:1:4: missing-map-result"}},
+      {{one}, {"1:1:28: undefined-map"}},
+      {{one, "<insert id='a'>x</insert>", "<select id='a' result='[:nn]'>x</select>"},
+       {"2:1:13: duplicate-name", "3:1:13: duplicate-name", "1:1:28: undefined-map", "3:1:26: undefined-map"}},
+      {{"<d><map id='m' result='P'/></d>", one, "<d><sql id='a'/><const n='1'/><const C='2'/></d>"},
+       {"3:1:38: duplicate-name"}},
+      {{"<d><upgrade toVersion='1'>x</upgrade><upgrade toVersion='1'>x</upgrade><select id='a'/><select id='a'/></d>"},
+       {"1:1:72: missing-result", "1:1:88: missing-result"}},
+  };
+  for (const auto& [documents, expected] : cases) EXPECT_EQ(findingsIn(documents), expected) << documents.back();
+
+  SetCheck set(everyWarning());
+  const auto read = Document::fromBytes(one);
+  const auto definitions = loadDefinitions(*read.document);
+  EXPECT_EQ(set.check("a.xml", *read.document, definitions).size(), 0U);
+  const std::vector<Finding> again = set.check("b.xml", *read.document, definitions);
+  ASSERT_EQ(again.size(), 3U);
+  EXPECT_EQ(again[0].related.at(0).path, "a.xml");
+  EXPECT_EQ(again[0].related.at(0).position, (XMLPosition{1, 16}));
+  EXPECT_EQ(again[0].definition->tag, "select");
+  const std::vector<Finding> late = set.finish();
+  ASSERT_EQ(late.size(), 2U);
+  EXPECT_EQ(late[0].help, "did you mean 'n'?");
+  EXPECT_EQ(late[0].end, (XMLPosition{1, 29}));
+
+  SetCheck incomplete(everyWarning());
+  static_cast<void>(incomplete.check("a.xml", *read.document, definitions));
+  incomplete.addUnread();
+  EXPECT_TRUE(incomplete.finish().empty());
+}
+
+TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
+  const std::string allow = "<!-- korvex: allow unread-attribute -->";
+  const std::string wrong = "<sql id='a' x=''/>";
+  const std::string missing = "<select id='a' result=':m'>x</select>";
+  const std::pair<std::string, Texts> cases[] = {
+      {allow + wrong, {}},
+      {"<!--korvex:\tallow\nunread-attribute-->\n <!-- why -->\n" + wrong, {}},
+      {allow + "<!-- korvex: allow duplicate-name -->" + wrong, {"1:1:43: unused-silence"}},
+      {wrong + allow, {"1:1:16: unread-attribute", "1:1:22: unused-silence"}},
+      {allow + "x" + wrong, {"1:1:4: unused-silence", "1:1:56: unread-attribute"}},
+      {allow + "<update id='u'><step x=''/></update>", {"1:1:4: unused-silence", "1:1:64: unread-attribute"}},
+      {"<update id='u'>a" + allow + "<where x=''/></update>", {}},
+      {"<update id='u'><![CDATA[" + allow + "]]><where x=''/></update>", {"1:1:77: unread-attribute"}},
+      {"<!-- korvex: allow condition-format --><update id='u'><if/></update>",
+       {"1:1:4: unknown-warning", "1:1:58: condition-format"}},
+      {"<!-- korvex: allow a b -->" + wrong, {"1:1:4: unknown-warning", "1:1:42: unread-attribute"}},
+      {"<!-- korvex: allow -->" + wrong, {"1:1:38: unread-attribute"}},
+      {"<!-- korvex: allow undefined-map -->" + missing, {}},
+      {"<!-- korvex: allow undefined-map -->" + missing + "<map id='m' result='P'/>", {"1:1:4: unused-silence"}},
+  };
+  for (const auto& [definitions, expected] : cases) {
+    EXPECT_EQ(findingsIn({wrapped(definitions)}), expected) << definitions;
+  }
+  EXPECT_EQ(findingsIn({wrapped("<!-- korvex: allow undefined-map -->" + missing)}, {}), Texts());
+}
+
+TEST(Warnings, DoNotTroubleDocumentsThatAreRight) {
+  for (const char* example : {"addressbook", "faults", "mistakes"}) {
+    const auto read = Document::fromFile(root + "examples/" + example + ".xml");
+    for (const Finding& finding : findingsOf("", *read.document, loadDefinitions(*read.document))) {
+      EXPECT_EQ(finding.severity, Severity::Error) << example << finding.position.line << finding.message;
+    }
+  }
+  // Chance chooses the names in this one.
+  WarningSelection selection;
+  for (const char* name : {"duplicate-argument", "duplicate-column", "repeated-property"})
+    selection.want(*ruleNamed(name), false);
+  EXPECT_EQ(findingsIn({benchmarks::believableDocument(2000)}, selection), Texts());
+}
+
+TEST(NearMiss, FindsSlipsOfTheFingers) {
+  const std::string_view words[] = {"id", "parallel", "profile", "assignedTable", "resumable"};
+  const std::pair<const char*, const char*> cases[] = {
+      {"paralell", "parallel"},
+      {"PARALLEL", "parallel"},
+      {"porfile", "profile"},
+      {"Id", "id"},
+      {"ids", "id"},
+      {"assignTable", "assignedTable"},
+      {"x", ""},
+      {"", ""},
+      {"columns", ""},
+  };
+  for (const auto& [written, meant] : cases) EXPECT_EQ(nearestOf(written, words), meant) << written;
 }
 
 }  // namespace

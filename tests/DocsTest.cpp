@@ -7,6 +7,7 @@
 #include <sstream>
 #include <utility>
 
+#include "Checks/DocumentCheck.h"
 #include "Language/Vocabulary.h"
 #include "Loader/DefinitionLoader.h"
 
@@ -62,14 +63,14 @@ Lines blocksOf(const std::string& opening) {
   return blocks;
 }
 
-// The messages of the refused definitions, in document order; that of the document if it has none.
+// The messages of what is wrong, in document order; that of the document if it cannot be read.
 Lines findingsIn(const Document::Result& result) {
   if (!result.document) return {result.error->message};
-  Lines findings;
-  for (const Definition& definition : loadDefinitions(*result.document)) {
-    if (definition.error) findings.emplace_back(definition.error->message());
+  Lines messages;
+  for (const Finding& finding : findingsOf("", *result.document, loadDefinitions(*result.document))) {
+    messages.push_back(finding.message);
   }
-  return findings;
+  return messages;
 }
 
 bool fits(const std::string& message, const std::string& format) {

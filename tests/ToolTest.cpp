@@ -216,6 +216,44 @@ TEST(Check, LoaderOptions) {
   EXPECT_EQ(run({"check", "--max-bytes", "4", "-"}, "<dd/>").code, 1);
 }
 
+TEST(Check, Warnings) {
+  const std::string xml = "<d><sql id='a' ix='1'/>\n<!-- korvex: allow duplicate-name --><const A='1'/><sql/></d>";
+  const struct {
+    Arguments options;
+    int code;
+    const char* counts;
+  } cases[] = {
+      {{}, 1, "1 error, 2 warnings"},
+      {{"--no-warn", "unused-silence", "--no-warn=unread-attribute"}, 1, "1 error"},
+      {{"--werror"}, 1, "3 errors"},
+      {{"--no-warn", "duplicate-name"}, 1, "1 error, 1 warning"},
+      {{"--warn", "unread-attribute", "--no-warn", "unread-attribute"}, 1, "1 error, 1 warning"},
+  };
+  for (const auto& [options, code, counts] : cases) {
+    Arguments arguments = {"check"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.emplace_back("-");
+    const Outcome result = run(arguments, xml);
+    EXPECT_EQ(result.code, code);
+    EXPECT_EQ(result.err, "3 definitions in 1 file, " + std::string(counts) + "\n");
+  }
+  const std::string twice = "<d><const A='1'/>\n<const A='1'/></d>";
+  EXPECT_EQ(run({"check", "-"}, twice).code, 0);
+  EXPECT_EQ(run({"check", "--werror", "-"}, twice).code, 1);
+  EXPECT_EQ(run({"check", "-"}, twice).out,
+            "<stdin>:2:8: warning: another constant has the name 'A' [duplicate-name]\n<const A='1'/></d>\n       ^\n"
+            "<stdin>:1:11: note: the first one is here\n");
+  EXPECT_TRUE(
+      run({"check", "-"}, xml)
+          .out.starts_with("<stdin>:1:16: warning: 'sql' never reads the attribute 'ix' [unread-attribute]\n"
+                           "<d><sql id='a' ix='1'/>\n               ^\nhelp: did you mean 'id'?\n<stdin>:2:1: "));
+  const Json report = Json::parse(run({"check", "--format=json", "-"}, twice).out);
+  EXPECT_EQ(report.at("findings").at(0).at("related").dump(),
+            R"([{"path":"<stdin>","line":1,"column":11,"message":"the first one is here"}])");
+  EXPECT_EQ(report.at("findings").at(0).at("severity"), "warning");
+  EXPECT_EQ(report.at("warnings"), 1);
+}
+
 TEST(Excerpt, CaretStandsBelowItsCharacter) {
   const std::string dots(99, '.');
   const struct {
@@ -295,6 +333,21 @@ TEST_F(Files, UnreadableOnesDoNotStopTheOthers) {
   EXPECT_TRUE(result.err.ends_with("1 definition in 1 file, 1 error, 2 unreadable paths\n")) << result.err;
 }
 
+TEST_F(Files, DirectoryIsAllThatMapsAreSoughtIn) {
+  write("a.xml", "<select id='s' result=':m'>x</select>");
+  write("b.xml", "<select id='t' result=':m'>x</select>");
+  EXPECT_EQ(run({"check", path("a.xml")}).out, "");
+  EXPECT_TRUE(run({"check", path("")})
+                  .out.ends_with("b.xml:1:25: warning: no map has the name 'm' [undefined-map]\n"
+                                 "<select id='t' result=':m'>x</select>\n                        ^\n"));
+  EXPECT_EQ(run({"check", "--no-warn", "undefined-map", path("")}).out, "");
+  EXPECT_EQ(run({"check", "--warn", "undefined-map", path("a.xml")}).out.find("a.xml:1:25: warning: "),
+            path("").size());
+  EXPECT_EQ(run({"check", path(""), path("missing.xml")}).out, "");
+  write("c.xml", "<map id='m' result='P'/>");
+  EXPECT_EQ(run({"check", path("")}).out, "");
+}
+
 TEST_F(Files, ForbiddenDirectoryIsReported) {
   if (geteuid() == 0) GTEST_SKIP() << "nothing is forbidden to root";
   fs::create_directory(_directory / "closed");
@@ -323,6 +376,8 @@ TEST(Usage, HelpAndMistakes) {
                                            {"check", "--format", "tree", "-"},
                                            {"dump", "--format", "text", "-"},
                                            {"check", "--color", "2", "-"},
+                                           {"check", "--warn", "unheard-of", "-"},
+                                           {"check", "--no-warn", "-"},
                                            {"check", "--max-bytes", "-1", "-"},
                                            {"check", "--max-bytes", "0", "-"},
                                            {"check", "--max-bytes", "many", "-"},

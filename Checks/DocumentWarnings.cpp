@@ -1,0 +1,303 @@
+#include "Checks/DocumentWarnings.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+
+#include "Checks/NearMiss.h"
+#include "Checks/RuleNames.h"
+#include "DAO/Core/Reading.h"
+#include "Language/Vocabulary.h"
+#include "Platform/Tables.h"
+
+namespace korvex {
+
+namespace {
+
+std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+// ---------------------------------------------------------------------------------------------
+// Attributes
+
+bool belongsToXML(std::string_view attribute) {
+  return attribute == "xmlns" || attribute.find(':') != std::string_view::npos;
+}
+
+std::string nearAttribute(const ElementEntry& element, std::string_view written) {
+  std::vector<std::string_view> names;
+  names.reserve(element.attributes.size());
+  for (const AttributeEntry& attribute : element.attributes) names.push_back(attribute.name);
+  return didYouMean(written, names);
+}
+
+// Methods read "resumable" only when they have a "foreach".
+bool lacksItsForeach(const XMLNode& node, std::string_view attribute) {
+  return attribute == C_RESUMABLE && node.name() != C_STEP && isEmpty(node.valueOfAttribute(C_FOREACH));
+}
+
+bool isRead(const XMLNode& node, const ElementEntry& element, std::string_view attribute) {
+  return attributeEntryOf(element, attribute) && !lacksItsForeach(node, attribute);
+}
+
+// The name of an attribute, which is the element's `index`-th.
+Span placeOfName(const Places& places, const MarkupElement* markup, std::size_t index, std::size_t element) {
+  const bool known = markup && index < markup->attributes.size();
+  return known ? markup->attributes[index].name : places.spanAt(element);
+}
+
+void findUnreadAttributes(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  if (element.attributeRule != AttributeRule::OthersPassedOver) return;
+  std::optional<std::size_t> offset;
+  std::size_t index = 0;
+  for (const XMLAttribute& attribute : node.attributes()) {
+    const std::size_t place = index++;
+    const std::string_view name = *attribute.name();
+    if (isRead(node, element, name) || belongsToXML(name)) continue;
+    if (!offset) offset = list.places().offsetOf(node);
+    Finding& finding = list.add(RuleNames::unreadAttribute, node,
+                                placeOfName(list.places(), list.places().elementAt(*offset), place, *offset),
+                                inQuotes(element.tag) + " never reads the attribute " + inQuotes(name));
+    const bool alone = attributeEntryOf(element, name) != nullptr;
+    finding.help = alone ? "it is read only together with 'foreach'" : nearAttribute(element, name);
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Names that are written twice
+
+// Adds a warning for each name that an earlier one repeats. Names are views that stay valid.
+class Repetitions {
+ public:
+  Repetitions(std::string_view rule, WarningList& list) : _rule(rule), _list(list) {}
+
+  void take(std::string_view name, const XMLNode& element, Span place, std::string_view message) {
+    const auto [first, isNew] = _places.try_emplace(name, place);
+    if (isNew) return;
+    Finding& finding = _list.add(_rule, element, place, filledFormat(message, name));
+    finding.related.push_back(_list.relatedAt(first->second, "the first one is here"));
+  }
+
+ private:
+  std::string_view _rule;
+  WarningList& _list;
+  std::unordered_map<std::string_view, Span> _places;
+};
+
+void findDuplicateColumns(const Definition& definition, WarningList& list) {
+  Repetitions columns(RuleNames::duplicateColumn, list);
+  for (const XMLNode& result : definition.xml.children()) {
+    const OptionalStringView column = result.valueOfAttribute(C_COLUMN);
+    if (isEmpty(column)) continue;
+    columns.take(*column, result, list.places().valueOf(result, C_COLUMN),
+                 "the map names the column '%@' twice, and the last one wins");
+  }
+}
+
+// The names in an attribute, one by one, without the mark in front of them.
+void findRepeatedNames(const Definition& definition, std::string_view attribute, std::string_view mark,
+                       Repetitions names, std::string_view message, const WarningList& list) {
+  const WrittenValue written = list.places().writtenValueOf(definition.xml, attribute);
+  for (OptionalStringView rest = written.value; rest;) {
+    std::string_view name = spaceBothEndsTrimmed(takePiece(rest, ','));
+    if (name.starts_with(mark)) name.remove_prefix(mark.size());
+    if (name.empty()) continue;
+    names.take(name, definition.xml, written.of(name), message);
+  }
+}
+
+void findRepeatedProperties(const Definition& definition, WarningList& list) {
+  findRepeatedNames(definition, C_PROPERTIES, "", Repetitions(RuleNames::repeatedProperty, list),
+                    "the pack names the property '%@' twice", list);
+}
+
+void findDuplicateArguments(const Definition& definition, WarningList& list) {
+  findRepeatedNames(definition, C_ARGUMENTS, "$", Repetitions(RuleNames::duplicateArgument, list),
+                    "the argument '%@' is declared twice", list);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Content
+
+void findIgnoredContent(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  if (element.content != Content::PassedOver) return;
+  for (const XMLNode& child : node.children()) {
+    if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
+    const std::size_t begin = list.places().offsetOf(child);
+    list.add(RuleNames::ignoredContent, node, list.places().spanAt(begin),
+             "what stands in " + inQuotes(element.tag) + " is passed over");
+    return;
+  }
+}
+
+void findMisplacedWhen(const XMLNode& node, const XMLNode& holder, WarningList& list) {
+  const OptionalStringView tag = node.name();
+  if ((tag != C_WHEN && tag != C_OTHERWISE) || holder.name() == C_CHOOSE) return;
+  Finding& finding = list.add(RuleNames::misplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
+                              inQuotes(*tag) + " stands outside 'choose'");
+  finding.help = tag == C_WHEN ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
+}
+
+// A method that was built with a step has no other content than steps.
+void findLostResumable(const Definition& definition, WarningList& list) {
+  if (!definition.element) return;
+  XMLNode step;
+  for (const XMLNode& child : definition.xml.children()) {
+    if (child.name() != C_STEP) continue;
+    if (step) return;
+    step = child;
+  }
+  if (!booleanAttributeValue(step.valueOfAttribute(C_RESUMABLE))) return;
+  list.add(RuleNames::lostResumable, step, list.places().nameOf(step, C_RESUMABLE),
+           "a single step is not resumable: it is taken as if its content stood in the method");
+}
+
+// ---------------------------------------------------------------------------------------------
+// List references
+
+constexpr std::string_view openingOfReference = "%{";
+
+// The first opening that stands in no SQL string and no quoted name; npos when there is none.
+std::size_t openingOutsideQuotes(std::string_view text) {
+  std::size_t at = 0;
+  while ((at = text.find_first_of("'\"%", at)) != std::string_view::npos) {
+    if (text.substr(at).starts_with(openingOfReference)) return at;
+    const std::size_t close = text[at] == '%' ? at : text.find(text[at], at + 1);
+    at = 1 + (close == std::string_view::npos ? at : close);
+  }
+  return at;
+}
+
+// Where in the text the opening stands that is still in its expansion, at `place`: in the part before the first
+// reference that was written out, or in the part behind the last; else the first one there is.
+std::size_t openingBeforeExpansion(std::string_view text, std::string_view expanded, std::size_t place) {
+  if (text.substr(0, place) == expanded.substr(0, place) && text.substr(place).starts_with(openingOfReference)) {
+    return place;
+  }
+  const std::string_view behind = expanded.substr(place);
+  return text.ends_with(behind) ? text.size() - behind.size() : text.find(openingOfReference);
+}
+
+// The opening in the source: of those behind `from`, the one that has as many before it as in the text. It may be
+// written with character references; then `from` is as near as one gets.
+Span placeInSource(const Places& places, std::size_t from, std::string_view text, std::size_t opening) {
+  constexpr std::size_t mostPerByte = 16;  // comments included
+  const std::string_view source = places.source().text().substr(from, mostPerByte * text.size());
+  std::size_t at = source.find(openingOfReference);
+  for (std::size_t other = text.find(openingOfReference); other < opening && at != std::string_view::npos;
+       other = text.find(openingOfReference, other + 1)) {
+    at = source.find(openingOfReference, at + 1);
+  }
+  if (at == std::string_view::npos) return places.spanAt(from);
+  return {from + at, from + at + openingOfReference.size()};
+}
+
+using SourceOffset = std::size_t (*)(const Places& places, const XMLNode& node);
+
+std::size_t beginOf(const Places& places, const XMLNode& node) { return places.offsetOf(node); }
+
+std::size_t contentOf(const Places& places, const XMLNode& node) {
+  const std::size_t begin = places.offsetOf(node);
+  const MarkupElement* element = places.elementAt(begin);
+  return element ? element->startTag.end : begin;
+}
+
+// The text begins in the source where `begin` says of that node.
+void findUnfinishedReference(const XMLNode& element, std::string_view text, const XMLNode& node, SourceOffset begin,
+                             WarningList& list) {
+  if (text.find(openingOfReference) == std::string_view::npos) return;
+  const auto written = QXDAOText::elementWithText(text);
+  const std::string_view expanded = *written->expression();
+  const std::size_t left = openingOutsideQuotes(expanded);
+  if (left == std::string_view::npos) return;
+  const std::size_t opening = openingBeforeExpansion(text, expanded, left);
+  const Span place = placeInSource(list.places(), begin(list.places(), node), text, opening);
+  list.add(RuleNames::unfinishedListReference, element, place, "this list reference is not written out");
+}
+
+void findInTextNodes(const XMLNode& node, WarningList& list) {
+  for (const XMLNode& child : node.children()) {
+    const OptionalStringView text = child.text();
+    if (text) findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(*text), child, beginOf, list);
+  }
+}
+
+void findInForeach(const XMLNode& node, WarningList& list) {
+  const PlainText gathered = plainTextOf(node, [](std::string_view text) { return text; });
+  findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(gathered.text()), node, contentOf, list);
+}
+
+void findInSqlBlock(const XMLNode& node, WarningList& list) {
+  findUnfinishedReference(node, plainTextOf(node, spaceNewLineTabBothEndsTrimmed).text(), node, contentOf, list);
+}
+
+void findInConst(const XMLNode& node, WarningList& list) {
+  findUnfinishedReference(node, *node.onlyAttribute().stringValue(), node, beginOf, list);
+}
+
+struct TextRule {
+  std::string_view tag;
+  void (*find)(const XMLNode& node, WarningList& list);
+};
+
+constexpr std::array<TextRule, 3> gatheredTexts = {{
+    {C_FOREACH, findInForeach},
+    {C_SQL, findInSqlBlock},
+    {C_CONST, findInConst},
+}};
+
+void findUnfinishedReferences(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  if (const TextRule* rule = rowWith(gatheredTexts, &TextRule::tag, element.tag)) return rule->find(node, list);
+  if (element.content == Content::TextAndElements) findInTextNodes(node, list);
+}
+
+// ---------------------------------------------------------------------------------------------
+// The way through a definition
+
+struct DefinitionRule {
+  std::string_view tag;
+  void (*find)(const Definition& definition, WarningList& list);
+};
+
+constexpr std::array<DefinitionRule, 10> definitionRules = {{
+    {C_MAP, findDuplicateColumns},
+    {C_PACK, findRepeatedProperties},
+    {C_SELECT, findDuplicateArguments},
+    {C_UPDATE, findDuplicateArguments},
+    {C_INSERT, findDuplicateArguments},
+    {C_DELETE, findDuplicateArguments},
+    {C_UPDATE, findLostResumable},
+    {C_INSERT, findLostResumable},
+    {C_DELETE, findLostResumable},
+    {C_UPGRADE, findLostResumable},
+}};
+
+bool isDefinition(std::string_view tag) {
+  const auto tags = definitionTags();
+  return std::find(tags.begin(), tags.end(), tag) != tags.end();
+}
+
+void findInElement(const XMLNode& node, const XMLNode& holder, bool built, WarningList& list) {
+  const ElementEntry* element = vocabularyEntryOf(node.name().value_or(std::string_view()));
+  if (!element || (holder && isDefinition(element->tag))) return;  // has an error
+  findUnreadAttributes(node, *element, list);
+  findIgnoredContent(node, *element, list);
+  findMisplacedWhen(node, holder, list);
+  if (built) findUnfinishedReferences(node, *element, list);
+  if (element->content == Content::PassedOver) return;
+  for (const XMLNode& child : node.children()) {
+    if (child.kind() == XMLNodeKind::Element) findInElement(child, node, built, list);
+  }
+}
+
+}  // namespace
+
+void findWarningsIn(const Definition& definition, WarningList& list) {
+  if (!isDefinition(definition.tag())) return;
+  list.setDefinition(definition);
+  findInElement(definition.xml, {}, definition.element != nullptr, list);
+  for (const DefinitionRule& rule : definitionRules) {
+    if (rule.tag == definition.tag()) rule.find(definition, list);
+  }
+}
+
+}  // namespace korvex

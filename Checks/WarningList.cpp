@@ -1,0 +1,33 @@
+#include "Checks/WarningList.h"
+
+namespace korvex {
+
+Finding::InDefinition inDefinition(const Definition& definition) {
+  return {std::string(definition.tag()), ownedString(definition.xml.valueOfAttribute(C_ID)),
+          definition.position().line};
+}
+
+void WarningList::setDefinition(const Definition& definition) { _definition = inDefinition(definition); }
+
+Finding& WarningList::add(std::string_view rule, const XMLNode& element, Span place, std::string message) {
+  FoundWarning& warning = _warnings.emplace_back(findingAt(*ruleNamed(rule), place), _places.offsetOf(element));
+  warning.finding.message = std::move(message);
+  warning.finding.definition = _definition;
+  return warning.finding;
+}
+
+Finding WarningList::findingAt(const Rule& rule, Span place) const {
+  Finding finding;
+  finding.rule = &rule;
+  finding.severity = rule.severity;
+  finding.path = _path;
+  finding.position = _places.source().position(place.begin);
+  finding.end = _places.source().position(place.end);
+  return finding;
+}
+
+Related WarningList::relatedAt(Span place, std::string message) const {
+  return {_path, _places.source().position(place.begin), std::move(message)};
+}
+
+}  // namespace korvex
