@@ -25,13 +25,17 @@ struct AttributeEntry {
   bool required = false;
   ValueKind kind = ValueKind::Text;
   std::span<const std::string_view> words = {};
+  // What the values of this attribute look like, as a regular expression of XML Schema. Without one a value is any
+  // text, but not an empty one when the attribute is required. A value in this form may still be wrong for other
+  // reasons.
+  std::string_view form = {};
 };
 
 // How the attributes of an element go together, beyond those that are required.
 enum class AttributeRule {
   OthersPassedOver,  // an attribute that is not listed means nothing
   NoOthers,          // it is refused
-  ExactlyOne,        // of those listed, and no other
+  ExactlyOne,        // of those listed, not empty, and no other
   AnyOneName,        // exactly one, of whatever name
 };
 
@@ -43,6 +47,14 @@ enum class Content {
   PassedOver,       // whatever stands inside
 };
 
+// How the children of an element go together.
+struct ChildRules {
+  std::string_view last = {};  // stands behind all others, and once at most
+  bool lastRequired = false;
+  std::string_view together = {};  // where it stands there is nothing but more of it
+  std::string_view alone = {};     // where it stands there is nothing else
+};
+
 struct ElementEntry {
   std::string_view tag;
   std::string_view meaning;  // a sentence or two
@@ -50,6 +62,8 @@ struct ElementEntry {
   AttributeRule attributeRule = AttributeRule::OthersPassedOver;
   Content content = Content::Nothing;
   std::span<const std::string_view> children = {};  // the tags of the elements that may stand directly in it
+  ChildRules childRules = {};
+  std::span<const std::string_view> neededAttributes = {};  // at least one of these, not empty
 };
 
 // All elements, definitions first, in the order of docs/language.md.
@@ -57,6 +71,9 @@ struct ElementEntry {
 // Null for a tag that the language does not have.
 [[nodiscard]] const ElementEntry* vocabularyEntryOf(std::string_view tag);
 [[nodiscard]] const AttributeEntry* attributeEntryOf(const ElementEntry& element, std::string_view name);
+
+// The tags of elements that are not refused beside text and other elements, though nobody means them to stand there.
+[[nodiscard]] std::span<const std::string_view> toleratedTags();
 
 // The tags of the elements that are definitions.
 [[nodiscard]] std::span<const std::string_view> definitionTags();

@@ -11,6 +11,7 @@
 #include "Checks/Rules.h"
 #include "Tool/CheckCommand.h"
 #include "Tool/DumpCommand.h"
+#include "Tool/SchemaCommand.h"
 #include "Tool/UnpackCommand.h"
 #include "Tool/VisibleText.h"
 
@@ -69,6 +70,18 @@ Exit codes:
   1  a definition was refused, or the document is malformed
   2  wrong usage, an input that cannot be read, or an output that cannot be
      written)";
+
+constexpr const char* schemaFooter = R"(A schema tells an editor which elements and attributes there are and what they
+mean. It refuses less than korvex-dao check does: rnc and rng say more than xsd,
+which knows no root of any tag.
+
+Examples:
+  korvex-dao schema > korvex-dao.rnc
+  korvex-dao schema --format xsd --root mapping > mapping.xsd
+
+Exit codes:
+  0  printed
+  2  wrong usage, or an output that cannot be written)";
 
 constexpr const char* unpackFooter = R"(Prints every property in a value: its type, what it holds, and how many bytes
 that is at which offset. The value describes itself; no class is needed. With
@@ -189,6 +202,22 @@ void addUnpack(CLI::App& tool, UnpackOptions& options) {
   });
 }
 
+CLI::App* addSchema(CLI::App& tool, SchemaOptions& options) {
+  CLI::App* command = tool.add_subcommand("schema", "Print a schema of definition documents, for editors");
+  addChoice<schema::Format>(
+      *command, "--format", options.format,
+      {{"rnc", schema::Format::RelaxNgCompact}, {"rng", schema::Format::RelaxNg}, {"xsd", schema::Format::XmlSchema}},
+      "How to write the schema: rnc (if not given) or rng, which are RELAX NG, or xsd, XML Schema 1.0");
+  const auto refused = [](const std::string& tag) {
+    return schema::mayBeRoot(tag) ? std::string() : "a root cannot have the tag '" + tag + "'";
+  };
+  command->add_option("--root", options.root, "The tag of the root; if not given, any, and for xsd korvex")
+      ->check(CLI::Validator(refused, ""))
+      ->type_name("TAG");
+  command->footer(schemaFooter);
+  return command;
+}
+
 ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console) {
   CLI::App tool("Checks and shows mapping definitions of a data-access library, and its packed columns.", "korvex-dao");
   tool.set_version_flag("--version", "korvex-dao " KORVEX_VERSION, "Print the version and exit");
@@ -197,9 +226,11 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   CheckOptions checkOptions;
   DumpOptions dumpOptions;
   UnpackOptions unpackOptions;
+  SchemaOptions schemaOptions;
   const CLI::App* check = addCheck(tool, checkOptions);
   const CLI::App* dump = addDump(tool, dumpOptions);
   addUnpack(tool, unpackOptions);
+  const CLI::App* schema = addSchema(tool, schemaOptions);
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     tool.parse(std::move(arguments));
@@ -208,6 +239,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   }
   if (check->parsed()) return runCheck(checkOptions, console);
   if (dump->parsed()) return runDump(dumpOptions, console);
+  if (schema->parsed()) return runSchema(schemaOptions, console);
   return runUnpack(unpackOptions, console);
 }
 

@@ -360,8 +360,12 @@ TEST_F(Files, ForbiddenDirectoryIsReported) {
 // The program
 
 TEST(Usage, HelpAndMistakes) {
-  for (const Arguments& arguments :
-       {Arguments{"--help"}, {"check", "--help"}, {"dump", "--help"}, {"unpack", "--help"}, {"--version"}}) {
+  for (const Arguments& arguments : {Arguments{"--help"},
+                                     {"check", "--help"},
+                                     {"dump", "--help"},
+                                     {"unpack", "--help"},
+                                     {"schema", "--help"},
+                                     {"--version"}}) {
     const Outcome result = run(arguments);
     EXPECT_EQ(result.code, 0);
     EXPECT_NE(result.out.find("korvex-dao"), std::string::npos);
@@ -388,7 +392,12 @@ TEST(Usage, HelpAndMistakes) {
                                            {"unpack", "--db", "d", "--table", "t"},
                                            {"unpack", "--db", "d", "--column", "c"},
                                            {"unpack", "--where", "1", "-"},
-                                           {"unpack", "--db", "d", "--table", "t", "--column", "c", "-"}};
+                                           {"unpack", "--db", "d", "--table", "t", "--column", "c", "-"},
+                                           {"schema", "--format", "dtd"},
+                                           {"schema", "--root", "select"},
+                                           {"schema", "--root", "1"},
+                                           {"schema", "--root", ""},
+                                           {"schema", "--root", "a b"}};
   for (const Arguments& arguments : mistakes) {
     const Outcome result = run(arguments, "<d/>");
     EXPECT_EQ(result.code, 2) << testing::PrintToString(arguments);

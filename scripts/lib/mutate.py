@@ -16,8 +16,8 @@ from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parents[2]
 CORE = ("DAO", "Evaluator", "Platform")
-COPIED = (*CORE, "CMakeLists.txt", "README.md", "Loader", "Statistics", "Tool", "cmake", "docs", "examples", "scripts",
-          "tests")
+COPIED = (*CORE, "CMakeLists.txt", "README.md", "Checks", "Language", "LanguageServer", "Loader", "Schema", "Statistics",
+          "Tool", "cmake", "docs", "examples", "schemas", "scripts", "tests")
 TREE = ROOT / "build/mutants/tree"
 BUILD = ROOT / "build/mutants/build"
 EXPLAINED = ROOT / "scripts/mutants.txt"

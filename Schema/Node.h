@@ -1,0 +1,24 @@
+// XML that is to be written.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace korvex::schema {
+
+struct Node {
+  std::string name;
+  std::vector<std::pair<std::string, std::string>> attributes = {};
+  std::vector<Node> children = {};
+  std::string text = {};  // instead of children
+
+  // Empty when there is no such attribute.
+  [[nodiscard]] std::string_view valueOf(std::string_view attribute) const;
+};
+
+// A document with this root, indented, and a comment in front of the root.
+[[nodiscard]] std::string xmlText(const Node& root, std::string_view comment);
+
+}  // namespace korvex::schema
