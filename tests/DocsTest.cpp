@@ -48,11 +48,11 @@ std::vector<Lines> tableOf(const std::string& heading) {
   return rows;
 }
 
-// The code blocks of docs/language.md that open with this line.
-Lines blocksOf(const std::string& opening) {
+// The code blocks of a document that open with this line.
+Lines blocksOf(const std::string& opening, const std::string& document = "docs/language.md") {
   Lines blocks;
   bool inside = false;
-  for (const std::string& line : linesOf("docs/language.md")) {
+  for (const std::string& line : linesOf(document)) {
     if (line.starts_with("```")) {
       inside = line == opening;
       if (inside) blocks.emplace_back();
@@ -169,6 +169,15 @@ TEST(Docs, AddressBookUsesTheWholeLanguage) {
       });
       EXPECT_TRUE(somewhere) << element.tag << " " << attribute.name;
     }
+  }
+}
+
+TEST(Docs, DocumentsThatNameTheirSchemaAreRight) {
+  const Lines blocks = blocksOf("```xml", "docs/editors.md");
+  const auto named = [](const std::string& block) { return block.find("<korvex") != std::string::npos; };
+  EXPECT_EQ(std::count_if(blocks.begin(), blocks.end(), named), 2);
+  for (const std::string& block : blocks) {
+    EXPECT_TRUE(!named(block) || findingsIn(Document::fromBytes(block)).empty()) << block;
   }
 }
 

@@ -1,45 +1,10 @@
 // Holds the vocabulary against the elements, by changing a document that uses the whole language.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
-#include "Language/Markup.h"
-#include "Language/Vocabulary.h"
-#include "Loader/DefinitionLoader.h"
+#include "tests/support/AddressBook.h"
 
 namespace korvex {
 namespace {
-
-std::string addressBook() {
-  std::ifstream file(KORVEX_SOURCE_DIR "/examples/addressbook.xml");
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-bool isRefused(const std::string& text) {
-  const Document::Result result = Document::fromBytes(text);
-  if (!result.document) return true;
-  for (const Definition& definition : loadDefinitions(*result.document)) {
-    if (definition.error) return true;
-  }
-  return false;
-}
-
-// Calls back for each element of the language in the document.
-template <typename Visit>
-void forEachElement(const std::string& text, Visit visit) {
-  const Markup markup(text);
-  std::size_t count = 0;
-  for (const MarkupElement& element : markup.elements()) {
-    const ElementEntry* entry = vocabularyEntryOf(markup.nameOf(element));
-    if (!entry) continue;
-    ++count;
-    visit(markup, element, *entry);
-  }
-  EXPECT_GT(count, 50U);
-}
 
 // What keeps an optional attribute from being left out in the document at hand.
 bool isNeededByAnother(const Markup& markup, const MarkupElement& element, std::string_view attribute) {

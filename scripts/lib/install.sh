@@ -11,9 +11,15 @@ fail() {
 
 # The packages of the given uses.
 packagesFor() {
-  local package use
-  while read -r package use _; do
-    if [[ $package != '#'* && -n $use && " $* " == *" $use "* ]]; then echo "$package"; fi
+  local package uses use
+  while read -r package uses _; do
+    if [[ $package == '#'* ]]; then continue; fi
+    for use in ${uses//,/ }; do
+      if [[ " $* " == *" $use "* ]]; then
+        echo "$package"
+        break
+      fi
+    done
   done <"$(dirname "${BASH_SOURCE[0]}")/../packages.txt"
 }
 
