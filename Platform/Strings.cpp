@@ -87,6 +87,12 @@ bool isASCII(Block block) { return (block & highBits) == 0; }
 // Subtracting 1 from an ASCII byte gives the high bit for a zero only.
 bool isASCIIWithoutZero(Block block) { return ((block | (block - lowBits)) & highBits) == 0; }
 
+bool copyASCIIWithoutZero(std::string_view text, std::size_t at, char* room) {
+  const Block block = blockAt(text, at);
+  std::memcpy(room + at, &block, sizeof block);
+  return isASCIIWithoutZero(block);
+}
+
 bool startsWithASCIIBlock(std::string_view text, std::size_t at) {
   return text.size() - at >= sizeof(Block) && isASCII(blockAt(text, at));
 }
@@ -167,6 +173,18 @@ bool isASCIIWithoutZero(std::string_view text) {
     if (!isASCIIWithoutZero(blockAt(text, at))) return false;
   }
   return isASCIIWithoutZero(blockAt(text, last));
+}
+
+bool copyASCIIWithoutZero(std::string_view text, char* room) {
+  if (text.size() < sizeof(Block)) {
+    text.copy(room, text.size());
+    return isASCIIWithoutZero(text);
+  }
+  const std::size_t last = text.size() - sizeof(Block);
+  for (std::size_t at = 0; at < last; at += sizeof(Block)) {
+    if (!copyASCIIWithoutZero(text, at, room)) return false;
+  }
+  return copyASCIIWithoutZero(text, last, room);
 }
 
 bool isValidUTF8(std::string_view text) {

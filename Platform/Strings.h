@@ -57,6 +57,10 @@ using OptionalStringView = std::optional<std::string_view>;
 // True when every byte is one of 1 to 127.
 [[nodiscard]] bool isASCIIWithoutZero(std::string_view text);
 
+// Copies a text to where there is room for it, if every byte is one of 1 to 127. Otherwise false; what the room then
+// holds is undefined.
+[[nodiscard]] bool copyASCIIWithoutZero(std::string_view text, char* room);
+
 // True when every byte belongs to a whole, shortest-form character that is no surrogate (RFC 3629).
 [[nodiscard]] bool isValidUTF8(std::string_view text);
 

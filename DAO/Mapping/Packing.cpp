@@ -29,7 +29,6 @@ bool fitsRecord(std::string_view text) { return text.size() <= std::numeric_limi
 // What of a string goes into a record: up to its first zero byte, and nothing of what is not UTF-8
 // or longer than a record can say.
 std::string_view packedForm(std::string_view text) {
-  if (isASCIIWithoutZero(text) && fitsRecord(text)) return text;
   const std::string_view form = text.substr(0, text.find('\0'));
   return fitsRecord(form) && isValidUTF8(text) ? form : std::string_view();
 }
@@ -56,7 +55,7 @@ class RecordWriter {
       case QXDAOPackEncodeNone:
         return;
       case QXDAOPackEncodeString:
-        if (const OptionalStringView text = textOf(object, entry)) writeString(entry, packedForm(*text));
+        if (const OptionalStringView text = textOf(object, entry)) writeString(entry, *text);
         return;
       case QXDAOPackEncodeNumber:
         if (const OptionalNumber number = entry.field->number.get(fieldOf(object, entry))) writeNumber(entry, *number);
@@ -81,12 +80,17 @@ class RecordWriter {
     _at += valueBytes(encode);
   }
 
-  void writeString(const QXDAOPackPropertyInfo& entry, std::string_view form) {
-    const auto length = static_cast<QXDAOPackStringLengthType>(form.size());
+  void writeString(const QXDAOPackPropertyInfo& entry, std::string_view text) {
+    QXDAOPackStringLengthType length = 0;
     writeHead(entry);
+    char* place = _at + sizeof length;
+    if (!fitsRecord(text) || !copyASCIIWithoutZero(text, place)) {
+      text = packedForm(text);
+      text.copy(place, text.size());
+    }
+    length = static_cast<QXDAOPackStringLengthType>(text.size());
     std::memcpy(_at, &length, sizeof length);
-    _at += sizeof length;
-    _at += form.copy(_at, form.size());
+    _at = place + text.size();
   }
 
   void writeNumber(const QXDAOPackPropertyInfo& entry, const NumberObject& number) {
