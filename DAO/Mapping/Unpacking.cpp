@@ -117,13 +117,15 @@ void storeText(void* field, const QXDAOPackPropertyInfo& entry, std::string_view
   entry.field->text.set(field, isValidUTF8(bytes) ? OptionalStringView(bytes) : std::nullopt);
 }
 
-// A record of the entry's own encode.
+// A record of the entry's own encode, and so of the field's own width.
 void storeValue(ModelObject& object, const QXDAOPackPropertyInfo& entry, std::string_view bytes) {
   char* field = fieldOf(object, entry);
   if (entry.encode == QXDAOPackEncodeString) {
     storeText(field, entry, bytes);
+  } else if (entry.encode == QXDAOPackEncodeBOOL) {
+    *field = static_cast<char>(bytes.front() != 0);
   } else {
-    storeScalar(field, entry.encode, scalarBits(bytes));
+    copyScalar(field, bytes.data(), bytes.size());
   }
 }
 
