@@ -4,6 +4,13 @@
 
 namespace korvex {
 
+namespace {
+
+// In bytes. Some documents are one long line.
+constexpr std::size_t longestSpan = 400;
+
+}  // namespace
+
 std::size_t Places::offsetOf(const XMLNode& node) const {
   return _source.offset(node.position().value_or(XMLPosition()));
 }
@@ -15,7 +22,8 @@ const MarkupElement* Places::elementAt(std::size_t offset) const {
 
 Span Places::spanAt(std::size_t offset) const {
   if (const MarkupElement* element = elementAt(offset)) return {offset, element->name.end};
-  return {offset, std::min(_source.text().find_first_of("\r\n", offset), _source.text().size())};
+  const std::string_view line = _source.text().substr(offset, longestSpan);
+  return {offset, offset + std::min(line.find_first_of("\r\n"), line.size())};
 }
 
 const MarkupAttribute* Places::attributeOf(const XMLNode& element, std::string_view name) const {

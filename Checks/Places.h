@@ -35,7 +35,7 @@ class Places {
   [[nodiscard]] std::size_t offsetOf(const XMLNode& node) const;
   // The element whose start tag begins there; null when there is none.
   [[nodiscard]] const MarkupElement* elementAt(std::size_t offset) const;
-  // The tag's "<" and name where an element begins, else the rest of the line.
+  // The tag's "<" and name where an element begins, else the rest of the line, or as much of it as anybody reads.
   [[nodiscard]] Span spanAt(std::size_t offset) const;
 
   // The name and the value of an element's attribute; the element's tag where neither is found.

@@ -7,12 +7,10 @@ Finding::InDefinition inDefinition(const Definition& definition) {
           definition.position().line};
 }
 
-void WarningList::setDefinition(const Definition& definition) { _definition = inDefinition(definition); }
-
 Finding& WarningList::add(std::string_view rule, const XMLNode& element, Span place, std::string message) {
   FoundWarning& warning = _warnings.emplace_back(findingAt(*ruleNamed(rule), place), _places.offsetOf(element));
   warning.finding.message = std::move(message);
-  warning.finding.definition = _definition;
+  if (_definition) warning.finding.definition = inDefinition(*_definition);
   return warning.finding;
 }
 

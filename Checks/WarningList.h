@@ -25,7 +25,7 @@ class WarningList {
   [[nodiscard]] std::vector<FoundWarning>& warnings() { return _warnings; }
 
   // Those added from now on are about this definition.
-  void setDefinition(const Definition& definition);
+  void setDefinition(const Definition& definition) { _definition = &definition; }
   // A warning about an element, at a place that belongs to it. It may be completed until the next one is added.
   Finding& add(std::string_view rule, const XMLNode& element, Span place, std::string message);
 
@@ -37,7 +37,7 @@ class WarningList {
  private:
   const Places& _places;
   std::string _path;
-  std::optional<Finding::InDefinition> _definition;
+  const Definition* _definition = nullptr;
   std::vector<FoundWarning> _warnings;
 };
 
