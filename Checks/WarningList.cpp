@@ -8,10 +8,11 @@ Finding::InDefinition inDefinition(const Definition& definition) {
 }
 
 Finding& WarningList::add(std::string_view rule, const XMLNode& element, Span place, std::string message) {
-  FoundWarning& warning = _warnings.emplace_back(findingAt(*ruleNamed(rule), place), _places.offsetOf(element));
-  warning.finding.message = std::move(message);
-  if (_definition) warning.finding.definition = inDefinition(*_definition);
-  return warning.finding;
+  _warnings.push_back({findingAt(*ruleNamed(rule), place), _places.offsetOf(element)});
+  Finding& finding = _warnings.back().finding;
+  finding.message = std::move(message);
+  if (_definition) finding.definition = inDefinition(*_definition);
+  return finding;
 }
 
 Finding WarningList::findingAt(const Rule& rule, Span place) const {
