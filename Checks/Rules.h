@@ -30,6 +30,13 @@ struct Rule {
 [[nodiscard]] std::span<const Rule> rules();
 [[nodiscard]] const Rule* ruleNamed(std::string_view name);
 [[nodiscard]] std::span<const std::string_view> warningNames();
+// The rule that such a message is about; null when none says that.
+[[nodiscard]] const Rule* ruleOfMessage(std::string_view message);
+
+// "error" or "warning".
+[[nodiscard]] constexpr std::string_view severityName(Severity severity) {
+  return severity == Severity::Error ? "error" : "warning";
+}
 
 [[nodiscard]] const Rule& ruleOfError(const QXDAOError& error);
 [[nodiscard]] const Rule& ruleOfError(const DocumentError& error);

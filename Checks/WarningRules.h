@@ -14,8 +14,12 @@ inline constexpr std::array<Rule, 12> warningRules = {{
      "Most elements pass over attributes that they do not know, so a slip in a name goes unnoticed: the element is "
      "taken as if the attribute were not there. Names count case. The options of a select mean nothing elsewhere, and "
      "a method reads 'resumable' only together with 'foreach'. Attributes whose names have a prefix are left alone.",
-     R"(<select id="allTags" result="[string]" paralell="true">SELECT title FROM tag</select>)",
-     R"(<select id="allTags" result="[string]" parallel="true">SELECT title FROM tag</select>)"},
+     R"(<select id="allTags" result="[string]" paralell="true">
+  SELECT title FROM tag
+</select>)",
+     R"(<select id="allTags" result="[string]" parallel="true">
+  SELECT title FROM tag
+</select>)"},
     {RuleNames::duplicateName, Severity::Warning, true, "Two definitions of a kind bear the same name",
      "Give one of them another name, or take it out.",
      "Whoever asks for a definition by its name gets one of them at the most. Select, update, insert and delete "
@@ -32,7 +36,9 @@ inline constexpr std::array<Rule, 12> warningRules = {{
      "when it is asked for. It is not given when one of the documents cannot be read.",
      R"(<select id="allPersons" result="[:personMap]">SELECT * FROM person</select>)",
      R"(<select id="allPersons" result="[:personMap]">SELECT * FROM person</select>
-<map id="personMap" result="Person"><result column="name" property="name"/></map>)"},
+<map id="personMap" result="Person">
+  <result column="name" property="name"/>
+</map>)"},
     {RuleNames::unfinishedListReference, Severity::Warning, true, "A list reference that is not written out",
      "Complete the reference: %{'FORMAT', ENTRY, ENTRY}.",
      "A list reference is written out only when it has a format in single quotes and ends with a brace, and when its "
@@ -44,7 +50,9 @@ inline constexpr std::array<Rule, 12> warningRules = {{
      "A format, a result of a map and a pack are read from their attributes alone; whatever stands inside is passed "
      "over, well-formed or not a word of the language.",
      R"(<pack as="info" properties="company, website">jobTitle</pack>)",
-     R"(<pack as="info" properties="company, website, jobTitle"><!-- more to come --></pack>)"},
+     R"(<pack as="info" properties="company, website, jobTitle">
+  <!-- more to come -->
+</pack>)"},
     {RuleNames::misplacedWhen, Severity::Warning, true, "A when or otherwise outside choose",
      "Write 'if', or put it in a 'choose'.",
      "Only a choose takes the first 'when' that applies, and its 'otherwise' when none does. Outside, each of them is "
@@ -75,13 +83,19 @@ inline constexpr std::array<Rule, 12> warningRules = {{
     {RuleNames::duplicateArgument, Severity::Warning, true, "A method declares an argument twice",
      "Take out one of the two, or name the argument that is meant.",
      "A name can stand for one value only. A '$' in front is not part of the name.",
-     R"(<delete id="forget" arguments="$personId, before, personId">DELETE FROM recent</delete>)",
-     R"(<delete id="forget" arguments="$personId, before">DELETE FROM recent</delete>)"},
+     R"(<delete id="forget" arguments="$personId, before, personId">
+  DELETE FROM recent
+</delete>)",
+     R"(<delete id="forget" arguments="$personId, before">
+  DELETE FROM recent
+</delete>)"},
     {RuleNames::lostResumable, Severity::Warning, true, "A single step is not resumable",
      "Divide the method into several steps, or write its content without a step.",
      "A method with a single step is taken as if the step's content stood directly in the method, and the step's "
      "'resumable' is lost.",
-     R"(<delete id="forgetAll"><step resumable="true">DELETE FROM recent</step></delete>)",
+     R"(<delete id="forgetAll">
+  <step resumable="true">DELETE FROM recent</step>
+</delete>)",
      R"(<delete id="forgetAll">
   <step resumable="true">DELETE FROM recent</step>
   <step>DELETE FROM tag</step>

@@ -10,8 +10,6 @@
 #include "Checks/DocumentCheck.h"
 #include "Checks/RuleNames.h"
 #include "Tool/Counted.h"
-#include "Tool/FindingJson.h"
-#include "Tool/FindingText.h"
 #include "Tool/InputFiles.h"
 #include "Tool/OutOfMemory.h"
 
@@ -40,11 +38,14 @@ WarningSelection selectionOf(const CheckOptions& options) {
   return selection;
 }
 
-// One run of the command: prints text findings as they come, collects them for JSON.
+// One run of the command.
 class Check {
  public:
   Check(const CheckOptions& options, const Console& console)
-      : _options(options), _console(console), _color(colorWanted(options.color, console)), _set(selectionOf(options)) {}
+      : _options(options),
+        _console(console),
+        _report(makeCheckReport(options.format, console.out, colorWanted(options.color, console))),
+        _set(selectionOf(options)) {}
 
   ExitCode run() {
     const InputFiles inputs = findInputFiles(_options.paths);
@@ -52,8 +53,8 @@ class Check {
     for (const std::string& file : inputs.files) checkFile(file);
     for (const Finding& finding : _set.finish()) addFinding(finding, _sources.at(finding.path).get());
     finish();
-    if (!_unreadable.empty()) return ExitCodeTrouble;
-    return _errors > 0 ? ExitCodeSomethingFound : ExitCodeNothingFound;
+    if (_unreadable > 0) return ExitCodeTrouble;
+    return _totals.errors > 0 ? ExitCodeSomethingFound : ExitCodeNothingFound;
   }
 
  private:
@@ -66,7 +67,7 @@ class Check {
     } else if (!blamesDocument(result.error->kind)) {
       addUnreadable({path, result.error->message});
     } else {
-      ++_files;
+      ++_totals.files;
       _set.addUnread();
       addFinding(findingOf(path, *result.error, result.source.get()), result.source.get());
     }
@@ -74,8 +75,8 @@ class Check {
 
   void checkDocument(const std::string& path, const Document::Result& result) {
     const std::vector<Definition> definitions = loadDefinitions(*result.document);
-    ++_files;
-    _definitions += definitions.size();
+    ++_totals.files;
+    _totals.definitions += definitions.size();
     for (const Finding& finding : _set.check(path, *result.document, definitions)) {
       addFinding(finding, result.source.get());
     }
@@ -83,46 +84,34 @@ class Check {
   }
 
   void addFinding(const Finding& finding, const SourceText* source) {
-    ++(finding.severity == Severity::Error ? _errors : _warnings);
-    if (_options.format == CheckFormat::Json) {
-      _findings.push_back(findingJson(finding));
-    } else {
-      printFinding(_console.out, finding, source, _color);
-    }
+    ++(finding.severity == Severity::Error ? _totals.errors : _totals.warnings);
+    _report->add(finding, source);
   }
 
   void addUnreadable(const UnreadablePath& path) {
     _set.addUnread();
-    _unreadable.push_back({{"path", path.path}, {"message", path.message}});
+    ++_unreadable;
+    _report->addUnreadable(path);
     printUnreadable(_console.err, path);
   }
 
   void finish() {
-    if (_options.format == CheckFormat::Json) _console.out << jsonText(report()) << '\n';
+    _report->finish(_totals);
     _console.out.flush();
-    _console.err << counted(_definitions, "definition") << " in " << counted(_files, "file") << ", "
-                 << counted(_errors, "error");
-    if (_warnings > 0) _console.err << ", " << counted(_warnings, "warning");
-    if (!_unreadable.empty()) _console.err << ", " << counted(_unreadable.size(), "unreadable path");
+    _console.err << counted(_totals.definitions, "definition") << " in " << counted(_totals.files, "file") << ", "
+                 << counted(_totals.errors, "error");
+    if (_totals.warnings > 0) _console.err << ", " << counted(_totals.warnings, "warning");
+    if (_unreadable > 0) _console.err << ", " << counted(_unreadable, "unreadable path");
     _console.err << '\n';
-  }
-
-  [[nodiscard]] Json report() const {
-    return {{"findings", _findings}, {"unreadable", _unreadable}, {"definitions", _definitions},
-            {"files", _files},       {"errors", _errors},         {"warnings", _warnings}};
   }
 
   const CheckOptions& _options;
   const Console& _console;
-  bool _color;
+  std::unique_ptr<CheckReport> _report;
   SetCheck _set;
   std::map<std::string, std::shared_ptr<const SourceText>> _sources;  // of documents that have findings to come
-  Json _findings = Json::array();
-  Json _unreadable = Json::array();
-  std::size_t _definitions = 0;
-  std::size_t _files = 0;  // that could be read
-  std::size_t _errors = 0;
-  std::size_t _warnings = 0;
+  CheckTotals _totals;
+  std::size_t _unreadable = 0;
 };
 
 }  // namespace

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "Loader/DefinitionLoader.h"
+#include "Tool/CheckReport.h"
 #include "Tool/Tool.h"
 
 namespace korvex {
 
-enum class CheckFormat { Text, Json };
 enum class ColorMode { Auto, Always, Never };
 
 struct CheckOptions {

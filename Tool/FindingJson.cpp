@@ -29,7 +29,7 @@ Json findingJson(const Finding& finding) {
           {"column", finding.position.column},
           {"endLine", finding.end.line},
           {"endColumn", finding.end.column},
-          {"severity", finding.severity == Severity::Error ? "error" : "warning"},
+          {"severity", severityName(finding.severity)},
           {"rule", finding.rule->name},
           {"message", finding.message},
           {"help", finding.help.empty() ? Json() : Json(finding.help)},

@@ -25,8 +25,7 @@ void printPlace(std::ostream& out, const std::string& path, const XMLPosition& p
 }
 
 void printSeverity(std::ostream& out, Severity severity, const Style& style) {
-  const bool error = severity == Severity::Error;
-  out << (error ? style.red : style.magenta) << (error ? "error: " : "warning: ") << style.plain;
+  out << (severity == Severity::Error ? style.red : style.magenta) << severityName(severity) << ": " << style.plain;
 }
 
 void printExcerpt(std::ostream& out, const Excerpt& excerpt, const Style& style) {

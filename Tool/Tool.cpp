@@ -11,6 +11,7 @@
 #include "Checks/Rules.h"
 #include "Tool/CheckCommand.h"
 #include "Tool/DumpCommand.h"
+#include "Tool/ExplainCommand.h"
 #include "Tool/SchemaCommand.h"
 #include "Tool/UnpackCommand.h"
 #include "Tool/VisibleText.h"
@@ -20,6 +21,7 @@ namespace {
 
 constexpr const char* generalFooter = R"(Examples:
   korvex-dao check definitions/
+  korvex-dao explain condition-format
   korvex-dao dump --format tree addressbook.xml
   korvex-dao unpack --db app.sqlite --table person --column info
   korvex-dao check --help)";
@@ -48,6 +50,13 @@ Warnings, by the names that --warn and --no-warn take:
 The comment <!-- korvex: allow NAME --> directly before an element silences
 the warnings of that name about this element, not about those inside it.
 
+Formats:
+  text    a finding with its line of the source, for people
+  short   one line a finding: path:line:column: error: message [rule]
+  json    the findings as data
+  sarif   a SARIF 2.1.0 log, which code scanners read
+  github  annotations of a GitHub Actions workflow
+
 Examples:
   korvex-dao check addressbook.xml
   korvex-dao check --format json definitions/ more.xml
@@ -59,6 +68,18 @@ Exit codes:
   1  an error found; with --werror a warning, too
   2  wrong usage, an input that cannot be read (the others are checked all
      the same), or an output that cannot be written)";
+
+constexpr const char* explainFooter = R"(Without RULE it lists all rules: name, severity, whether it is on, and how to
+mend what violates it.
+
+Examples:
+  korvex-dao explain condition-format
+  korvex-dao explain "Condition 'if' is of wrong format."
+  korvex-dao explain
+
+Exit codes:
+  0  explained
+  2  wrong usage, no such rule, or an output that cannot be written)";
 
 constexpr const char* dumpFooter = R"(Examples:
   korvex-dao dump addressbook.xml
@@ -148,8 +169,12 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
       ->required()
       ->type_name("");
   addChoice<CheckFormat>(*command, "--format", options.format,
-                         {{"text", CheckFormat::Text}, {"json", CheckFormat::Json}},
-                         "How to print the findings: text (if not given) or json");
+                         {{"text", CheckFormat::Text},
+                          {"short", CheckFormat::Short},
+                          {"json", CheckFormat::Json},
+                          {"sarif", CheckFormat::Sarif},
+                          {"github", CheckFormat::Github}},
+                         "How to print the findings: text (if not given), short, json, sarif, or github");
   addChoice<ColorMode>(*command, "--color", options.color,
                        {{"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}},
                        "When to color the text: always, never, or auto (if not given): on a terminal without NO_COLOR");
@@ -158,6 +183,17 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
   command->add_flag("--werror", options.warningsAreErrors, "Take warnings for errors");
   addLoadOptions(*command, options.load);
   command->footer(checkFooter);
+  return command;
+}
+
+CLI::App* addExplain(CLI::App& tool, ExplainOptions& options) {
+  CLI::App* command = tool.add_subcommand("explain", "Explain a rule, by a wrong and a right example");
+  command->add_option("RULE", options.what, "The name of a rule, or a message or finding that check printed")
+      ->type_name("");
+  addChoice<ExplainFormat>(*command, "--format", options.format,
+                           {{"text", ExplainFormat::Text}, {"markdown", ExplainFormat::Markdown}},
+                           "How to print it: text (if not given) or markdown");
+  command->footer(explainFooter);
   return command;
 }
 
@@ -224,10 +260,12 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   tool.require_subcommand(1);
   tool.footer(generalFooter);
   CheckOptions checkOptions;
+  ExplainOptions explainOptions;
   DumpOptions dumpOptions;
   UnpackOptions unpackOptions;
   SchemaOptions schemaOptions;
   const CLI::App* check = addCheck(tool, checkOptions);
+  const CLI::App* explain = addExplain(tool, explainOptions);
   const CLI::App* dump = addDump(tool, dumpOptions);
   addUnpack(tool, unpackOptions);
   const CLI::App* schema = addSchema(tool, schemaOptions);
@@ -238,6 +276,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
     return tool.exit(error, console.out, console.err) == 0 ? ExitCodeNothingFound : ExitCodeTrouble;
   }
   if (check->parsed()) return runCheck(checkOptions, console);
+  if (explain->parsed()) return runExplain(explainOptions, console);
   if (dump->parsed()) return runDump(dumpOptions, console);
   if (schema->parsed()) return runSchema(schemaOptions, console);
   return runUnpack(unpackOptions, console);

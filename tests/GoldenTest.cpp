@@ -61,6 +61,7 @@ TEST(Golden, ExamplesAreCheckedAndDumpedAsRecorded) {
       {"faults.check.txt", "korvex-dao check examples/faults.xml"},
       {"faults.check.json", "korvex-dao check --format json examples/faults.xml"},
       {"faults.json", "korvex-dao dump examples/faults.xml"},
+      {"../../docs/rules.md", "korvex-dao explain --format markdown"},
   };
   for (const auto& [name, command] : goldens) {
     SCOPED_TRACE(command);

@@ -1,0 +1,19 @@
+// korvex-dao explain: what a rule means, and how to keep it.
+#pragma once
+
+#include <string>
+
+#include "Tool/Tool.h"
+
+namespace korvex {
+
+enum class ExplainFormat { Text, Markdown };
+
+struct ExplainOptions {
+  std::string what;  // the name of a rule or a message; empty for a list of all rules
+  ExplainFormat format = ExplainFormat::Text;
+};
+
+[[nodiscard]] ExitCode runExplain(const ExplainOptions& options, const Console& console);
+
+}  // namespace korvex
