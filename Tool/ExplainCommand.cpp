@@ -19,19 +19,20 @@ const Rule* ruleInBrackets(std::string_view finding) {
   return ruleNamed(finding.substr(opening + 1, finding.size() - opening - 2));
 }
 
-// The message of a finding; the text itself when it is no more than a message.
-std::string_view withoutPlace(std::string_view finding) {
-  for (const std::string_view severity : {": error: ", ": warning: "}) {
-    const std::size_t at = finding.find(severity);
-    if (at != std::string_view::npos) return finding.substr(at + severity.size());
-  }
-  return finding;
+// The rule of a finding's message. What is wrong with a malformed document is told in many ways, and of all errors
+// these alone have no message of their own.
+const Rule* ruleOfFinding(std::string_view finding) {
+  constexpr std::string_view error = ": error: ";
+  const std::size_t at = finding.find(error);
+  if (at == std::string_view::npos) return ruleOfMessage(finding);
+  const Rule* rule = ruleOfMessage(finding.substr(at + error.size()));
+  return rule ? rule : ruleNamed("malformed-document");
 }
 
 const Rule* ruleMeantBy(std::string_view what) {
   if (const Rule* rule = ruleNamed(what)) return rule;
   if (const Rule* rule = ruleInBrackets(what)) return rule;
-  return ruleOfMessage(withoutPlace(what));
+  return ruleOfFinding(what);
 }
 
 std::string didYouMeanRule(std::string_view word) {
@@ -50,13 +51,13 @@ void printUnknown(std::ostream& err, const std::string& what) {
 
 ExitCode runExplain(const ExplainOptions& options, const Console& console) {
   const bool markdown = options.format == ExplainFormat::Markdown;
-  if (options.what.empty()) {
+  if (!options.what) {
     markdown ? void(console.out << markdownOf(rules())) : printRules(console.out, rules());
     return ExitCodeNothingFound;
   }
-  const Rule* rule = ruleMeantBy(options.what);
+  const Rule* rule = ruleMeantBy(*options.what);
   if (!rule) {
-    printUnknown(console.err, options.what);
+    printUnknown(console.err, *options.what);
     return ExitCodeTrouble;
   }
   markdown ? void(console.out << markdownOf(*rule)) : printRule(console.out, *rule);

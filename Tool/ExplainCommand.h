@@ -1,6 +1,7 @@
 // korvex-dao explain: what a rule means, and how to keep it.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "Tool/Tool.h"
@@ -10,7 +11,7 @@ namespace korvex {
 enum class ExplainFormat { Text, Markdown };
 
 struct ExplainOptions {
-  std::string what;  // the name of a rule or a message; empty for a list of all rules
+  std::optional<std::string> what;  // the name of a rule, a message or a finding; absent for a list of all rules
   ExplainFormat format = ExplainFormat::Text;
 };
 

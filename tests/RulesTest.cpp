@@ -58,6 +58,7 @@ TEST(Rules, MessagesLeadToTheirRules) {
     }
   }
   EXPECT_EQ(count, 34U);
+  EXPECT_TRUE(run({"explain", "a.xml:1:1: error: no root element"}).out.starts_with("malformed-document "));
 }
 
 TEST(Rules, UnknownOnesAreToldWithAGuess) {
@@ -65,6 +66,7 @@ TEST(Rules, UnknownOnesAreToldWithAGuess) {
       {"conditon-format", "; did you mean 'condition-format'?"},
       {"Condition-Format", "; did you mean 'condition-format'?"},
       {"x\ny [z]", "no rule and no message 'x\\ny [z]'\n"},
+      {"", "no message ''\n"},
       {"Condition 'if' is wrong", "no message 'Condition 'if' is wrong'\n"},
   };
   for (const auto& [what, told] : cases) {
