@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_map>
 
 namespace korvex {
 
@@ -82,8 +83,10 @@ class MarkupScanner {
     if (is('>')) ++_at;
     element.startTag.end = element.whole.end = _at;
     element.whole.begin = element.startTag.begin;
-    if (!empty) _open.push_back(_elements.size());
     _elements.push_back(std::move(element));
+    if (empty) return;
+    _open.push_back(_elements.size() - 1);
+    ++_openNamed[nameOf(_open.back())];
   }
 
   // False at the end of the tag: before ">", "/>", or what cannot belong to it.
@@ -122,19 +125,25 @@ class MarkupScanner {
 
   // An end tag closes the nearest element of its name, and with it those inside that were left open.
   void closeElementNamed(std::string_view name, std::size_t endTag) {
-    const auto found = std::find_if(_open.rbegin(), _open.rend(), [&](std::size_t index) {
-      const Span span = _elements[index].name;
-      return _text.substr(span.begin, span.end - span.begin) == name;
-    });
-    if (found == _open.rend()) return;
-    _elements[*found].whole.end = _at;
+    const auto open = _openNamed.find(name);
+    if (open == _openNamed.end() || open->second == 0) return;
+    const auto found =
+        std::find_if(_open.rbegin(), _open.rend(), [&](std::size_t index) { return nameOf(index) == name; });
     const auto place = static_cast<std::size_t>(_open.rend() - found) - 1;
     closeDownTo(place + 1, endTag);
-    _open.pop_back();
+    closeDownTo(place, _at);
   }
 
   void closeDownTo(std::size_t count, std::size_t end) {
-    for (; _open.size() > count; _open.pop_back()) _elements[_open.back()].whole.end = end;
+    for (; _open.size() > count; _open.pop_back()) {
+      _elements[_open.back()].whole.end = end;
+      --_openNamed[nameOf(_open.back())];
+    }
+  }
+
+  [[nodiscard]] std::string_view nameOf(std::size_t index) const {
+    const Span span = _elements[index].name;
+    return _text.substr(span.begin, span.end - span.begin);
   }
 
   [[nodiscard]] bool is(char character) const { return _at < _text.size() && _text[_at] == character; }
@@ -151,6 +160,7 @@ class MarkupScanner {
   std::vector<MarkupElement>& _elements;
   std::vector<Span>& _comments;
   std::vector<std::size_t> _open;
+  std::unordered_map<std::string_view, std::size_t> _openNamed;  // how many; spares a search for what closes nothing
   std::size_t _at = 0;
 };
 

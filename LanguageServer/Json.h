@@ -6,7 +6,9 @@
 
 namespace korvex::lsp {
 
-using Json = nlohmann::ordered_json;
+// Sorted by key: objects whose members keep their order are searched one member after the other, and a client may send
+// one with a million members.
+using Json = nlohmann::json;
 
 // The member of an object, or null when there is none or `object` is no object.
 [[nodiscard]] inline const Json& member(const Json& object, const char* name) {

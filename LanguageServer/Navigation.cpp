@@ -1,7 +1,8 @@
 #include "LanguageServer/Navigation.h"
 
-#include <algorithm>
+#include <functional>
 #include <optional>
+#include <set>
 
 #include "DAO/QXDAOElement.h"
 
@@ -72,9 +73,10 @@ Json locationsOf(const Workspace& workspace, Wanted wanted) {
 
 std::vector<std::string> mapNames(const Workspace& workspace) {
   std::vector<std::string> names;
-  forEachMapName(workspace, [&names](const MarkedDocument& /*document*/, const MapName& named) {
+  std::set<std::string, std::less<>> taken;
+  forEachMapName(workspace, [&](const MarkedDocument& /*document*/, const MapName& named) {
     if (named.role != MapRole::Declaration || named.name.empty()) return;
-    if (std::find(names.begin(), names.end(), named.name) == names.end()) names.emplace_back(named.name);
+    if (taken.emplace(named.name).second) names.emplace_back(named.name);
   });
   return names;
 }

@@ -5,7 +5,9 @@
 #include <string>
 #include <utility>
 
+#include "LanguageServer/Completion.h"
 #include "LanguageServer/Diagnostics.h"
+#include "LanguageServer/Hover.h"
 #include "LanguageServer/Navigation.h"
 #include "LanguageServer/Symbols.h"
 
@@ -20,6 +22,7 @@ constexpr int methodNotFound = -32601;
 constexpr int serverNotInitialized = -32002;
 
 constexpr int incrementalSync = 2;
+constexpr int byTriggerCharacter = 2;  // a CompletionTriggerKind
 
 bool isId(const Json& id) { return id.is_string() || id.is_number_integer(); }
 
@@ -40,6 +43,8 @@ struct Server::Notification {
 const Server::Request Server::requests[] = {
     {"initialize", &Server::initialize},
     {"shutdown", &Server::shutdown},
+    {"textDocument/completion", &Server::complete},
+    {"textDocument/hover", &Server::hover},
     {"textDocument/definition", &Server::findDefinition},
     {"textDocument/references", &Server::findReferences},
     {"textDocument/documentSymbol", &Server::listSymbols},
@@ -109,6 +114,8 @@ void Server::notice(const std::string& method, const Json& params) {
 Json Server::initialize(const Json& params) {
   _state = State::Initialized;
   _workspace.addFolders(params);
+  const Json& ofTexts = member(member(params, "capabilities"), "textDocument");
+  _snippets = member(member(member(ofTexts, "completion"), "completionItem"), "snippetSupport") == true;
   const Json capabilities = {
       {"positionEncoding", "utf-16"},
       {"textDocumentSync", {{"openClose", true}, {"change", incrementalSync}}},
@@ -129,6 +136,17 @@ Json Server::shutdown(const Json& /*params*/) {
 void Server::exit(const Json& /*params*/) {
   _orderly = _state == State::ShutDown;
   _state = State::Ended;
+}
+
+Json Server::complete(const Json& params) {
+  const MarkedDocument* document = documentIn(params);
+  const bool untyped = member(member(params, "context"), "triggerKind") != byTriggerCharacter;
+  return document ? completionsAt(*document, positionIn(params), _workspace, {_snippets, untyped}) : Json::array();
+}
+
+Json Server::hover(const Json& params) {
+  const MarkedDocument* document = documentIn(params);
+  return document ? hoverAt(*document, positionIn(params)) : Json();
 }
 
 Json Server::findDefinition(const Json& params) {

@@ -59,6 +59,7 @@ class Server {
   std::ostream& _out;
   Workspace _workspace;
   State _state = State::Started;
+  bool _snippets = false;  // whether the client understands them
   bool _orderly = false;
 };
 

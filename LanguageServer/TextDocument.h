@@ -33,11 +33,18 @@ class TextDocument {
   [[nodiscard]] Json rangeOf(Span span) const;
 
  private:
-  void findLines();
+  void replace(Span span, std::string_view replacement);
+  // After a replacement that ends at `end` now.
+  void findLines(Span replaced, std::size_t end);
+  // Without its line end.
+  [[nodiscard]] std::size_t endOfLine(std::size_t line) const;
+  [[nodiscard]] std::size_t unitsBefore(std::size_t offset) const;
+  [[nodiscard]] std::size_t unitsBetween(std::size_t begin, std::size_t end) const;
 
   std::string _uri;
   std::string _text;
-  std::vector<std::size_t> _lineStarts;
+  std::vector<std::size_t> _lineStarts{0};
+  mutable std::vector<std::size_t> _unitsBeforeBlock;  // empty until a long line is measured
 };
 
 [[nodiscard]] Position positionIn(const Json& params);

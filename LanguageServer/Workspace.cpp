@@ -5,7 +5,7 @@
 #include <fstream>
 #include <system_error>
 
-#include "Tool/InputFiles.h"
+#include "Files/FileSearch.h"
 
 namespace korvex::lsp {
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,23 +13,27 @@
 
 namespace korvex::lsp {
 
-// A text with its markup, which is found anew after each change.
+// A text with its markup, which is found anew when it is asked for after a change.
 class MarkedDocument {
  public:
-  MarkedDocument(std::string uri, std::string text) : _text(std::move(uri), std::move(text)), _markup(_text.text()) {}
+  MarkedDocument(std::string uri, std::string text) : _text(std::move(uri), std::move(text)) {}
   MarkedDocument(const MarkedDocument&) = delete;
   MarkedDocument& operator=(const MarkedDocument&) = delete;
 
   [[nodiscard]] const TextDocument& text() const { return _text; }
-  [[nodiscard]] const Markup& markup() const { return _markup; }
+  // Valid until the next change.
+  [[nodiscard]] const Markup& markup() const {
+    if (!_markup) _markup.emplace(_text.text());
+    return *_markup;
+  }
   void change(const Json& contentChange) {
     _text.change(contentChange);
-    _markup = Markup(_text.text());
+    _markup.reset();
   }
 
  private:
   TextDocument _text;
-  Markup _markup;
+  mutable std::optional<Markup> _markup;
 };
 
 class Workspace {

@@ -4,34 +4,17 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
+#include "Files/FileSearch.h"
 #include "Loader/DefinitionLoader.h"
 
 namespace korvex {
 
-// The path that stands for standard input, and how it is shown.
-inline constexpr std::string_view standardInput = "-";
+// How a path is shown.
 [[nodiscard]] std::string shownPath(const std::string& path);
-
-struct UnreadablePath {
-  std::string path;
-  std::string message;
-};
 
 // "korvex-dao: PATH: MESSAGE" on one line.
 void printUnreadable(std::ostream& err, const UnreadablePath& path);
-
-struct InputFiles {
-  std::vector<std::string> files;
-  std::vector<UnreadablePath> unreadable;  // below the directories that were searched
-};
-
-// The files that the paths name, in their order, each once even when it is named twice. A directory
-// gives the *.xml files below it, sorted; links are followed, no directory is searched twice.
-// Whether the files can be read shows when they are.
-[[nodiscard]] InputFiles findInputFiles(const std::vector<std::string>& paths);
 
 struct InputBytes {
   std::string name;                  // of the input, as it is shown

@@ -12,6 +12,7 @@
 #include "Tool/CheckCommand.h"
 #include "Tool/DumpCommand.h"
 #include "Tool/ExplainCommand.h"
+#include "Tool/LanguageServerCommand.h"
 #include "Tool/SchemaCommand.h"
 #include "Tool/UnpackCommand.h"
 #include "Tool/VisibleText.h"
@@ -119,6 +120,16 @@ Exit codes:
   1  a value ends early, holds an encode that ends the reading, or is no BLOB
   2  wrong usage, an input that cannot be read, or an output that cannot be
      written)";
+
+constexpr const char* lspFooter = R"(Serves one editor on standard input and output, by the Language Server
+Protocol 3.17: what is wrong with the open documents, completion, hover,
+symbols, and the way between methods and result maps. A message that is
+malformed or too large is answered by an error; it does not end the server.
+
+Exit codes:
+  0  the client asked for shutdown, then for exit
+  1  it did not, or closed its end
+  2  wrong usage, or an output that cannot be written)";
 
 // An option that takes one of a few words.
 template <typename Value>
@@ -254,6 +265,17 @@ CLI::App* addSchema(CLI::App& tool, SchemaOptions& options) {
   return command;
 }
 
+CLI::App* addLanguageServer(CLI::App& tool, LanguageServerOptions& options) {
+  CLI::App* command = tool.add_subcommand("lsp", "Serve an editor as a language server");
+  command->add_flag("--stdio")->description("What it does in any case; many editors pass it");
+  command
+      ->add_option("--max-bytes", options.maximumBytes, "The largest message to read, in bytes; 67108864 if not given")
+      ->check(CLI::Range(std::size_t{1}, std::numeric_limits<std::size_t>::max() / 2).description(""))
+      ->type_name("N");
+  command->footer(lspFooter);
+  return command;
+}
+
 ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console) {
   CLI::App tool("Checks and shows mapping definitions of a data-access library, and its packed columns.", "korvex-dao");
   tool.set_version_flag("--version", "korvex-dao " KORVEX_VERSION, "Print the version and exit");
@@ -264,11 +286,13 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   DumpOptions dumpOptions;
   UnpackOptions unpackOptions;
   SchemaOptions schemaOptions;
+  LanguageServerOptions serverOptions;
   const CLI::App* check = addCheck(tool, checkOptions);
   const CLI::App* explain = addExplain(tool, explainOptions);
   const CLI::App* dump = addDump(tool, dumpOptions);
   addUnpack(tool, unpackOptions);
   const CLI::App* schema = addSchema(tool, schemaOptions);
+  const CLI::App* server = addLanguageServer(tool, serverOptions);
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     tool.parse(std::move(arguments));
@@ -279,6 +303,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   if (explain->parsed()) return runExplain(explainOptions, console);
   if (dump->parsed()) return runDump(dumpOptions, console);
   if (schema->parsed()) return runSchema(schemaOptions, console);
+  if (server->parsed()) return runLanguageServer(serverOptions, console);
   return runUnpack(unpackOptions, console);
 }
 

@@ -9,8 +9,9 @@ namespace korvex {
 
 enum ExitCode : int {
   ExitCodeNothingFound = 0,
-  ExitCodeSomethingFound = 1,  // a refused definition, a malformed document, an unreadable packed value
-  ExitCodeTrouble = 2,         // wrong usage, an input that cannot be read, an output that cannot be written
+  ExitCodeSomethingFound =
+      1,  // a refused definition, a malformed document, an unreadable packed value; a client that did not say goodbye
+  ExitCodeTrouble = 2,  // wrong usage, an input that cannot be read, an output that cannot be written
 };
 
 // The process around the command. The streams are not owned.

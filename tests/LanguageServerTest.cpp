@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 #include "LanguageServer/Server.h"
 
@@ -229,6 +234,205 @@ TEST(LanguageServer, ListsDefinitionsAndTheirArguments) {
             "  name 1:35-1:39\n"
             "LIMIT (const) 3:0-3:18 3:7-3:12\n"
             "typing (select) 3:18-3:47 3:30-3:36\n");
+}
+
+// The texts that stand in the document after an item's edit, by label, in the order of the items.
+std::vector<std::pair<std::string, std::string>> completed(const Marked& marked, const Json& items) {
+  std::vector<std::pair<std::string, std::string>> texts;
+  for (const Json& item : items) {
+    TextDocument document(uri, marked.text);
+    const Json& edit = item["textEdit"];
+    EXPECT_EQ(edit["range"]["start"]["line"], edit["range"]["end"]["line"]);
+    document.change({{"range", edit["range"]}, {"text", edit["newText"]}});
+    texts.emplace_back(item["label"], document.text());
+  }
+  return texts;
+}
+
+TEST(LanguageServer, CompletesWhatIsUnderTheCursor) {
+  struct Row {
+    std::string text;
+    std::string labels;  // the first ones
+    std::string chosen;  // the text after the edit of the first
+    bool snippets = false;
+  };
+  const std::string map = "<map id='m' result='M'/>";
+  const Row rows[] = {
+      {"<a>\n<|\n</a>", "select update insert", "<a>\n<select\n</a>"},
+      {"<a>\n<|\n</a>", "select", "<a>\n<select id=\"$1\" result=\"$2\">$0</select>\n</a>", true},
+      {"<a><cry|><sql id='x'/></a>", "select", "<a><select><sql id='x'/></a>", true},
+      {"<a><s|ql id='x'/></a>", "select", "<a><select id='x'/></a>", true},
+      {"<a> |", "select", "<a> <select"},
+      {"<a>s|</a>", "", ""},
+      {"<a></a>|", "", ""},
+      {"<a><!-- <| --></a>", "", ""},
+      {"<a><select id='x' result='int'>\n<|", "if choose foreach where set trim format try",
+       "<a><select id='x' result='int'>\n<if ${1|true,false|}=\"$2\">$0</if>", true},
+      {"<a><map id='x' result='M'><|</map></a>", "result",
+       "<a><map id='x' result='M'><result column=\"$1\" property=\"$2\"/>$0</map></a>", true},
+      {"<a><unheard><|</unheard></a>", "", ""},
+      {"<a><select id='x'>1</|", "select", "<a><select id='x'>1</select>"},
+      {"<a><sql id='x'>1</s|ql></a>", "sql", "<a><sql id='x'>1</sql></a>"},
+      {"<a><select id='x' |>", "arguments result parallel", "<a><select id='x' arguments=\"\">"},
+      {"<a><select id='x' |result=''>", "arguments parallel", "<a><select id='x' arguments=\"$1\"$0 result=''>", true},
+      {"<a><select id='x' re|='y'>", "arguments result", "<a><select id='x' arguments='y'>", true},
+      {"<a><select id='x'|>", "", ""},
+      {"<a><update><if true='x' |>", "", ""},
+      {"<a><select profile='|'>", "true false", "<a><select profile='true'>"},
+      {"<a><update><where onVoid=\"q|uit\">", "quit ignoreAfter", "<a><update><where onVoid=\"quit\">"},
+      {"<a>" + map + "<select result='|'>", "int long long bool double string binary {} :m",
+       "<a>" + map + "<select result='int'>"},
+      {"<a>" + map + "<select result=\":|\n<if true='x'/>", ":m", "<a>" + map + "<select result=\":m\n<if true='x'/>"},
+      {"<a>" + map + "<select result='[:x|]'/>", ":m", "<a>" + map + "<select result='[:m]'/>"},
+      {"<a><select unheard='|'>", "", ""},
+  };
+  for (const Row& row : rows) {
+    const Marked marked(row.text);
+    const Json client = {{"textDocument", {{"completion", {{"completionItem", {{"snippetSupport", row.snippets}}}}}}}};
+    const Json items = Session(request(0, "initialize", {{"capabilities", client}}) + opened(marked.text) +
+                               request(1, "textDocument/completion", marked.params) + ending)
+                           .answerTo(1);
+    std::string labels;
+    const auto texts = completed(marked, items);
+    for (const auto& [label, text] : texts) labels += (labels.empty() ? "" : " ") + label;
+    EXPECT_EQ(labels.substr(0, row.labels.empty() ? std::string::npos : row.labels.size()), row.labels) << row.text;
+    EXPECT_EQ(texts.empty() ? "" : texts[0].second, row.chosen);
+  }
+}
+
+TEST(LanguageServer, OffersNoElementsToWhoTypesBlanks) {
+  Marked marked("<a> |</a>");
+  marked.params["context"] = {{"triggerKind", 2}, {"triggerCharacter", " "}};
+  EXPECT_EQ(talk(opened(marked.text) + request(1, "textDocument/completion", marked.params)).answerTo(1),
+            Json::array());
+}
+
+TEST(LanguageServer, TellsWhatIsUnderTheCursor) {
+  struct Row {
+    std::string text;
+    std::string range;  // empty: nothing is told
+    std::string told;   // among other things
+  };
+  const Row rows[] = {
+      {"<a><s|elect id='x'>1</select></a>", "0:4-0:10", "A method that reads rows."},
+      {"<a><select id='x'>1</select|></a>", "0:21-0:27", "A method that reads rows."},
+      {"<a><select |profile='x'>1</select></a>", "0:11-0:18", "Values: `true` or `false`."},
+      {"<a><update><set onVoid='|x'>1</set></update></a>", "0:24-0:25", "`quit`, `ignoreAfter`"},
+      {"<|a><sql id='x'/></a>", "", ""},
+      {"<a><select id='x'>if| 1</select></a>", "", ""},
+      {"<a><select unheard='|x'/></a>", "", ""},
+  };
+  for (const Row& row : rows) {
+    const Marked marked(row.text);
+    const Json told = talk(opened(marked.text) + request(1, "textDocument/hover", marked.params)).answerTo(1);
+    ASSERT_EQ(told.is_null(), row.range.empty()) << row.text << told;
+    if (told.is_null()) continue;
+    EXPECT_EQ(rangeText(told["range"]), row.range) << row.text;
+    EXPECT_NE(told["contents"]["value"].get<std::string>().find(row.told), std::string::npos) << told;
+  }
+}
+
+// Its lines are found anew around each change only, its columns are counted in blocks.
+TEST(LanguageServer, PlacesInLongLinesAndAfterChangesOfLineEnds) {
+  std::string line;
+  while (line.size() < 5000) line += "aé😀";  // four units in seven bytes
+  const TextDocument document(uri, "x\r\n" + line);
+  for (const std::size_t characters : {0U, 200U, 400U, 710U}) {
+    const Position position = document.positionOf(3 + 7 * characters);
+    EXPECT_EQ(position.character, 4 * characters);
+    EXPECT_EQ(document.offsetOf(position), 3 + 7 * characters);
+    EXPECT_EQ(document.offsetOf({1, position.character + 3}), 3 + 7 * characters + 3);  // in a surrogate pair
+  }
+  const std::string pieces[] = {"", "\r", "\n", "\r\n", "a"};
+  for (const std::string& before : pieces) {
+    for (const std::string& cut : pieces) {
+      for (const std::string& put : pieces) {
+        for (const std::string& after : pieces) {
+          TextDocument changed(uri, before + cut + after + "\n");
+          changed.change({{"range", changed.rangeOf({before.size(), before.size() + cut.size()})}, {"text", put}});
+          const TextDocument anew(uri, changed.text());
+          for (std::size_t at = 0; at <= anew.text().size(); ++at) {
+            EXPECT_EQ(changed.positionOf(at).line, anew.positionOf(at).line);
+          }
+        }
+      }
+    }
+  }
+}
+
+// The built program with a pipe to it and one from it, as an editor starts it.
+class Program {
+ public:
+  Program() {
+    int to[2];
+    int from[2];
+    EXPECT_TRUE(pipe(to) == 0 && pipe(from) == 0);
+    _process = fork();
+    if (_process == 0) {
+      dup2(to[0], STDIN_FILENO);
+      dup2(from[1], STDOUT_FILENO);
+      for (const int end : {to[0], to[1], from[0], from[1]}) close(end);
+      alarm(60);
+      execl(KORVEX_DAO_TOOL, KORVEX_DAO_TOOL, "lsp", "--stdio", "--max-bytes", "4096", nullptr);
+      _exit(127);
+    }
+    close(to[0]);
+    close(from[1]);
+    _in = fdopen(from[0], "r");
+    _out = fdopen(to[1], "w");
+  }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+  ~Program() { std::fclose(_in); }
+
+  void say(const std::string& bytes) const {
+    std::fwrite(bytes.data(), 1, bytes.size(), _out);
+    std::fflush(_out);
+  }
+  // Waits for the next message.
+  [[nodiscard]] Json heard() const {
+    std::size_t length = 0;
+    EXPECT_EQ(std::fscanf(_in, "Content-Length: %zu ", &length), 1);
+    std::string content(length, ' ');
+    EXPECT_EQ(std::fread(content.data(), 1, length, _in), length);
+    return Json::parse(content);
+  }
+  [[nodiscard]] int exitCode() const {
+    std::fclose(_out);
+    int status = 0;
+    waitpid(_process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  pid_t _process;
+  FILE* _in;
+  FILE* _out;
+};
+
+TEST(LanguageServer, ServesAnEditorThatWaitsForEachAnswer) {
+  const Program program;
+  const Marked marked("<a><select id='x' result=':m|'/><map id='m'/></a>");
+  const std::string exchange[][2] = {
+      {request(1, "initialize", Json::object()), R"(/result/serverInfo/name="korvex-dao")"},
+      {notification("initialized") + opened(marked.text), "/params/diagnostics/0/severity=1"},
+      {"Content-Length: x\r\n\r\n", "/error/code=-32700"},
+      {framed("{\"id\":"), "/error/code=-32700"},
+      {framed(std::string(1 << 20, 'x')), "/error/code=-32600"},
+      {request(2, "textDocument/definition", marked.params), "/result/0/range/start/character=40"},
+      {request(3, "shutdown"), "/result=null"},
+  };
+  for (const auto& [said, wanted] : exchange) {
+    program.say(said);
+    const std::size_t equals = wanted.find('=');
+    const Json heard = program.heard();
+    const Json::json_pointer place(wanted.substr(0, equals));
+    ASSERT_TRUE(heard.contains(place)) << heard << wanted;
+    EXPECT_EQ(heard[place].dump(), wanted.substr(equals + 1)) << said.substr(0, 200);
+  }
+  program.say(notification("exit"));
+  EXPECT_EQ(program.exitCode(), 0);
+  EXPECT_EQ(Program().exitCode(), 1);
 }
 
 TEST(LanguageServer, UrisAndPathsAreTheSame) {

@@ -365,6 +365,7 @@ TEST(Usage, HelpAndMistakes) {
                                      {"dump", "--help"},
                                      {"unpack", "--help"},
                                      {"schema", "--help"},
+                                     {"lsp", "--help"},
                                      {"--version"}}) {
     const Outcome result = run(arguments);
     EXPECT_EQ(result.code, 0);
@@ -392,6 +393,7 @@ TEST(Usage, HelpAndMistakes) {
                                            {"unpack", "--db", "d", "--table", "t"},
                                            {"unpack", "--db", "d", "--column", "c"},
                                            {"unpack", "--where", "1", "-"},
+                                           {"lsp", "somewhere"},
                                            {"unpack", "--db", "d", "--table", "t", "--column", "c", "-"},
                                            {"schema", "--format", "dtd"},
                                            {"schema", "--root", "select"},
