@@ -14,7 +14,7 @@ namespace korvex {
 
 namespace {
 
-std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string inQuotes(std::string_view text) { return std::string("'").append(text).append("'"); }
 
 // ---------------------------------------------------------------------------------------------
 // Attributes

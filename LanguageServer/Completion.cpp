@@ -29,11 +29,13 @@ constexpr std::array<std::string_view, 2> yesAndNo = {"true", "false"};
 
 bool isWhiteSpace(char character) { return whiteSpace.find(character) != std::string_view::npos; }
 
-std::string tabStop(int number) { return "$" + std::to_string(number); }
+std::string tabStop(int number) { return std::string("$").append(std::to_string(number)); }
+
+std::string inAngle(std::string_view rest) { return std::string("<").append(rest); }
 
 // "${1|one,other|}"
 std::string choice(int number, std::span<const std::string_view> words) {
-  std::string text = "${" + std::to_string(number) + "|";
+  std::string text = std::string("${").append(std::to_string(number)).append("|");
   for (const std::string_view word : words) text.append(word).append(word == words.back() ? "|}" : ",");
   return text;
 }
@@ -57,7 +59,7 @@ std::string attributesSnippet(const ElementEntry& element) {
   if (element.attributeRule == AttributeRule::ExactlyOne) {
     std::vector<std::string_view> names;
     for (const AttributeEntry& attribute : element.attributes) names.push_back(attribute.name);
-    return " " + choice(1, names) + "=\"$2\"";
+    return std::string(" ").append(choice(1, names)).append("=\"$2\"");
   }
   int number = 0;
   for (const AttributeEntry& attribute : element.attributes) {
@@ -70,7 +72,7 @@ std::string attributesSnippet(const ElementEntry& element) {
 std::string elementSnippet(const ElementEntry& element) {
   const std::string start = std::string(element.tag) + attributesSnippet(element);
   if (element.content == Content::Nothing || element.content == Content::PassedOver) return start + "/>$0";
-  return start + ">$0</" + std::string(element.tag) + ">";
+  return std::string(start).append(">$0</").append(element.tag).append(">");
 }
 
 class Completer {
@@ -116,10 +118,10 @@ class Completer {
     const bool apart = _offset == 0 || isWhiteSpace(_text[_offset - 1]) || _text[_offset - 1] == '>';
     if (!holder || !_wishes.untyped || !apart) return;
     for (const ElementEntry* element : childrenOf(*holder)) {
-      const std::string tag = "<" + std::string(element->tag);
+      const std::string tag = inAngle(element->tag);
       Json& item = addItem(element->tag, kindClass, descriptionOf(*element));
       item["filterText"] = tag;
-      setEdit(item, {_offset, _offset}, tag, _wishes.snippets ? "<" + elementSnippet(*element) : "");
+      setEdit(item, {_offset, _offset}, tag, _wishes.snippets ? inAngle(elementSnippet(*element)) : "");
     }
   }
 
@@ -193,7 +195,7 @@ class Completer {
       }
     }
     if (attribute->kind != ValueKind::Result) return;
-    for (const std::string& name : mapNames(_workspace)) add(":" + name, kindReference);
+    for (const std::string& name : mapNames(_workspace)) add(std::string(":").append(name), kindReference);
   }
 
   // A value without its second quote runs into what follows; the cursor's word ends earlier.

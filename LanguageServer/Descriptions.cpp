@@ -83,12 +83,12 @@ std::string valuesOf(const AttributeEntry& attribute) {
 }  // namespace
 
 std::string descriptionOf(const ElementEntry& element) {
-  std::string text = "**" + tag(element.tag) + "**\n\n";
-  return text.append(element.meaning).append("\n\n") + attributesOf(element) + "\n\n" + contentOf(element);
+  std::string text = std::string("**").append(tag(element.tag)).append("**\n\n").append(element.meaning);
+  return text.append("\n\n").append(attributesOf(element)).append("\n\n").append(contentOf(element));
 }
 
 std::string descriptionOf(const AttributeEntry& attribute, const ElementEntry& element) {
-  std::string text = "**" + code(attribute.name) + "** of " + tag(element.tag);
+  std::string text = std::string("**").append(code(attribute.name)).append("** of ").append(tag(element.tag));
   if (attribute.required) text += ", required";
   text.append("\n\n").append(attribute.meaning);
   const std::string values = valuesOf(attribute);

@@ -40,6 +40,7 @@ struct Comparison {
 constexpr Goal farAhead = atMost(1 / 1.5);
 constexpr Goal growth = atMost(105);
 constexpr Goal growthOfPack = atMost(10.5);
+constexpr Goal answer = atMost(2);
 
 constexpr std::array comparisons{
     Comparison{"1 load, not strict", "load/fast", "pugixml's parse", "parse/pugixml", Unit::Seconds, atMost(2.5)},
@@ -84,6 +85,12 @@ constexpr std::array comparisons{
                "pack/threads/threads:1:items_per_second", Unit::PerSecond, atLeast(1.9)},
 
     Comparison{"7 text of the core", "core/text", "the goal's 160 KB", "goal/text", Unit::Bytes, atMost(1)},
+
+    Comparison{"8 change and findings", "serve/change", "a check", "serve/check", Unit::Seconds, answer},
+    Comparison{"8 completion", "serve/completion", "a check", "serve/check", Unit::Seconds, answer},
+    Comparison{"8 hover", "serve/hover", "a check", "serve/check", Unit::Seconds, answer},
+    Comparison{"8 symbols", "serve/symbols", "a check", "serve/check", Unit::Seconds, answer},
+    Comparison{"8 definition", "serve/definition", "a check", "serve/check", Unit::Seconds, answer},
 };
 
 struct Scale {

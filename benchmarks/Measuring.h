@@ -73,6 +73,7 @@ struct Loaded {
 void registerLoading();
 void registerTexts();
 void registerPacking();
+void registerServing();
 // Counts elements, bytes and allocations at once.
 void measureHeap(Figures& figures);
 

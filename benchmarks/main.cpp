@@ -63,6 +63,7 @@ int main(int argc, char** argv) {
   korvex::benchmarks::registerLoading();
   korvex::benchmarks::registerTexts();
   korvex::benchmarks::registerPacking();
+  korvex::benchmarks::registerServing();
   korvex::benchmarks::FigureCollector collector(figures);
   if (benchmark::RunSpecifiedBenchmarks(&collector) == 0 || collector.failed()) return 1;
   korvex::benchmarks::printTable(std::cout, figures, !brief);
