@@ -56,6 +56,7 @@
 
 #include "Evaluator/QXDAOEvaluator.h"
 #include "Platform/CompactString.h"
+#include "Platform/Export.h"
 #include "Platform/ModelClass.h"
 #include "Platform/SpinLock.h"
 #include "Platform/Strings.h"
@@ -189,7 +190,7 @@ enum QXDAOElementKind : std::uint8_t {
 inline constexpr std::string_view QXDAO_ERROR_DOMAIN = "korvex.dao";
 
 // Why a definition was refused. Failures differ by their message alone; the code is always 0.
-struct QXDAOError {
+struct KORVEX_EXPORT QXDAOError {
   using Value = std::variant<std::string, XMLNode>;
 
   std::string domain;
@@ -210,7 +211,7 @@ struct QXDAOError {
 // Elements
 
 // Whatever an engine keeps in the slots that the elements hold for it: derive from this.
-class QXDAOEngineValue {
+class KORVEX_EXPORT QXDAOEngineValue {
  public:
   QXDAOEngineValue() = default;
   QXDAOEngineValue(const QXDAOEngineValue&) = delete;
@@ -220,7 +221,7 @@ class QXDAOEngineValue {
 
 using QXDAOEngineList = std::vector<std::unique_ptr<QXDAOEngineValue>>;
 
-class QXDAOElement {
+class KORVEX_EXPORT QXDAOElement {
  public:
   QXDAOElement(const QXDAOElement&) = delete;
   QXDAOElement& operator=(const QXDAOElement&) = delete;
@@ -285,7 +286,7 @@ template <typename T>
 using QXDAOElementList = std::vector<std::unique_ptr<QXDAOElement>>;
 
 // An element with an ordered list of child elements.
-class QXDAOContainerElement : public QXDAOElement {
+class KORVEX_EXPORT QXDAOContainerElement : public QXDAOElement {
  public:
   // In document order; absent until the children have been walked.
   [[nodiscard]] const std::optional<QXDAOElementList>& children() const { return _children; }
@@ -319,7 +320,7 @@ class QXDAOContainerElement : public QXDAOElement {
 // star, every "*" in it replaced by the star, joined by ", ". Time and memory are in proportion to
 // the text and its expansion; a format of many "*" and many stars expand to their product:
 // expandedLength tells how much that is.
-class QXDAOText final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOText final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindText;
   QXDAOText() : QXDAOElement(Kind) {}
@@ -371,7 +372,7 @@ class QXDAOText final : public QXDAOElement {
 
 // <if>, <when> and <otherwise>: content that applies under a condition. The attribute "true" or
 // "false" of if and when holds the expression and says which outcome applies.
-class QXDAOCondition final : public QXDAOContainerElement {
+class KORVEX_EXPORT QXDAOCondition final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindCondition;
   QXDAOCondition() : QXDAOContainerElement(Kind) {}
@@ -406,7 +407,7 @@ class QXDAOCondition final : public QXDAOContainerElement {
 };
 
 // <choose>: its children are conditions, any number of when and then at most one otherwise.
-class QXDAOChoose final : public QXDAOContainerElement {
+class KORVEX_EXPORT QXDAOChoose final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindChoose;
   QXDAOChoose() : QXDAOContainerElement(Kind) {}
@@ -416,7 +417,7 @@ class QXDAOChoose final : public QXDAOContainerElement {
 
 // <foreach>: text that the engine repeats for each entry of a collection. String attributes are
 // kept as written; those that are not given stay absent.
-class QXDAOForeach final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOForeach final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindForeach;
   QXDAOForeach() : QXDAOElement(Kind) {}
@@ -460,7 +461,7 @@ class QXDAOForeach final : public QXDAOElement {
 };
 
 // <trim>, <where> and <set>: content whose ends are cleaned up when the SQL is put together.
-class QXDAOTrim final : public QXDAOContainerElement {
+class KORVEX_EXPORT QXDAOTrim final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindTrim;
   QXDAOTrim() : QXDAOContainerElement(Kind) {}
@@ -489,7 +490,7 @@ class QXDAOTrim final : public QXDAOContainerElement {
 };
 
 // <format>: how the engine writes key-value pairs at this place. Content is ignored.
-class QXDAOKeyValueFormatter final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOKeyValueFormatter final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindKeyValueFormatter;
   QXDAOKeyValueFormatter() : QXDAOElement(Kind) {}
@@ -514,7 +515,7 @@ class QXDAOKeyValueFormatter final : public QXDAOElement {
 // Reusable text
 
 // <sql>: a named piece of SQL text without dynamic fragments. "T" and "t" are reserved names.
-class QXDAOSqlBlock final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOSqlBlock final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindSqlBlock;
   QXDAOSqlBlock() : QXDAOElement(Kind) {}
@@ -532,7 +533,7 @@ class QXDAOSqlBlock final : public QXDAOElement {
 };
 
 // <const NAME="text"/>: a named constant.
-class QXDAOConst final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOConst final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindConst;
   QXDAOConst() : QXDAOElement(Kind) {}
@@ -553,7 +554,7 @@ class QXDAOConst final : public QXDAOElement {
 // Object mapping
 
 // <map>: which property of a class receives which column of a result row.
-class QXDAOMap final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOMap final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindMap;
   QXDAOMap() : QXDAOElement(Kind) {}
@@ -577,7 +578,7 @@ class QXDAOMap final : public QXDAOElement {
 };
 
 // <crypt>: one property of one class whose stored value the engine encrypts. It has no name.
-class QXDAOCryptProperty final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOCryptProperty final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindCryptProperty;
   QXDAOCryptProperty() : QXDAOElement(Kind) {}
@@ -647,11 +648,12 @@ struct QXDAOPackClassInfo {
 
 // Negative, zero or positive as the first entry sorts before, equal to or after the second: names
 // byte by byte, a name before a longer one that it begins, an entry without a name after all.
-[[nodiscard]] int property_info_cmp(const QXDAOPackPropertyInfo& first, const QXDAOPackPropertyInfo& second);
+[[nodiscard]] KORVEX_EXPORT int property_info_cmp(const QXDAOPackPropertyInfo& first,
+                                                  const QXDAOPackPropertyInfo& second);
 
 // <pack>: several properties of an object stored together in one column. It has no name and
 // names no class: one pack serves every class whose objects it meets.
-class QXDAOPack final : public QXDAOElement {
+class KORVEX_EXPORT QXDAOPack final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindPack;
   QXDAOPack() : QXDAOElement(Kind) {}
@@ -716,7 +718,7 @@ class QXDAOMethodArgument {
 
 // <select>, <update>, <insert>, <delete> and <upgrade>: one data-access method. Its children are
 // its body. An upgrade has no name, only the version it leads to.
-class QXDAOMethod final : public QXDAOContainerElement {
+class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindMethod;
   QXDAOMethod() : QXDAOContainerElement(Kind) {}
@@ -818,7 +820,7 @@ class QXDAOMethod final : public QXDAOContainerElement {
 
 // <step>: one of several parts of a method. A method with a single step is built as if the step's
 // content stood in the method itself.
-class QXDAOMethodStep final : public QXDAOContainerElement {
+class KORVEX_EXPORT QXDAOMethodStep final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindMethodStep;
   QXDAOMethodStep() : QXDAOContainerElement(Kind) {}
@@ -841,7 +843,7 @@ class QXDAOExcept;
 
 // <try>: guarded content, followed by the except block that runs when it fails. The except block
 // is the last child.
-class QXDAOTry final : public QXDAOContainerElement {
+class KORVEX_EXPORT QXDAOTry final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindTry;
   QXDAOTry() : QXDAOContainerElement(Kind) {}
@@ -863,7 +865,7 @@ class QXDAOTry final : public QXDAOContainerElement {
 };
 
 // <except>: what runs when the content of its try block fails.
-class QXDAOExcept final : public QXDAOContainerElement {
+class KORVEX_EXPORT QXDAOExcept final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindExcept;
   QXDAOExcept() : QXDAOContainerElement(Kind) {}
@@ -883,7 +885,7 @@ class QXDAOExcept final : public QXDAOContainerElement {
 // The mapping sequence: one process-wide counter for the engine, starting at 0. Nothing in the
 // mapping layer calls these. Safe on any thread; past the largest value it wraps around.
 
-[[nodiscard]] std::int32_t GetQXDAOMappingSequence();
-void IncreaseQXDAOMappingSequence();
+[[nodiscard]] KORVEX_EXPORT std::int32_t GetQXDAOMappingSequence();
+KORVEX_EXPORT void IncreaseQXDAOMappingSequence();
 
 }  // namespace korvex

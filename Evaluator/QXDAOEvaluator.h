@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Platform/Export.h"
+
 namespace korvex {
 
 enum QXDAOTokenType : std::uint64_t {
@@ -28,7 +30,7 @@ struct QXDAOToken {
 
 using QXDAOTokenList = std::vector<QXDAOToken>;
 
-class QXDAOEvaluator {
+class KORVEX_EXPORT QXDAOEvaluator {
  public:
   // The tokens of the expression in order, valid as long as the expression is; empty when it holds none or cannot be
   // tokenised (an unclosed string, a number that runs into a name, an unknown character, a name that holds a no-break

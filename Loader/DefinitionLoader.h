@@ -16,6 +16,7 @@
 
 #include "DAO/QXDAOElement.h"
 #include "Loader/SourceText.h"
+#include "Platform/Export.h"
 #include "Platform/XMLNode.h"
 
 namespace korvex {
@@ -54,7 +55,7 @@ struct DocumentError {
 // A parsed document: the tree that XMLNode handles read, and its source text for diagnostics.
 // Not copyable; the handles and views taken from it are valid while it lives. After construction
 // it is only read, on any number of threads.
-class Document {
+class KORVEX_EXPORT Document {
  public:
   struct Result;
 
@@ -101,6 +102,6 @@ struct Definition {
 // Builds every definition of a document, in document order, also after refused ones. Definitions
 // are the child elements of the root; a root that is itself a definition (select, sql, map…) is
 // the only one. The elements outlive the document.
-[[nodiscard]] std::vector<Definition> loadDefinitions(const Document& document);
+[[nodiscard]] KORVEX_EXPORT std::vector<Definition> loadDefinitions(const Document& document);
 
 }  // namespace korvex

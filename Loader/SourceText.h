@@ -8,13 +8,14 @@
 #include <utility>
 #include <vector>
 
+#include "Platform/Export.h"
 #include "Platform/XMLNode.h"
 
 namespace korvex {
 
 // UTF-8 text, without a byte order mark. The lines are found when they are first asked for, once;
 // all operations may run on any thread. Views are valid while the SourceText lives.
-class SourceText {
+class KORVEX_EXPORT SourceText {
  public:
   explicit SourceText(std::string text) : _text(std::move(text)) {}
   SourceText(const SourceText&) = delete;

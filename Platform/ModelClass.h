@@ -42,6 +42,7 @@
 #include <variant>
 #include <vector>
 
+#include "Platform/Export.h"
 #include "Platform/NumberObject.h"
 #include "Platform/Strings.h"
 
@@ -50,7 +51,7 @@ namespace korvex {
 struct ModelClass;
 
 // The base of all model objects.
-class ModelObject {
+class KORVEX_EXPORT ModelObject {
  public:
   virtual ~ModelObject() = default;
   // The class of the object: the most derived one that derives from Model.
@@ -95,28 +96,28 @@ struct ModelClass {
 };
 
 // Puts an entry in its place of a class's list; of several of one name the first described counts.
-void addEntry(std::vector<ModelProperty>& properties, ModelProperty property);
-void addEntry(std::vector<ModelField>& fields, ModelField field);
+KORVEX_EXPORT void addEntry(std::vector<ModelProperty>& properties, ModelProperty property);
+KORVEX_EXPORT void addEntry(std::vector<ModelField>& fields, ModelField field);
 
 // ---------------------------------------------------------------------------------------------
 // Introspection. Names are compared exactly; a class is searched before its ancestors, and null
 // means that none of them declares the name.
 
-[[nodiscard]] const ModelClass& getClass(const ModelObject& object);
-[[nodiscard]] const ModelProperty* getProperty(const ModelClass& modelClass, std::string_view name);
+[[nodiscard]] KORVEX_EXPORT const ModelClass& getClass(const ModelObject& object);
+[[nodiscard]] KORVEX_EXPORT const ModelProperty* getProperty(const ModelClass& modelClass, std::string_view name);
 // Comma-separated: "T" and the type code, "N", then "V" and the name of the backing field if there
 // is one, as in "TB,N,V_crypted".
-[[nodiscard]] const char* getPropertyAttributes(const ModelProperty& property);
-[[nodiscard]] const char* getPropertyName(const ModelProperty& property);
-[[nodiscard]] const ModelField* getField(const ModelClass& modelClass, std::string_view name);
-[[nodiscard]] const char* getFieldTypeEncoding(const ModelField& field);
+[[nodiscard]] KORVEX_EXPORT const char* getPropertyAttributes(const ModelProperty& property);
+[[nodiscard]] KORVEX_EXPORT const char* getPropertyName(const ModelProperty& property);
+[[nodiscard]] KORVEX_EXPORT const ModelField* getField(const ModelClass& modelClass, std::string_view name);
+[[nodiscard]] KORVEX_EXPORT const char* getFieldTypeEncoding(const ModelField& field);
 // Where the field lies in every object of the class, in bytes from its ModelObject.
-[[nodiscard]] std::ptrdiff_t getFieldOffset(const ModelField& field);
+[[nodiscard]] KORVEX_EXPORT std::ptrdiff_t getFieldOffset(const ModelField& field);
 // The value of an object-valued field; absent for a scalar field.
-[[nodiscard]] ObjectValue getObjectField(const ModelObject& object, const ModelField& field);
+[[nodiscard]] KORVEX_EXPORT ObjectValue getObjectField(const ModelObject& object, const ModelField& field);
 // Replaces the value of an object-valued field by the field's own ownership rule. A value of
 // another kind than the field's counts as absent; a scalar field is left alone.
-void setObjectField(ModelObject& object, const ModelField& field, const ObjectValue& value);
+KORVEX_EXPORT void setObjectField(ModelObject& object, const ModelField& field, const ObjectValue& value);
 
 // ---------------------------------------------------------------------------------------------
 // Describing a class
@@ -178,8 +179,8 @@ struct FieldAccess<OptionalNumber> {
 };
 
 // The object when it is a `wanted` or derives from it; null otherwise.
-[[nodiscard]] std::shared_ptr<ModelObject> objectOfClass(const std::shared_ptr<ModelObject>& object,
-                                                         const ModelClass& wanted);
+[[nodiscard]] KORVEX_EXPORT std::shared_ptr<ModelObject> objectOfClass(const std::shared_ptr<ModelObject>& object,
+                                                                       const ModelClass& wanted);
 
 template <ModelType T>
 struct FieldAccess<std::shared_ptr<T>> {

@@ -8,6 +8,8 @@
 #include <optional>
 #include <type_traits>
 
+#include "Platform/Export.h"
+
 namespace korvex {
 
 // The one-character type codes of scalars; "l" and "L" are the 64-bit `long` types of the C++
@@ -80,7 +82,7 @@ class NumberObject {
   // The value's own bytes in the platform's order; those past its width are zero.
   [[nodiscard]] const std::byte* bytes() const { return _bytes.data(); }
 
-  friend bool operator==(const NumberObject& left, const NumberObject& right);
+  friend KORVEX_EXPORT bool operator==(const NumberObject& left, const NumberObject& right);
 
  private:
   NumberObject(char typeCode, std::uint64_t bits) : _typeCode(typeCode) {

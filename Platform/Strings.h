@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "Platform/Export.h"
+
 namespace korvex {
 
 using OptionalString = std::optional<std::string>;
@@ -27,49 +29,49 @@ using OptionalStringView = std::optional<std::string_view>;
 }
 
 // The part of the text without spaces at both ends. The result points into the argument.
-[[nodiscard]] std::string_view spaceBothEndsTrimmed(std::string_view text);
-[[nodiscard]] OptionalStringView spaceBothEndsTrimmed(OptionalStringView text);
+[[nodiscard]] KORVEX_EXPORT std::string_view spaceBothEndsTrimmed(std::string_view text);
+[[nodiscard]] KORVEX_EXPORT OptionalStringView spaceBothEndsTrimmed(OptionalStringView text);
 
 // The part of the text without spaces, tabs and line feeds at both ends; a carriage return stays.
 // The result points into the argument.
-[[nodiscard]] std::string_view spaceNewLineTabBothEndsTrimmed(std::string_view text);
-[[nodiscard]] OptionalStringView spaceNewLineTabBothEndsTrimmed(OptionalStringView text);
+[[nodiscard]] KORVEX_EXPORT std::string_view spaceNewLineTabBothEndsTrimmed(std::string_view text);
+[[nodiscard]] KORVEX_EXPORT OptionalStringView spaceNewLineTabBothEndsTrimmed(OptionalStringView text);
 
 // The pieces of a text between separators: n separators give n + 1 pieces, empty ones included.
 // The pieces point into the argument.
-[[nodiscard]] std::vector<std::string_view> splitAt(std::string_view text, char separator);
+[[nodiscard]] KORVEX_EXPORT std::vector<std::string_view> splitAt(std::string_view text, char separator);
 
 // The same one by one: takes the first piece and its separator off a text that is present; after
 // the last piece nothing is left, and the text is absent.
-[[nodiscard]] std::string_view takePiece(OptionalStringView& text, char separator);
+[[nodiscard]] KORVEX_EXPORT std::string_view takePiece(OptionalStringView& text, char separator);
 
 // The text with A to Z written as a to z; every other byte stays as it is.
-[[nodiscard]] std::string asciiLowerCase(std::string_view text);
+[[nodiscard]] KORVEX_EXPORT std::string asciiLowerCase(std::string_view text);
 
 // The Boolean attribute rule: after leading white space, an optional sign and leading zeros, the
 // text is true when its next character is Y, y, T, t or a digit 1 to 9. An absent text is false.
-[[nodiscard]] bool booleanAttributeValue(OptionalStringView text);
+[[nodiscard]] KORVEX_EXPORT bool booleanAttributeValue(OptionalStringView text);
 
 // True when the text has at least `units` UTF-16 code units. A character outside the Basic
 // Multilingual Plane counts two; a byte that is not part of valid UTF-8 counts one.
-[[nodiscard]] bool hasAtLeastUTF16Units(std::string_view text, std::size_t units);
+[[nodiscard]] KORVEX_EXPORT bool hasAtLeastUTF16Units(std::string_view text, std::size_t units);
 
 // True when every byte is one of 1 to 127.
-[[nodiscard]] bool isASCIIWithoutZero(std::string_view text);
+[[nodiscard]] KORVEX_EXPORT bool isASCIIWithoutZero(std::string_view text);
 
 // Copies a text to where there is room for it, if every byte is one of 1 to 127. Otherwise false; what the room then
 // holds is undefined.
 [[nodiscard]] bool copyASCIIWithoutZero(std::string_view text, char* room);
 
 // True when every byte belongs to a whole, shortest-form character that is no surrogate (RFC 3629).
-[[nodiscard]] bool isValidUTF8(std::string_view text);
+[[nodiscard]] KORVEX_EXPORT bool isValidUTF8(std::string_view text);
 
 // The byte length, 1 to 4, of the character that ends just before `end` (0 < end <= text.size()).
 // A byte that is not the end of valid UTF-8 is a character of its own.
-[[nodiscard]] std::size_t lengthOfCharacterBefore(std::string_view text, std::size_t end);
+[[nodiscard]] KORVEX_EXPORT std::size_t lengthOfCharacterBefore(std::string_view text, std::size_t end);
 
 // `format` with its first "%@" replaced by `value`, "(null)" when the value is absent. The value is
 // taken literally: a "%@" inside it stays.
-[[nodiscard]] std::string filledFormat(std::string_view format, OptionalStringView value);
+[[nodiscard]] KORVEX_EXPORT std::string filledFormat(std::string_view format, OptionalStringView value);
 
 }  // namespace korvex

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Export.h"
 #include "Platform/Strings.h"
 
 namespace korvex {
@@ -38,7 +39,7 @@ struct XMLPosition {
 
 // What a parser offers to be read through the handles. Node and attribute handles are the tree's
 // own, opaque here; null stands for "none" and is never passed in.
-class XMLTree {
+class KORVEX_EXPORT XMLTree {
  public:
   using NodeHandle = const void*;
   using AttributeHandle = const void*;
@@ -137,7 +138,7 @@ class XMLRange {
 
 // One node of a document tree, or none. A null handle answers every question with "absent" or
 // "none", so that chains such as node.firstChild().name() need no test in between.
-class XMLNode {
+class KORVEX_EXPORT XMLNode {
  public:
   XMLNode() = default;
   XMLNode(const XMLTree& tree, XMLTree::NodeHandle handle) : _tree(&tree), _handle(handle) {}

@@ -19,10 +19,42 @@ function(korvex_target name)
   endif()
 endfunction()
 
-# A library of ours: korvex_library(dao SOURCES...) makes korvex_dao, known as korvex::dao.
+# A library of ours: korvex_library(dao SOURCES...) makes korvex_dao, known as korvex::dao. It is what BUILD_SHARED_LIBS
+# says, unless STATIC stands before the sources.
 function(korvex_library name)
-  add_library(korvex_${name} STATIC ${ARGN})
+  add_library(korvex_${name} ${ARGN})
   add_library(korvex::${name} ALIAS korvex_${name})
   korvex_target(korvex_${name})
+  # A static library, too, becomes part of an app's shared one, and shows nothing there.
+  set_target_properties(korvex_${name} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+  )
   target_compile_options(korvex_${name} PRIVATE $<$<NOT:$<BOOL:${KORVEX_EXCEPTIONS}>>:-fno-exceptions> -fno-rtti)
+
+  get_target_property(type korvex_${name} TYPE)
+  if(type STREQUAL SHARED_LIBRARY)
+    korvex_shared_library(korvex_${name})
+  endif()
+endfunction()
+
+function(korvex_shared_library target)
+  target_compile_definitions(${target} PUBLIC KORVEX_SHARED)
+  # Before 1.0.0 each minor version may change what is exported.
+  set_target_properties(${target} PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+  )
+  if(APPLE OR NOT UNIX)
+    return()
+  endif()
+  # The instances of the standard library's templates stay inside: their visibility is the standard library's.
+  set(exports ${KORVEX_SOURCE_DIR}/cmake/exports.map)
+  target_link_options(${target} PRIVATE -Wl,--version-script=${exports})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
+    # Phones with memory pages of 16 KB load nothing that is aligned to less.
+    target_link_options(${target} PRIVATE -Wl,-z,max-page-size=16384)
+  endif()
 endfunction()

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Export.h"
 #include "Platform/Strings.h"
 #include "Platform/XMLNode.h"
 
@@ -33,6 +34,7 @@ class PlainText {
   XMLNode _offender;
 };
 
-[[nodiscard]] PlainText plainTextOf(const XMLNode& element, std::string_view (*piece)(std::string_view text));
+[[nodiscard]] KORVEX_EXPORT PlainText plainTextOf(const XMLNode& element,
+                                                  std::string_view (*piece)(std::string_view text));
 
 }  // namespace korvex

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +11,8 @@
 #include "DAO/QXDAOElement.h"
 
 namespace korvex {
+
+static_assert(std::endian::native == std::endian::little, "numbers are packed as they stand in memory: little-endian");
 
 struct PackScalar {
   char typeCode;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "DAO/QXDAOElement.h"
+#include "Platform/Export.h"
 
 namespace korvex {
 
@@ -29,7 +30,7 @@ enum class QXDAOPackReadStatus {
 enum class QXDAOPackPart { Name, Encode, StringLength, String, Scalar };
 
 // Never reads outside the value, whatever its bytes are. The value must outlive the reader.
-class QXDAOPackReader {
+class KORVEX_EXPORT QXDAOPackReader {
  public:
   explicit QXDAOPackReader(std::string_view value) : _value(value) {}
 
