@@ -47,6 +47,9 @@ installFor() {
     fail "only root can install: ${missing[*]} (and there is no sudo)"
   fi
   heading "Installing ${missing[*]} (takes a minute or two)"
+  for package in "${missing[@]}"; do
+    if [[ $package == *:* ]]; then asRoot dpkg --add-architecture "${package#*:}"; fi
+  done
   asRoot apt-get -qq update
   asRoot env DEBIAN_FRONTEND=noninteractive \
     apt-get -qq install --yes --no-install-recommends -o Dpkg::Use-Pty=0 "${missing[@]}" >/dev/null
