@@ -10,9 +10,12 @@
 #include "Checks/NearMiss.h"
 #include "Checks/Rules.h"
 #include "Tool/CheckCommand.h"
+#include "Tool/CommandDescription.h"
+#include "Tool/Completion.h"
 #include "Tool/DumpCommand.h"
 #include "Tool/ExplainCommand.h"
 #include "Tool/LanguageServerCommand.h"
+#include "Tool/ManPage.h"
 #include "Tool/SchemaCommand.h"
 #include "Tool/UnpackCommand.h"
 #include "Tool/VisibleText.h"
@@ -131,6 +134,12 @@ Exit codes:
   1  it did not, or closed its end
   2  wrong usage, or an output that cannot be written)";
 
+constexpr const char* completionFooter = R"(The packages of korvex-dao put the scripts where the shells look for them. A
+copy without a package is completed after:
+  source <(korvex-dao completion bash)
+  source <(korvex-dao completion zsh)
+  korvex-dao completion fish | source)";
+
 // An option that takes one of a few words.
 template <typename Value>
 void addChoice(CLI::App& command, const std::string& name, Value& value, const std::map<std::string, Value>& choices,
@@ -141,7 +150,7 @@ void addChoice(CLI::App& command, const std::string& name, Value& value, const s
   // A validator that is added later looks at the word earlier.
   command.add_option(name, value, help)
       ->transform(CLI::Transformer(choices).description(""))
-      ->transform(CLI::IsMember(words).description(""))
+      ->transform(oneOf(words))
       ->type_name("WORD");
 }
 
@@ -167,8 +176,9 @@ std::string unknownWarning(const std::string& name) {
 
 void addWarnings(CLI::App& command, const std::string& option, std::vector<std::string>& names,
                  const std::string& help) {
+  const auto known = warningNames();
   command.add_option(option, names, help)
-      ->check(CLI::Validator(unknownWarning, ""))
+      ->check(CLI::Validator(unknownWarning, "", choiceName(Words(known.begin(), known.end()))))
       ->type_name("NAME")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
@@ -218,7 +228,7 @@ CLI::App* addDump(CLI::App& tool, DumpOptions& options) {
   return command;
 }
 
-void addUnpack(CLI::App& tool, UnpackOptions& options) {
+CLI::App* addUnpack(CLI::App& tool, UnpackOptions& options) {
   CLI::App* command = tool.add_subcommand("unpack", "Print what a packed column holds");
   CLI::Option* file =
       command->add_option("FILE", options.path, "A file with one value, or - for standard input")->type_name("");
@@ -247,6 +257,23 @@ void addUnpack(CLI::App& tool, UnpackOptions& options) {
   command->callback([=] {
     if (file->empty() && hex->empty() && database->empty()) throw CLI::RequiredError("FILE, --hex or --db");
   });
+  return command;
+}
+
+void addCompletion(CLI::App& tool, const Console& console) {
+  CLI::App* command = tool.add_subcommand("completion", "Print a script by which a shell completes korvex-dao");
+  Words shells;
+  for (const auto& shell : completionWriters()) shells.push_back(shell.first);
+  const std::string help = "The shell: " + joined(shells, ", ");
+  CLI::Option* shell = command->add_option("SHELL", help)->required()->type_name("")->check(oneOf(shells));
+  command->footer(completionFooter);
+  command->callback([=, &tool] { completionWriters().at(shell->as<std::string>())(console.out, describe(tool)); });
+}
+
+// For those who build packages: hidden from the help.
+void addManPage(CLI::App& tool, const Console& console) {
+  CLI::App* command = tool.add_subcommand("man", "Print the manual page in roff")->group("");
+  command->callback([&] { writeManPage(console.out, describe(tool)); });
 }
 
 CLI::App* addSchema(CLI::App& tool, SchemaOptions& options) {
@@ -290,9 +317,11 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   const CLI::App* check = addCheck(tool, checkOptions);
   const CLI::App* explain = addExplain(tool, explainOptions);
   const CLI::App* dump = addDump(tool, dumpOptions);
-  addUnpack(tool, unpackOptions);
+  const CLI::App* unpack = addUnpack(tool, unpackOptions);
   const CLI::App* schema = addSchema(tool, schemaOptions);
   const CLI::App* server = addLanguageServer(tool, serverOptions);
+  addCompletion(tool, console);
+  addManPage(tool, console);
   try {
     std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
     tool.parse(std::move(arguments));
@@ -304,7 +333,8 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   if (dump->parsed()) return runDump(dumpOptions, console);
   if (schema->parsed()) return runSchema(schemaOptions, console);
   if (server->parsed()) return runLanguageServer(serverOptions, console);
-  return runUnpack(unpackOptions, console);
+  if (unpack->parsed()) return runUnpack(unpackOptions, console);
+  return ExitCodeNothingFound;  // the others have run while they were parsed
 }
 
 ExitCode flushed(const Console& console, ExitCode code) {

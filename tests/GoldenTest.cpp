@@ -62,6 +62,10 @@ TEST(Golden, ExamplesAreCheckedAndDumpedAsRecorded) {
       {"faults.check.json", "korvex-dao check --format json examples/faults.xml"},
       {"faults.json", "korvex-dao dump examples/faults.xml"},
       {"../../docs/rules.md", "korvex-dao explain --format markdown"},
+      {"../../man/korvex-dao.1", "korvex-dao man"},
+      {"../../completions/korvex-dao.bash", "korvex-dao completion bash"},
+      {"../../completions/korvex-dao.fish", "korvex-dao completion fish"},
+      {"../../completions/korvex-dao.zsh", "korvex-dao completion zsh"},
   };
   for (const auto& [name, command] : goldens) {
     SCOPED_TRACE(command);

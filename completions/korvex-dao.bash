@@ -1,0 +1,58 @@
+_korvex_dao() {
+  local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
+  local command= index options= words= files=
+  # Of --option=value bash makes three words.
+  if [[ $word == = ]]; then
+    word=
+  elif [[ $previous == = ]]; then
+    previous=${COMP_WORDS[COMP_CWORD-2]}
+  fi
+  for ((index = 1; index < COMP_CWORD; ++index)); do
+    if [[ ${COMP_WORDS[index]} != -* ]]; then
+      command=${COMP_WORDS[index]}
+      break
+    fi
+  done
+  case "$command $previous" in
+    'check --format') words='github json sarif short text' ;;
+    'check --color') words='always auto never' ;;
+    'check --warn') words='unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable unused-silence unknown-warning' ;;
+    'check --no-warn') words='unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable unused-silence unknown-warning' ;;
+    'check --max-bytes') words='' ;;
+    'explain --format') words='markdown text' ;;
+    'dump --format') words='json tree' ;;
+    'dump --max-bytes') words='' ;;
+    'unpack --hex') words='' ;;
+    'unpack --db') files=yes ;;
+    'unpack --table') words='' ;;
+    'unpack --column') words='' ;;
+    'unpack --where') words='' ;;
+    'unpack --format') words='json table' ;;
+    'schema --format') words='rnc rng xsd' ;;
+    'schema --root') words='' ;;
+    *)
+      case $command in
+        '') options='-h --help --version' words='check explain dump unpack schema completion' ;;
+        check) options='-h --help --format --color --warn --no-warn --werror --no-strict --keep-white-space --max-bytes' files=yes ;;
+        explain) options='-h --help --format' words='' ;;
+        dump) options='-h --help --format --no-strict --keep-white-space --max-bytes' files=yes ;;
+        unpack) options='-h --help --hex --db --table --column --where --format' files=yes ;;
+        schema) options='-h --help --format --root'  ;;
+        completion) options='-h --help' words='bash fish zsh' ;;
+      esac
+      ;;
+  esac
+  if [[ $options && $word == -* ]]; then
+    words=$options
+    files=
+  fi
+  COMPREPLY=()
+  if [[ $files ]]; then
+    local IFS=$'\n'
+    compopt -o filenames 2>/dev/null
+    COMPREPLY=($(compgen -f -- "$word"))
+  elif [[ $words ]]; then
+    COMPREPLY=($(compgen -W "$words" -- "$word"))
+  fi
+}
+complete -F _korvex_dao korvex-dao
