@@ -1,0 +1,97 @@
+# What `cmake --install` puts where: libraries, headers and the files by which builds find them (component
+# Development), and the tool with its manual page and completions (component Tool).
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+if(NOT KORVEX_EVALUATOR_TARGET STREQUAL "korvex_evaluator")
+  message(FATAL_ERROR "An installed loader needs the evaluator of this project: set KORVEX_INSTALL to OFF")
+endif()
+
+set(KORVEX_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/korvex-dao)
+set(KORVEX_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KorvexDAO)
+set(KORVEX_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(KORVEX_ZSH_COMPLETIONS_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+  CACHE STRING "Where zsh looks for completions")
+
+# The headers that users include, with those that they include. The others may change at any time.
+set(KORVEX_HEADERS
+  DAO/QXDAOElement.h
+  DAO/Mapping/QXDAOPackReader.h
+  Evaluator/QXDAOEvaluator.h
+  Loader/DefinitionLoader.h
+  Loader/SourceText.h
+  Platform/CompactString.h
+  Platform/ModelClass.h
+  Platform/NumberObject.h
+  Platform/SpinLock.h
+  Platform/Strings.h
+  Platform/XMLNode.h
+  Statistics/QXSCDAOMethodCounter.h
+)
+foreach(header IN LISTS KORVEX_HEADERS)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${KORVEX_INCLUDE_DIR}/${folder} COMPONENT Development)
+endforeach()
+
+foreach(library platform evaluator dao loader)
+  set_target_properties(korvex_${library} PROPERTIES EXPORT_NAME ${library})
+  target_include_directories(korvex_${library} INTERFACE $<INSTALL_INTERFACE:${KORVEX_INCLUDE_DIR}>)
+  install(TARGETS korvex_${library}
+    EXPORT KorvexDAOLibraries
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Development
+  )
+endforeach()
+install(EXPORT KorvexDAOLibraries NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_DIR} COMPONENT Development)
+
+# Archives do not say what they need: only a shared loader keeps its parsers to itself.
+get_target_property(loader_type korvex_loader TYPE)
+if(loader_type STREQUAL "STATIC_LIBRARY")
+  set(KORVEX_PARSERS_REQUIRED Requires)
+else()
+  set(KORVEX_PARSERS_REQUIRED Requires.private)
+endif()
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/KorvexDAOConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/install/KorvexDAOConfig.cmake
+  INSTALL_DESTINATION ${KORVEX_CMAKE_DIR}
+  NO_SET_AND_CHECK_MACRO
+)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/install/KorvexDAOConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion
+)
+install(FILES
+  ${PROJECT_BINARY_DIR}/install/KorvexDAOConfig.cmake
+  ${PROJECT_BINARY_DIR}/install/KorvexDAOConfigVersion.cmake
+  ${CMAKE_CURRENT_LIST_DIR}/KorvexCheckDefinitions.cmake
+  DESTINATION ${KORVEX_CMAKE_DIR}
+  COMPONENT Development
+)
+
+# The files know the prefix by where they lie, so an installed tree can be moved.
+file(RELATIVE_PATH KORVEX_PREFIX_OF_PKGCONFIG
+  ${CMAKE_INSTALL_PREFIX}/${KORVEX_PKGCONFIG_DIR} ${CMAKE_INSTALL_PREFIX})
+foreach(name korvex-dao korvex-loader)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in ${PROJECT_BINARY_DIR}/install/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/install/${name}.pc
+    DESTINATION ${KORVEX_PKGCONFIG_DIR} COMPONENT Development)
+endforeach()
+
+if(TARGET korvex-dao)
+  install(TARGETS korvex-dao EXPORT KorvexDAOTool
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Tool)
+  install(EXPORT KorvexDAOTool NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_DIR} COMPONENT Development)
+  install(FILES ${PROJECT_SOURCE_DIR}/man/korvex-dao.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Tool)
+  install(FILES ${PROJECT_SOURCE_DIR}/completions/korvex-dao.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME korvex-dao COMPONENT Tool)
+  install(FILES ${PROJECT_SOURCE_DIR}/completions/korvex-dao.zsh
+    DESTINATION ${KORVEX_ZSH_COMPLETIONS_DIR} RENAME _korvex-dao COMPONENT Tool)
+  install(FILES ${PROJECT_SOURCE_DIR}/completions/korvex-dao.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT Tool)
+endif()
+
+if(PROJECT_IS_TOP_LEVEL)
+  include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)
+endif()

@@ -1,0 +1,69 @@
+# korvex_check_definitions(TARGET PATH... [WARNINGS_AS_ERRORS] [OPTIONS OPTION...])
+#
+# Has `korvex-dao check` pass over definition documents before TARGET is built. A mistake in one of them fails the
+# build, at its line and column, with WARNINGS_AS_ERRORS a warning, too; the check is run again when a document changes.
+# A PATH is a file, which may be made by the build, or a directory with its *.xml files. OPTIONS go to `korvex-dao check`.
+#
+# The command is the one of this package. KORVEX_DAO_EXECUTABLE names another, as a build for another machine needs;
+# without either it is looked for on the path.
+include_guard(GLOBAL)
+
+function(korvex_check_definitions target)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "WARNINGS_AS_ERRORS" "" "OPTIONS")
+  if(ARG_WARNINGS_AS_ERRORS)
+    list(APPEND ARG_OPTIONS --werror)
+  endif()
+  set(paths ${ARG_UNPARSED_ARGUMENTS})
+  if(NOT TARGET ${target})
+    message(FATAL_ERROR "korvex_check_definitions: '${target}' is no target")
+  elseif(NOT paths)
+    message(FATAL_ERROR "korvex_check_definitions: no definitions are given for '${target}'")
+  endif()
+
+  # A directory is handed on as one: some warnings are given only where all definitions are at hand.
+  set(checked)
+  set(documents)
+  foreach(path IN LISTS paths)
+    cmake_path(ABSOLUTE_PATH path NORMALIZE)
+    list(APPEND checked ${path})
+    if(IS_DIRECTORY ${path})
+      file(GLOB_RECURSE found CONFIGURE_DEPENDS ${path}/*.xml)
+      list(APPEND documents ${found})
+    else()
+      list(APPEND documents ${path})
+    endif()
+  endforeach()
+  if(NOT documents)
+    message(FATAL_ERROR "korvex_check_definitions: no *.xml in ${paths}")
+  endif()
+
+  if(TARGET korvex::korvex-dao AND NOT CMAKE_CROSSCOMPILING AND NOT KORVEX_DAO_EXECUTABLE)
+    set(command $<TARGET_FILE:korvex::korvex-dao>)
+  else()
+    find_program(KORVEX_DAO_EXECUTABLE korvex-dao DOC "The command that checks definitions" NO_CMAKE_FIND_ROOT_PATH)
+    if(NOT KORVEX_DAO_EXECUTABLE)
+      message(FATAL_ERROR "korvex_check_definitions: there is no korvex-dao; set KORVEX_BUILD_TOOL to ON to build it, "
+        "or KORVEX_DAO_EXECUTABLE to its path")
+    endif()
+    set(command ${KORVEX_DAO_EXECUTABLE})
+  endif()
+
+  # A target can be given definitions more than once.
+  get_property(count TARGET ${target} PROPERTY KORVEX_DEFINITION_CHECKS)
+  if(NOT count)
+    set(count 0)
+  endif()
+  math(EXPR count "${count} + 1")
+  set_property(TARGET ${target} PROPERTY KORVEX_DEFINITION_CHECKS ${count})
+  set(name ${target}_definitions_${count})
+  set(stamp ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${name}.stamp)
+  add_custom_command(OUTPUT ${stamp}
+    COMMAND ${command} check --format text ${ARG_OPTIONS} -- ${checked}
+    COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+    DEPENDS ${documents} ${command}
+    COMMENT "Checking the definitions of ${target}"
+    VERBATIM
+  )
+  add_custom_target(${name} DEPENDS ${stamp})
+  add_dependencies(${target} ${name})
+endfunction()
