@@ -46,7 +46,8 @@ std::string italic(const std::string& text) {
   return "\\fI" + roff(text) + "\\fR";
 }
 
-bool isHeading(const std::string& line) { return line == "Examples:" || line == "Exit codes:"; }
+// "Exit codes:", and no sentence that ends in a colon.
+bool isHeading(const std::string& line) { return line.ends_with(':') && line.size() <= 16; }
 
 // Prose is filled; indented lines stay as they are.
 void writeText(std::ostream& out, const std::string& text) {

@@ -49,8 +49,21 @@ install(EXPORT KorvexDAOLibraries NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_
 get_target_property(loader_type korvex_loader TYPE)
 if(loader_type STREQUAL "STATIC_LIBRARY")
   set(KORVEX_PARSERS_REQUIRED Requires)
+  set(KORVEX_CFLAGS)
 else()
   set(KORVEX_PARSERS_REQUIRED Requires.private)
+  set(KORVEX_CFLAGS -DKORVEX_SHARED)
+  # Wherever the tree is moved to, the libraries find each other, and the tool finds them.
+  set(origin $ORIGIN)
+  if(APPLE)
+    set(origin @loader_path)
+  endif()
+  file(RELATIVE_PATH libraries_of_tool
+    ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR})
+  set_target_properties(korvex_platform korvex_evaluator korvex_dao korvex_loader PROPERTIES INSTALL_RPATH ${origin})
+  if(TARGET korvex-dao)
+    set_target_properties(korvex-dao PROPERTIES INSTALL_RPATH ${origin}/${libraries_of_tool})
+  endif()
 endif()
 
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/KorvexDAOConfig.cmake.in
