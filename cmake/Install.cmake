@@ -21,6 +21,7 @@ set(KORVEX_HEADERS
   Loader/DefinitionLoader.h
   Loader/SourceText.h
   Platform/CompactString.h
+  Platform/Export.h
   Platform/ModelClass.h
   Platform/NumberObject.h
   Platform/SpinLock.h

@@ -30,14 +30,16 @@ _korvex_dao() {
     'unpack --format') words='json table' ;;
     'schema --format') words='rnc rng xsd' ;;
     'schema --root') words='' ;;
+    'lsp --max-bytes') words='' ;;
     *)
       case $command in
-        '') options='-h --help --version' words='check explain dump unpack schema completion' ;;
+        '') options='-h --help --version' words='check explain dump unpack schema lsp completion' ;;
         check) options='-h --help --format --color --warn --no-warn --werror --no-strict --keep-white-space --max-bytes' files=yes ;;
         explain) options='-h --help --format' words='' ;;
         dump) options='-h --help --format --no-strict --keep-white-space --max-bytes' files=yes ;;
         unpack) options='-h --help --hex --db --table --column --where --format' files=yes ;;
         schema) options='-h --help --format --root'  ;;
+        lsp) options='-h --help --stdio --max-bytes'  ;;
         completion) options='-h --help' words='bash fish zsh' ;;
       esac
       ;;

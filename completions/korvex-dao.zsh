@@ -8,6 +8,7 @@ _korvex-dao() {
     'dump:Print the element trees of a definition document'
     'unpack:Print what a packed column holds'
     'schema:Print a schema of definition documents, for editors'
+    'lsp:Serve an editor as a language server'
     'completion:Print a script by which a shell completes korvex-dao'
   )
   _arguments -C \
@@ -69,6 +70,13 @@ _korvex-dao() {
             '(-h --help)--help[Print this help message and exit]' \
             '(--format)--format=[How to write the schema\: rnc (if not given) or rng, which are RELAX NG, or xsd, XML Schema 1.0]:WORD:(rnc rng xsd)' \
             '(--root)--root=[The tag of the root; if not given, any, and for xsd korvex]:TAG: '
+          ;;
+        lsp)
+          _arguments \
+            '(-h --help)-h[Print this help message and exit]' \
+            '(-h --help)--help[Print this help message and exit]' \
+            '(--stdio)--stdio[What it does in any case; many editors pass it]' \
+            '(--max-bytes)--max-bytes=[The largest message to read, in bytes; 67108864 if not given]:N: '
           ;;
         completion)
           _arguments \
