@@ -65,53 +65,62 @@ void findUnreadAttributes(const XMLNode& node, const ElementEntry& element, Warn
 // ---------------------------------------------------------------------------------------------
 // Names that are written twice
 
-// Adds a warning for each name that an earlier one repeats. Names are views that stay valid.
+// Adds a warning for each name that an earlier one repeats. Names are views that stay valid. Only for a warning is
+// asked where in the source the items stand that bear them.
+template <typename Item, typename PlaceOf>
 class Repetitions {
  public:
-  Repetitions(std::string_view rule, WarningList& list) : _rule(rule), _list(list) {}
+  Repetitions(std::string_view rule, std::string_view message, WarningList& list, PlaceOf placeOf)
+      : _rule(rule), _message(message), _list(list), _placeOf(placeOf) {}
 
-  void take(std::string_view name, const XMLNode& element, Span place, std::string_view message) {
-    const auto [first, isNew] = _places.try_emplace(name, place);
+  void take(std::string_view name, const Item& item, const XMLNode& element) {
+    const auto [first, isNew] = _items.try_emplace(name, item);
     if (isNew) return;
-    Finding& finding = _list.add(_rule, element, place, filledFormat(message, name));
-    finding.related.push_back(_list.relatedAt(first->second, "the first one is here"));
+    Finding& finding = _list.add(_rule, element, _placeOf(item), filledFormat(_message, name));
+    finding.related.push_back(_list.relatedAt(_placeOf(first->second), "the first one is here"));
   }
 
  private:
   std::string_view _rule;
+  std::string_view _message;
   WarningList& _list;
-  std::unordered_map<std::string_view, Span> _places;
+  PlaceOf _placeOf;
+  std::unordered_map<std::string_view, Item> _items;
 };
 
 void findDuplicateColumns(const Definition& definition, WarningList& list) {
-  Repetitions columns(RuleNames::duplicateColumn, list);
+  const auto placeOf = [&list](const XMLNode& result) { return list.places().valueOf(result, C_COLUMN); };
+  Repetitions<XMLNode, decltype(placeOf)> columns(
+      RuleNames::duplicateColumn, "the map names the column '%@' twice, and the last one wins", list, placeOf);
   for (const XMLNode& result : definition.xml.children()) {
     const OptionalStringView column = result.valueOfAttribute(C_COLUMN);
-    if (isEmpty(column)) continue;
-    columns.take(*column, result, list.places().valueOf(result, C_COLUMN),
-                 "the map names the column '%@' twice, and the last one wins");
+    if (!isEmpty(column)) columns.take(*column, result, result);
   }
 }
 
-// The names in an attribute, one by one, without the mark in front of them.
-void findRepeatedNames(const Definition& definition, std::string_view attribute, std::string_view mark,
-                       Repetitions names, std::string_view message, const WarningList& list) {
-  const WrittenValue written = list.places().writtenValueOf(definition.xml, attribute);
-  for (OptionalStringView rest = written.value; rest;) {
+// In an attribute with names, which may have a mark in front of them.
+void findRepeatedNames(const XMLNode& node, std::string_view attribute, std::string_view mark, std::string_view rule,
+                       std::string_view message, WarningList& list) {
+  std::optional<WrittenValue> written;
+  const auto placeOf = [&](std::string_view name) {
+    if (!written) written = list.places().writtenValueOf(node, attribute);
+    return written->of(name);
+  };
+  Repetitions<std::string_view, decltype(placeOf)> names(rule, message, list, placeOf);
+  for (OptionalStringView rest = node.valueOfAttribute(attribute); rest;) {
     std::string_view name = spaceBothEndsTrimmed(takePiece(rest, ','));
     if (name.starts_with(mark)) name.remove_prefix(mark.size());
-    if (name.empty()) continue;
-    names.take(name, definition.xml, written.of(name), message);
+    if (!name.empty()) names.take(name, name, node);
   }
 }
 
 void findRepeatedProperties(const Definition& definition, WarningList& list) {
-  findRepeatedNames(definition, C_PROPERTIES, "", Repetitions(RuleNames::repeatedProperty, list),
+  findRepeatedNames(definition.xml, C_PROPERTIES, "", RuleNames::repeatedProperty,
                     "the pack names the property '%@' twice", list);
 }
 
 void findDuplicateArguments(const Definition& definition, WarningList& list) {
-  findRepeatedNames(definition, C_ARGUMENTS, "$", Repetitions(RuleNames::duplicateArgument, list),
+  findRepeatedNames(definition.xml, C_ARGUMENTS, "$", RuleNames::duplicateArgument,
                     "the argument '%@' is declared twice", list);
 }
 
@@ -129,12 +138,13 @@ void findIgnoredContent(const XMLNode& node, const ElementEntry& element, Warnin
   }
 }
 
-void findMisplacedWhen(const XMLNode& node, const XMLNode& holder, WarningList& list) {
-  const OptionalStringView tag = node.name();
-  if ((tag != C_WHEN && tag != C_OTHERWISE) || holder.name() == C_CHOOSE) return;
+void findMisplacedWhen(const XMLNode& node, const ElementEntry& element, const ElementEntry* holder,
+                       WarningList& list) {
+  const bool when = element.tag == C_WHEN;
+  if ((!when && element.tag != C_OTHERWISE) || (holder && holder->tag == C_CHOOSE)) return;
   Finding& finding = list.add(RuleNames::misplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
-                              inQuotes(*tag) + " stands outside 'choose'");
-  finding.help = tag == C_WHEN ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
+                              inQuotes(element.tag) + " stands outside 'choose'");
+  finding.help = when ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
 }
 
 // A method that was built with a step has no other content than steps.
@@ -276,16 +286,16 @@ bool isDefinition(std::string_view tag) {
   return std::find(tags.begin(), tags.end(), tag) != tags.end();
 }
 
-void findInElement(const XMLNode& node, const XMLNode& holder, bool built, WarningList& list) {
+void findInElement(const XMLNode& node, const ElementEntry* holder, bool built, WarningList& list) {
   const ElementEntry* element = vocabularyEntryOf(node.name().value_or(std::string_view()));
   if (!element || (holder && isDefinition(element->tag))) return;  // has an error
   findUnreadAttributes(node, *element, list);
   findIgnoredContent(node, *element, list);
-  findMisplacedWhen(node, holder, list);
+  findMisplacedWhen(node, *element, holder, list);
   if (built) findUnfinishedReferences(node, *element, list);
   if (element->content == Content::PassedOver) return;
   for (const XMLNode& child : node.children()) {
-    if (child.kind() == XMLNodeKind::Element) findInElement(child, node, built, list);
+    if (child.kind() == XMLNodeKind::Element) findInElement(child, element, built, list);
   }
 }
 
@@ -294,7 +304,7 @@ void findInElement(const XMLNode& node, const XMLNode& holder, bool built, Warni
 void findWarningsIn(const Definition& definition, WarningList& list) {
   if (!isDefinition(definition.tag())) return;
   list.setDefinition(definition);
-  findInElement(definition.xml, {}, definition.element != nullptr, list);
+  findInElement(definition.xml, nullptr, definition.element != nullptr, list);
   for (const DefinitionRule& rule : definitionRules) {
     if (rule.tag == definition.tag()) rule.find(definition, list);
   }

@@ -29,6 +29,7 @@ Span placeOfName(const Definition& definition, const Places& places) {
 }  // namespace
 
 void SetNames::add(const std::vector<Definition>& definitions, WarningList& list) {
+  _documents.push_back(list.path());
   for (const Definition& definition : definitions) {
     if (definition.tag() == C_MAP) _maps.emplace(definition.xml.valueOfAttribute(C_ID).value_or(std::string_view()));
     if (!definition.element || !definition.element->name()) continue;
@@ -40,14 +41,13 @@ void SetNames::add(const std::vector<Definition>& definitions, WarningList& list
 
 void SetNames::addNamed(std::size_t kind, const Definition& definition, WarningList& list) {
   const std::string_view name = *definition.element->name();
-  const Span place = placeOfName(definition, list.places());
   const auto [first, isNew] =
-      _first[kind].try_emplace(std::string(name), list.relatedAt(place, "the first one is here"));
+      _first[kind].try_emplace(std::string(name), Place{_documents.size() - 1, definition.position()});
   if (isNew) return;
   list.setDefinition(definition);
-  Finding& finding =
-      list.add(RuleNames::duplicateName, definition.xml, place, filledFormat(namedKinds[kind].message, name));
-  finding.related.push_back(first->second);
+  Finding& finding = list.add(RuleNames::duplicateName, definition.xml, placeOfName(definition, list.places()),
+                              filledFormat(namedKinds[kind].message, name));
+  finding.related.push_back({_documents[first->second.document], first->second.position, "the first one is here"});
 }
 
 std::vector<std::string_view> SetNames::mapNames() const {

@@ -25,7 +25,14 @@ class SetNames {
 
   void addNamed(std::size_t kind, const Definition& definition, WarningList& list);
 
-  std::array<std::unordered_map<std::string, Related>, kinds> _first;
+  // Where a name came first.
+  struct Place {
+    std::size_t document;
+    XMLPosition position;
+  };
+
+  std::vector<std::string> _documents;  // their paths
+  std::array<std::unordered_map<std::string, Place>, kinds> _first;
   std::unordered_set<std::string> _maps;
 };
 

@@ -140,7 +140,7 @@ TEST(Warnings, AboutNamesInSeveralDocuments) {
   const std::vector<Finding> again = set.check("b.xml", *read.document, definitions);
   ASSERT_EQ(again.size(), 3U);
   EXPECT_EQ(again[0].related.at(0).path, "a.xml");
-  EXPECT_EQ(again[0].related.at(0).position, (XMLPosition{1, 16}));
+  EXPECT_EQ(again[0].related.at(0).position, (XMLPosition{1, 4}));
   EXPECT_EQ(again[0].definition->tag, "select");
   const std::vector<Finding> late = set.finish();
   ASSERT_EQ(late.size(), 2U);

@@ -242,14 +242,14 @@ TEST(Check, Warnings) {
   EXPECT_EQ(run({"check", "--werror", "-"}, twice).code, 1);
   EXPECT_EQ(run({"check", "-"}, twice).out,
             "<stdin>:2:8: warning: another constant has the name 'A' [duplicate-name]\n<const A='1'/></d>\n       ^\n"
-            "<stdin>:1:11: note: the first one is here\n");
+            "<stdin>:1:4: note: the first one is here\n");
   EXPECT_TRUE(
       run({"check", "-"}, xml)
           .out.starts_with("<stdin>:1:16: warning: 'sql' never reads the attribute 'ix' [unread-attribute]\n"
                            "<d><sql id='a' ix='1'/>\n               ^\nhelp: did you mean 'id'?\n<stdin>:2:1: "));
   const Json report = Json::parse(run({"check", "--format=json", "-"}, twice).out);
   EXPECT_EQ(report.at("findings").at(0).at("related").dump(),
-            R"([{"path":"<stdin>","line":1,"column":11,"message":"the first one is here"}])");
+            R"([{"path":"<stdin>","line":1,"column":4,"message":"the first one is here"}])");
   EXPECT_EQ(report.at("findings").at(0).at("severity"), "warning");
   EXPECT_EQ(report.at("warnings"), 1);
 }
