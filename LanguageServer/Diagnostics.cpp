@@ -26,13 +26,32 @@ std::string withoutEncoding(std::string text) {
   return text;
 }
 
+// Editors show a message on one line.
+std::string messageOf(const Finding& finding) {
+  return finding.help.empty() ? finding.message : finding.message + " (" + finding.help + ")";
+}
+
+// Where the other place of a finding begins; all of them are in this document.
+Json relatedTo(const MarkedDocument& document, const Finding& finding, const SourceText& source) {
+  Json related = Json::array();
+  for (const Related& other : finding.related) {
+    const std::size_t place = source.offset(other.position);
+    related.push_back(
+        {{"location", {{"uri", document.text().uri()}, {"range", document.text().rangeOf({place, place})}}},
+         {"message", other.message}});
+  }
+  return related;
+}
+
 Json diagnostic(const MarkedDocument& document, const Finding& finding, const SourceText& source) {
   const Span span{source.offset(finding.position), source.offset(finding.end)};
-  return {{"range", document.text().rangeOf(span)},
-          {"severity", finding.severity == Severity::Error ? severityError : severityWarning},
-          {"code", finding.rule->name},
-          {"source", "korvex-dao"},
-          {"message", finding.message}};
+  Json result = {{"range", document.text().rangeOf(span)},
+                 {"severity", finding.severity == Severity::Error ? severityError : severityWarning},
+                 {"code", finding.rule->name},
+                 {"source", "korvex-dao"},
+                 {"message", messageOf(finding)}};
+  if (!finding.related.empty()) result["relatedInformation"] = relatedTo(document, finding, source);
+  return result;
 }
 
 std::vector<Finding> findingsIn(const Document::Result& result) {

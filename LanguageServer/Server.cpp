@@ -32,7 +32,7 @@ std::string uriIn(const Json& params) { return stringOf(member(member(params, "t
 
 struct Server::Request {
   std::string_view method;
-  Json (Server::*answer)(const Json& params);
+  std::string (Server::*answer)(const Json& params);  // the result as text
 };
 
 struct Server::Notification {
@@ -41,12 +41,12 @@ struct Server::Notification {
 };
 
 const Server::Request Server::requests[] = {
-    {"initialize", &Server::initialize},
-    {"shutdown", &Server::shutdown},
-    {"textDocument/completion", &Server::complete},
-    {"textDocument/hover", &Server::hover},
-    {"textDocument/definition", &Server::findDefinition},
-    {"textDocument/references", &Server::findReferences},
+    {"initialize", &Server::asText<&Server::initialize>},
+    {"shutdown", &Server::asText<&Server::shutdown>},
+    {"textDocument/completion", &Server::asText<&Server::complete>},
+    {"textDocument/hover", &Server::asText<&Server::hover>},
+    {"textDocument/definition", &Server::asText<&Server::findDefinition>},
+    {"textDocument/references", &Server::asText<&Server::findReferences>},
     {"textDocument/documentSymbol", &Server::listSymbols},
 };
 
@@ -100,7 +100,13 @@ void Server::answer(const Json& id, const std::string& method, const Json& param
   const auto* found = std::find_if(std::begin(requests), std::end(requests),
                                    [&method](const Request& request) { return request.method == method; });
   if (found == std::end(requests)) return sendError(id, methodNotFound, "there is no method " + method);
-  send({{"id", id}, {"result", (this->*found->answer)(params)}});
+  const std::string result = (this->*found->answer)(params);
+  writeMessage(_out, R"({"jsonrpc":"2.0","id":)" + textOf(id) + R"(,"result":)" + result + "}");
+}
+
+template <Json (Server::*answer)(const Json& params)>
+std::string Server::asText(const Json& params) {
+  return textOf((this->*answer)(params));
 }
 
 // Those that are unknown, and those that come at the wrong time, are passed over.
@@ -160,9 +166,9 @@ Json Server::findReferences(const Json& params) {
   return document ? referencesTo(*document, positionIn(params), declaration, _workspace) : Json();
 }
 
-Json Server::listSymbols(const Json& params) {
+std::string Server::listSymbols(const Json& params) {
   const MarkedDocument* document = documentIn(params);
-  return document ? symbolsOf(*document) : Json::array();
+  return document ? symbolsOf(*document) : "[]";
 }
 
 void Server::didOpen(const Json& params) {

@@ -33,13 +33,15 @@ class Server {
   void answer(const Json& id, const std::string& method, const Json& params);
   void notice(const std::string& method, const Json& params);
 
+  template <Json (Server::*answer)(const Json& params)>
+  [[nodiscard]] std::string asText(const Json& params);
   [[nodiscard]] Json initialize(const Json& params);
   [[nodiscard]] Json shutdown(const Json& params);
   [[nodiscard]] Json complete(const Json& params);
   [[nodiscard]] Json hover(const Json& params);
   [[nodiscard]] Json findDefinition(const Json& params);
   [[nodiscard]] Json findReferences(const Json& params);
-  [[nodiscard]] Json listSymbols(const Json& params);
+  [[nodiscard]] std::string listSymbols(const Json& params);
 
   void didOpen(const Json& params);
   void didChange(const Json& params);

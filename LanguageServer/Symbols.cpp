@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "DAO/QXDAOElement.h"
+#include "LanguageServer/Json.h"
 #include "Platform/Strings.h"
 #include "Platform/Tables.h"
 
@@ -50,53 +51,80 @@ const MarkupAttribute* attributeNamed(const Markup& markup, const MarkupElement&
   return nullptr;
 }
 
-Json symbol(std::string_view name, int kind, const TextDocument& text, Span whole, Span selection) {
-  return {{"name", name}, {"kind", kind}, {"range", text.rangeOf(whole)}, {"selectionRange", text.rangeOf(selection)}};
-}
+// Writes symbols as JSON.
+class SymbolWriter {
+ public:
+  explicit SymbolWriter(const MarkedDocument& document) : _document(document) {}
 
-// The arguments that a method declares; empty pieces, which the loader refuses, are left out.
-Json argumentsOf(const MarkedDocument& document, const MarkupElement& element) {
-  Json symbols = Json::array();
-  const MarkupAttribute* declaration = attributeNamed(document.markup(), element, C_ARGUMENTS);
-  if (!declaration) return symbols;
-  const std::string_view text = document.markup().textOf(*declaration->value);
-  for (const std::string_view piece : splitAt(text, ',')) {
-    std::string_view name = spaceBothEndsTrimmed(piece);
-    if (name.starts_with('$')) name.remove_prefix(1);
-    if (name.empty()) continue;
-    const std::size_t begin = declaration->value->begin + static_cast<std::size_t>(name.data() - text.data());
-    const Span span{begin, begin + name.size()};
-    symbols.push_back(symbol(name, kindVariable, document.text(), span, span));
+  [[nodiscard]] const std::string& text() const { return _text; }
+
+  void writeDefinition(const MarkupElement& element, const DefinitionTag& tag) {
+    const Markup& markup = _document.markup();
+    const MarkupAttribute* naming = attributeNamed(markup, element, tag.nameAttribute);
+    Span place = element.name;
+    if (naming) place = tag.nameAttribute.empty() ? naming->name : *naming->value;
+    // The protocol does not allow an empty name.
+    const std::string_view written = markup.textOf(place);
+    beginSymbol(naming && !written.empty() ? written : tag.tag, tag.kind, element.whole, place);
+    std::string detail(tag.tag);
+    if (const auto more = markup.valueOf(element, tag.detailAttribute)) detail.append(" ").append(*more);
+    _text.append(R"(,"detail":)").append(textOf(detail)).append(R"(,"children":[)");
+    writeArguments(element);
+    _text.append("]}");
   }
-  return symbols;
-}
 
-Json symbolOf(const MarkedDocument& document, const MarkupElement& element, const DefinitionTag& tag) {
-  const Markup& markup = document.markup();
-  const MarkupAttribute* naming = attributeNamed(markup, element, tag.nameAttribute);
-  Span place = element.name;
-  if (naming) place = tag.nameAttribute.empty() ? naming->name : *naming->value;
-  // The protocol does not allow an empty name.
-  const std::string_view written = markup.textOf(place);
-  Json result = symbol(naming && !written.empty() ? written : tag.tag, tag.kind, document.text(), element.whole, place);
-  std::string detail(tag.tag);
-  if (const auto more = markup.valueOf(element, tag.detailAttribute)) detail.append(" ").append(*more);
-  result["detail"] = detail;
-  result["children"] = argumentsOf(document, element);
-  return result;
-}
+ private:
+  // Of a method that declares some; empty pieces, which the loader refuses, are left out.
+  void writeArguments(const MarkupElement& element) {
+    const MarkupAttribute* declaration = attributeNamed(_document.markup(), element, C_ARGUMENTS);
+    if (!declaration) return;
+    const std::string_view text = _document.markup().textOf(*declaration->value);
+    for (const std::string_view piece : splitAt(text, ',')) {
+      std::string_view name = spaceBothEndsTrimmed(piece);
+      if (name.starts_with('$')) name.remove_prefix(1);
+      if (name.empty()) continue;
+      const std::size_t begin = declaration->value->begin + static_cast<std::size_t>(name.data() - text.data());
+      const Span span{begin, begin + name.size()};
+      beginSymbol(name, kindVariable, span, span);
+      _text.append("}");
+    }
+  }
+
+  void beginSymbol(std::string_view name, int kind, Span whole, Span selection) {
+    if (_text.ends_with('}')) _text.append(",");
+    _text.append(R"({"name":)").append(textOf(name)).append(R"(,"kind":)").append(std::to_string(kind));
+    writeRange(R"(,"range":)", whole);
+    writeRange(R"(,"selectionRange":)", selection);
+  }
+
+  void writeRange(std::string_view key, Span span) {
+    _text.append(key).append(R"({"start":)");
+    writePosition(_document.text().positionOf(span.begin));
+    _text.append(R"(,"end":)");
+    writePosition(_document.text().positionOf(span.end));
+    _text.append("}");
+  }
+
+  void writePosition(const Position& position) {
+    _text.append(R"({"line":)").append(std::to_string(position.line));
+    _text.append(R"(,"character":)").append(std::to_string(position.character)).append("}");
+  }
+
+  const MarkedDocument& _document;
+  std::string _text;
+};
 
 }  // namespace
 
-Json symbolsOf(const MarkedDocument& document) {
-  Json symbols = Json::array();
+std::string symbolsOf(const MarkedDocument& document) {
+  SymbolWriter writer(document);
   for (const MarkupElement& element : document.markup().elements()) {
     const MarkupElement* parent = document.markup().parentOf(element);
     const bool mayDefine = !parent || parent->parent == MarkupElement::none;
     const DefinitionTag* tag = rowWith(definitionTags, &DefinitionTag::tag, document.markup().nameOf(element));
-    if (mayDefine && tag) symbols.push_back(symbolOf(document, element, *tag));
+    if (mayDefine && tag) writer.writeDefinition(element, *tag);
   }
-  return symbols;
+  return "[" + writer.text() + "]";
 }
 
 }  // namespace korvex::lsp

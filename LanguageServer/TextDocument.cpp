@@ -32,7 +32,13 @@ Position positionOfJson(const Json& json) {
   return {numberOf(member(json, "line")), numberOf(member(json, "character"))};
 }
 
-Json jsonOf(const Position& position) { return {{"line", position.line}, {"character", position.character}}; }
+// Member by member: an answer has thousands of them, and in braces each member would be a list first.
+Json jsonOf(const Position& position) {
+  Json json = Json::object();
+  json["line"] = position.line;
+  json["character"] = position.character;
+  return json;
+}
 
 }  // namespace
 
@@ -121,7 +127,10 @@ Position TextDocument::positionOf(std::size_t offset) const {
 }
 
 Json TextDocument::rangeOf(Span span) const {
-  return {{"start", jsonOf(positionOf(span.begin))}, {"end", jsonOf(positionOf(span.end))}};
+  Json range = Json::object();
+  range["start"] = jsonOf(positionOf(span.begin));
+  range["end"] = jsonOf(positionOf(span.end));
+  return range;
 }
 
 }  // namespace korvex::lsp
