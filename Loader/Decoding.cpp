@@ -13,7 +13,6 @@ namespace korvex {
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view whiteSpace = " \t\r\n";
 
 // Two bytes a character: a byte order mark, or a zero byte beside the first character.
 bool looksLikeUTF16(std::string_view bytes) {
@@ -27,7 +26,7 @@ std::string_view xmlDeclaration(std::string_view bytes) {
 }
 
 void skipWhiteSpace(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+  text.remove_prefix(std::min(text.find_first_not_of(xmlWhiteSpace), text.size()));
 }
 
 // Whether an XML declaration leaves it at UTF-8. What it says in an unusual way counts as another

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "Loader/DocumentErrors.h"
+#include "Platform/Strings.h"
 
 namespace korvex {
 
@@ -55,8 +56,6 @@ bool isText(pugi::xml_node node) { return typeOf(node).kind == XMLNodeKind::Text
 
 bool isPCDATA(pugi::xml_node node) { return node.type() == pugi::node_pcdata; }
 bool isCDATA(pugi::xml_node node) { return node.type() == pugi::node_cdata; }
-
-constexpr std::string_view whiteSpace = " \t\r\n";
 
 bool isWhiteSpace(char character) {
   return character == ' ' || character == '\t' || character == '\r' || character == '\n';
@@ -177,12 +176,12 @@ void PugiTree::finishText(pugi::xml_node text, bool keepWhiteSpace) {
 // Where white space alone counts, the parser has made texts of it.
 std::string_view PugiTree::whiteSpaceBefore(std::size_t offset, bool parsed) const {
   const std::string_view before = _source.text().substr(0, parsed ? 0 : offset);
-  return before.substr(before.find_last_not_of(whiteSpace) + 1);
+  return before.substr(before.find_last_not_of(xmlWhiteSpace) + 1);
 }
 
 std::string_view PugiTree::whiteSpaceAfter(std::size_t offset, bool parsed) const {
   const std::string_view after = _source.text().substr(offset, parsed ? 0 : std::string_view::npos);
-  const std::size_t end = std::min(after.find_first_not_of(whiteSpace), after.size());
+  const std::size_t end = std::min(after.find_first_not_of(xmlWhiteSpace), after.size());
   return after.substr(end).starts_with('<') ? after.substr(0, end) : std::string_view();
 }
 

@@ -19,6 +19,9 @@ namespace korvex {
 using OptionalString = std::optional<std::string>;
 using OptionalStringView = std::optional<std::string_view>;
 
+// What XML counts as white space.
+inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
+
 // True for an absent string and for one of length 0.
 [[nodiscard]] inline bool isEmpty(const OptionalString& text) { return !text || text->empty(); }
 [[nodiscard]] inline bool isEmpty(OptionalStringView text) { return !text || text->empty(); }

@@ -20,7 +20,7 @@ std::string relaxNgSchema(std::string_view root) { return xmlText(relaxNg(gramma
 std::string xmlSchemaSchema(std::string_view root) { return xmlText(xmlSchema(grammar(), root), note); }
 
 // By Format.
-constexpr std::array<std::string (*)(std::string_view root), 3> writers{compactSchema, relaxNgSchema, xmlSchemaSchema};
+constexpr std::array<std::string (*)(std::string_view root), 3> schemas{compactSchema, relaxNgSchema, xmlSchemaSchema};
 
 bool isASCIILetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
@@ -37,7 +37,7 @@ bool mayFollow(char character) {
 
 }  // namespace
 
-std::string schemaText(Format format, std::string_view root) { return writers[static_cast<std::size_t>(format)](root); }
+std::string schemaText(Format format, std::string_view root) { return schemas[static_cast<std::size_t>(format)](root); }
 
 bool mayBeRoot(std::string_view tag) {
   const auto definitions = definitionTags();

@@ -95,7 +95,7 @@ Node declaration(std::string_view tag, std::string_view type) {
   return {"xs:element", {{"name", std::string(tag)}, {"type", std::string(type)}}};
 }
 
-Node anyElement(std::string_view nameSpace) {
+Node anyElementOf(std::string_view nameSpace) {
   return {"xs:any", {{"namespace", std::string(nameSpace)}, {"processContents", "skip"}}};
 }
 
@@ -120,7 +120,7 @@ Node particleOf(const Particle& particle) {
     case Particle::Kind::Element:
       return declaration(particle.tag, particle.tag);
     case Particle::Kind::AnyElement:
-      return anyElement("##any");
+      return anyElementOf("##any");
     case Particle::Kind::Optional:
     case Particle::Kind::ZeroOrMore:
     case Particle::Kind::OneOrMore: {
@@ -168,7 +168,7 @@ Node typeOfNothing() {
 Node typeOfRoot() {
   Node choice{"xs:choice", {{"minOccurs", "0"}, {"maxOccurs", "unbounded"}}};
   for (const std::string_view tag : definitionTags()) choice.children.push_back(declaration(tag, tag));
-  choice.children.push_back(anyElement("##other"));
+  choice.children.push_back(anyElementOf("##other"));
   return {"xs:complexType",
           {{"name", std::string(rootType)}, {"mixed", "true"}},
           {documented(rootDocumentation), std::move(choice), {"xs:anyAttribute", {{"processContents", "skip"}}}}};

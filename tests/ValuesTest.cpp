@@ -7,13 +7,13 @@
 namespace korvex {
 namespace {
 
-struct Case {
+struct ValueCase {
   std::string xml;
   const char* pointer;  // an RFC 6901 JSON pointer into the element
   const char* value;    // JSON
 };
 
-void check(const std::vector<Case>& cases, const std::string& before = "", const std::string& after = "") {
+void check(const std::vector<ValueCase>& cases, const std::string& before = "", const std::string& after = "") {
   for (const auto& [xml, pointer, value] : cases) {
     SCOPED_TRACE(xml);
     const auto result = Document::fromBytes("<d>" + before + xml + after + "</d>");
