@@ -7,7 +7,11 @@ function(korvex_target name)
   target_compile_features(${name} PUBLIC cxx_std_20)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
   target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${KORVEX_SOURCE_DIR}>)
-  target_compile_options(${name} PRIVATE -Wall -Wextra -Wshadow -Wconversion)
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Wconversion)
+  # Where files are compiled together, a name of one shadows that of another.
+  if(NOT CMAKE_UNITY_BUILD)
+    target_compile_options(${name} PRIVATE -Wshadow)
+  endif()
   # Of "a" + std::string(...) + "b", optimised, g++ 12 wrongly says that memory overlaps.
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(${name} PRIVATE -Wno-restrict)

@@ -48,7 +48,7 @@ TEST(Locale, ADecimalCommaChangesNothing) {
   const std::string made = locales.path() / "comma";
   ASSERT_EQ(std::system(("localedef -i de_DE -f UTF-8 '" + made + "'").c_str()), 0);  // NOLINT(cert-env33-c)
   const std::vector<std::string> before = results();
-  for (const std::size_t withNumber : {5, 6, 7, 8}) {
+  for (const std::size_t withNumber : {5U, 6U, 7U, 8U}) {
     EXPECT_NE(before[withNumber].find("1234567.25"), std::string::npos) << before[withNumber];
   }
 
