@@ -9,8 +9,6 @@ namespace korvex {
 namespace {
 
 constexpr std::string_view whiteSpace = " \t\r\n";
-constexpr std::string_view endsName = " \t\r\n=/<>\"'";
-
 constexpr std::string_view commentOpening = "<!--";
 
 // Markup that holds no elements, and what ends it.
@@ -32,7 +30,7 @@ constexpr std::array<Passage, 4> passages = {{
 class MarkupScanner {
  public:
   explicit MarkupScanner(Markup& markup)
-      : _text(markup._text), _elements(markup._elements), _comments(markup._comments) {}
+      : _text(markup._text), _elements(markup._elements), _comments(markup._comments), _passages(markup._passages) {}
 
   void run() {
     while ((_at = _text.find('<', _at)) != std::string_view::npos) {
@@ -50,7 +48,9 @@ class MarkupScanner {
     const std::size_t begin = _at;
     const std::size_t end = _text.find(passage->closing, _at + passage->opening.size());
     _at = end == std::string_view::npos ? _text.size() : end + passage->closing.size();
-    if (passage->opening == commentOpening && end != std::string_view::npos) _comments.push_back({begin, _at});
+    const bool closed = end != std::string_view::npos;
+    _passages.push_back({begin, closed ? _at : _at + 1});
+    if (closed && passage->opening == commentOpening) _comments.push_back({begin, _at});
     return true;
   }
 
@@ -65,7 +65,7 @@ class MarkupScanner {
   void takeEndTag() {
     const std::size_t begin = _at;
     _at += 2;
-    const Span name = takeUntil(endsName);
+    const Span name = takeUntil(endsMarkupName);
     static_cast<void>(takeUntil("<>"));
     if (is('>')) ++_at;
     closeElementNamed(_text.substr(name.begin, name.end - name.begin), begin);
@@ -74,7 +74,7 @@ class MarkupScanner {
   void takeStartTag() {
     MarkupElement element;
     element.startTag.begin = _at++;
-    element.name = takeUntil(endsName);
+    element.name = takeUntil(endsMarkupName);
     if (!_open.empty()) element.parent = _open.back();
     while (takeAttribute(element)) {
     }
@@ -94,7 +94,7 @@ class MarkupScanner {
     skipWhiteSpace();
     if (_at == _text.size() || is('>') || is('<') || _text.substr(_at).starts_with("/>")) return false;
     MarkupAttribute attribute;
-    attribute.name = takeUntil(endsName);
+    attribute.name = takeUntil(endsMarkupName);
     const std::size_t nameEnd = _at;
     skipWhiteSpace();
     if (is('=')) {
@@ -159,6 +159,7 @@ class MarkupScanner {
   std::string_view _text;
   std::vector<MarkupElement>& _elements;
   std::vector<Span>& _comments;
+  std::vector<Span>& _passages;
   std::vector<std::size_t> _open;
   std::unordered_map<std::string_view, std::size_t> _openNamed;  // how many; spares a search for what closes nothing
   std::size_t _at = 0;
@@ -183,14 +184,10 @@ const MarkupElement* Markup::startTagAt(std::size_t offset) const {
   return offset < element.startTag.end + (closed ? 0 : 1) ? &element : nullptr;
 }
 
-const MarkupElement* Markup::elementAround(std::size_t offset) const {
-  const auto after = std::partition_point(_elements.begin(), _elements.end(), [offset](const MarkupElement& element) {
-    return element.startTag.begin < offset;
-  });
-  if (after == _elements.begin()) return nullptr;
-  const MarkupElement* element = &*(after - 1);
-  while (element && offset >= element->whole.end) element = parentOf(*element);
-  return element;
+bool Markup::isInPassage(std::size_t offset) const {
+  const auto after = std::partition_point(_passages.begin(), _passages.end(),
+                                          [offset](const Span& passage) { return passage.begin < offset; });
+  return after != _passages.begin() && offset < (after - 1)->end;
 }
 
 const MarkupElement* Markup::parentOf(const MarkupElement& element) const {

@@ -11,6 +11,9 @@
 
 namespace korvex {
 
+// What ends a name in markup.
+inline constexpr std::string_view endsMarkupName = " \t\r\n=/<>\"'";
+
 // Bytes of the text, the first and one past the last.
 struct Span {
   std::size_t begin = 0;
@@ -51,8 +54,8 @@ class Markup {
   [[nodiscard]] const std::vector<Span>& comments() const { return _comments; }
   // The element whose start tag has the offset inside it, behind the "<"; null when there is none.
   [[nodiscard]] const MarkupElement* startTagAt(std::size_t offset) const;
-  // The innermost element around the offset; null outside the root.
-  [[nodiscard]] const MarkupElement* elementAround(std::size_t offset) const;
+  // Whether the offset is inside a comment, a CDATA section, or other markup that holds no elements.
+  [[nodiscard]] bool isInPassage(std::size_t offset) const;
   [[nodiscard]] const MarkupElement* parentOf(const MarkupElement& element) const;
 
  private:
@@ -61,6 +64,7 @@ class Markup {
   std::string_view _text;
   std::vector<MarkupElement> _elements;
   std::vector<Span> _comments;
+  std::vector<Span> _passages;  // in document order; one that nobody closed ends past the text
 };
 
 }  // namespace korvex

@@ -1,37 +1,11 @@
 #include "LanguageServer/Place.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace korvex::lsp {
 
 namespace {
-
-constexpr std::string_view endsName = " \t\r\n=/<>\"'";
-
-// Text in which "<" opens no tag, and what ends it.
-struct Passage {
-  std::string_view opening;
-  std::string_view closing;
-};
-
-constexpr std::array<Passage, 4> passages = {{
-    {"<!--", "-->"},
-    {"<![CDATA[", "]]>"},
-    {"<?", "?>"},
-    {"<!", ">"},
-}};
-
-// The end of the passage that begins at an offset; the offset itself when none does.
-std::size_t endOfPassage(std::string_view text, std::size_t at) {
-  const auto* passage = std::find_if(passages.begin(), passages.end(), [&](const Passage& candidate) {
-    return text.substr(at).starts_with(candidate.opening);
-  });
-  if (passage == passages.end()) return at;
-  const std::size_t end = text.find(passage->closing, at + passage->opening.size());
-  return end == std::string_view::npos ? text.size() + 1 : end + passage->closing.size();
-}
 
 // The text holds more of an element that nobody closed when somebody types at its end.
 bool isClosedAtTheEnd(const Markup& markup, const MarkupElement& element, std::string_view text) {
@@ -53,18 +27,13 @@ const MarkupElement* holderAt(const Markup& markup, std::string_view text, std::
 
 // Behind the last start tag in front of the offset, where only passages and end tags are.
 Place placeBehind(const Markup& markup, std::string_view text, std::size_t offset, const MarkupElement* element) {
-  std::size_t at = element ? element->startTag.end : 0;
-  while ((at = text.find('<', at)) < offset) {
-    if (text.substr(at).starts_with("</")) {
-      const Span name{at + 2, std::min(text.find_first_of(endsName, at + 2), text.size())};
-      if (offset == at + 1) return {};
-      if (name.touches(offset)) return {PlaceKind::EndTagName, holderAt(markup, text, at, element), nullptr, name};
-      ++at;
-      continue;
-    }
-    const std::size_t end = endOfPassage(text, at);
-    if (offset < end) return {};
-    at = std::max(end, at + 1);
+  if (markup.isInPassage(offset)) return {};
+  const std::size_t behindTag = element ? element->startTag.end : 0;
+  const std::size_t at = offset == 0 ? std::string_view::npos : text.rfind("</", offset - 1);
+  if (at != std::string_view::npos && at >= behindTag && !markup.isInPassage(at + 1)) {
+    if (offset == at + 1) return {};
+    const Span name{at + 2, std::min(text.find_first_of(endsMarkupName, at + 2), text.size())};
+    if (name.touches(offset)) return {PlaceKind::EndTagName, holderAt(markup, text, at, element), nullptr, name};
   }
   return {PlaceKind::Content, holderAt(markup, text, offset, element), nullptr, {offset, offset}};
 }

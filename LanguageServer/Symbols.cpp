@@ -24,14 +24,14 @@ constexpr int kindStruct = 23;
 
 constexpr std::string_view nothing;
 
-struct DefinitionTag {
+struct SymbolKind {
   std::string_view tag;
   int kind;
   std::string_view nameAttribute;    // empty: the name of the first attribute is the name
   std::string_view detailAttribute;  // what stands beside the name
 };
 
-constexpr std::array<DefinitionTag, 10> definitionTags = {{
+constexpr std::array<SymbolKind, 10> symbolKinds = {{
     {C_SELECT, kindMethod, C_ID, C_RESULT},
     {C_UPDATE, kindMethod, C_ID, nothing},
     {C_INSERT, kindMethod, C_ID, nothing},
@@ -58,7 +58,7 @@ class SymbolWriter {
 
   [[nodiscard]] const std::string& text() const { return _text; }
 
-  void writeDefinition(const MarkupElement& element, const DefinitionTag& tag) {
+  void writeDefinition(const MarkupElement& element, const SymbolKind& tag) {
     const Markup& markup = _document.markup();
     const MarkupAttribute* naming = attributeNamed(markup, element, tag.nameAttribute);
     Span place = element.name;
@@ -121,7 +121,7 @@ std::string symbolsOf(const MarkedDocument& document) {
   for (const MarkupElement& element : document.markup().elements()) {
     const MarkupElement* parent = document.markup().parentOf(element);
     const bool mayDefine = !parent || parent->parent == MarkupElement::none;
-    const DefinitionTag* tag = rowWith(definitionTags, &DefinitionTag::tag, document.markup().nameOf(element));
+    const SymbolKind* tag = rowWith(symbolKinds, &SymbolKind::tag, document.markup().nameOf(element));
     if (mayDefine && tag) writer.writeDefinition(element, *tag);
   }
   return "[" + writer.text() + "]";

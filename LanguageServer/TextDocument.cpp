@@ -42,6 +42,13 @@ Json jsonOf(const Position& position) {
 
 }  // namespace
 
+Json jsonOf(const Range& range) {
+  Json json = Json::object();
+  json["start"] = jsonOf(range.begin);
+  json["end"] = jsonOf(range.end);
+  return json;
+}
+
 Position positionIn(const Json& params) { return positionOfJson(member(params, "position")); }
 
 TextDocument::TextDocument(std::string uri, std::string text) : _uri(std::move(uri)) { replace({0, 0}, text); }
@@ -126,11 +133,6 @@ Position TextDocument::positionOf(std::size_t offset) const {
   return {static_cast<std::size_t>(line - _lineStarts.begin()), unitsBetween(*line, offset)};
 }
 
-Json TextDocument::rangeOf(Span span) const {
-  Json range = Json::object();
-  range["start"] = jsonOf(positionOf(span.begin));
-  range["end"] = jsonOf(positionOf(span.end));
-  return range;
-}
+Json TextDocument::rangeOf(Span span) const { return jsonOf(placesOf(span)); }
 
 }  // namespace korvex::lsp

@@ -17,6 +17,11 @@ struct Position {
   std::size_t character = 0;
 };
 
+struct Range {
+  Position begin;
+  Position end;
+};
+
 class TextDocument {
  public:
   TextDocument(std::string uri, std::string text);
@@ -30,6 +35,7 @@ class TextDocument {
   // Past the end of a line its end is meant, past the last line the end of the text.
   [[nodiscard]] std::size_t offsetOf(const Position& position) const;
   [[nodiscard]] Position positionOf(std::size_t offset) const;
+  [[nodiscard]] Range placesOf(Span span) const { return {positionOf(span.begin), positionOf(span.end)}; }
   [[nodiscard]] Json rangeOf(Span span) const;
 
  private:
@@ -47,6 +53,7 @@ class TextDocument {
   mutable std::vector<std::size_t> _unitsBeforeBlock;  // empty until a long line is measured
 };
 
+[[nodiscard]] Json jsonOf(const Range& range);
 [[nodiscard]] Position positionIn(const Json& params);
 
 }  // namespace korvex::lsp

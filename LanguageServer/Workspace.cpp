@@ -1,38 +1,27 @@
 #include "LanguageServer/Workspace.h"
 
-#include <array>
-#include <filesystem>
+#include <algorithm>
 #include <fstream>
+#include <set>
 #include <system_error>
+#include <utility>
 
 #include "Files/FileSearch.h"
+#include "Files/Uri.h"
 
 namespace korvex::lsp {
 
 namespace {
 
 constexpr std::string_view fileScheme = "file://";
-constexpr std::size_t largestFile = std::size_t{4} * 1024 * 1024;
 
-int valueOfHexDigit(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  const int letter = digit | 0x20;
-  return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
-}
+constexpr std::uintmax_t largestFile = std::uintmax_t{4} * 1024 * 1024;
+constexpr std::uintmax_t mostBytes = std::uintmax_t{128} * 1024 * 1024;
+constexpr std::size_t mostFiles = 10'000;
 
-// Letters, digits and what RFC 3986 calls unreserved, and the slashes between names.
-bool standsForItself(char character) {
-  const bool letter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-  const bool digit = character >= '0' && character <= '9';
-  return letter || digit || std::string_view("-._~/").find(character) != std::string_view::npos;
-}
-
-std::string bytesOf(const std::string& path) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(path, error);  // an error for what is no regular file
-  if (error || size > largestFile) return {};
+std::string bytesOf(const std::string& path, std::uintmax_t size) {
   std::ifstream file(path, std::ios::binary);
-  std::string bytes(size, '\0');
+  std::string bytes(static_cast<std::size_t>(size), '\0');
   file.read(bytes.data(), static_cast<std::streamsize>(size));
   bytes.resize(static_cast<std::size_t>(file.gcount()));
   return bytes;
@@ -43,29 +32,10 @@ std::string bytesOf(const std::string& path) {
 std::string pathOfUri(std::string_view uri) {
   if (!uri.starts_with(fileScheme)) return {};
   uri.remove_prefix(std::min(uri.find('/', fileScheme.size()), uri.size()));  // and the host, which is nobody else's
-  std::string path;
-  for (std::size_t at = 0; at < uri.size(); ++at) {
-    const int high = at + 2 < uri.size() && uri[at] == '%' ? valueOfHexDigit(uri[at + 1]) : -1;
-    const int low = high < 0 ? -1 : valueOfHexDigit(uri[at + 2]);
-    path += low < 0 ? uri[at] : static_cast<char>(high * 16 + low);
-    if (low >= 0) at += 2;
-  }
-  return path;
+  return percentDecoded(uri);
 }
 
-std::string uriOfPath(std::string_view path) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
-  std::string uri(fileScheme);
-  for (const char character : path) {
-    if (standsForItself(character)) {
-      uri += character;
-    } else {
-      const auto byte = static_cast<unsigned char>(character);
-      uri.append({'%', digits[byte >> 4U], digits[byte & 15U]});
-    }
-  }
-  return uri;
-}
+std::string uriOfPath(std::string_view path) { return std::string(fileScheme) + uriPathOf(path); }
 
 void Workspace::addFolders(const Json& initializeParams) {
   const auto add = [this](const Json& uri) {
@@ -88,12 +58,39 @@ MarkedDocument* Workspace::find(const std::string& uri) {
   return found == _open.end() ? nullptr : found->second.get();
 }
 
-void Workspace::forEach(const std::function<void(const MarkedDocument& document)>& visit) const {
-  for (const auto& [uri, document] : _open) visit(*document);
-  if (_folders.empty()) return;
-  for (const std::string& path : findInputFiles(_folders).files) {
+void Workspace::forEachMapName(const std::function<void(const std::string& uri, const MapName& name)>& visit) const {
+  std::set<std::string, std::less<>> openPaths;  // an editor may encode more of a URI than this server does
+  for (const auto& [uri, document] : _open) {
+    for (const MapName& name : document->mapNames()) visit(uri, name);
+    openPaths.insert(pathOfUri(uri));
+  }
+  readFiles();
+  for (const auto& [path, file] : _files) {
+    if (file.mapNames.empty() || openPaths.contains(path)) continue;
     const std::string uri = uriOfPath(path);
-    if (!_open.contains(uri)) visit(MarkedDocument(uri, bytesOf(path)));
+    for (const MapName& name : file.mapNames) visit(uri, name);
+  }
+}
+
+void Workspace::readFiles() const {
+  if (_folders.empty()) return;
+  ReadFiles before = std::exchange(_files, {});
+  std::uintmax_t bytes = 0;
+  for (const std::string& path : findInputFiles(_folders).files) {
+    std::error_code error;
+    ReadFile file;
+    file.size = std::filesystem::file_size(path, error);  // an error for what is no regular file
+    if (!error) file.time = std::filesystem::last_write_time(path, error);
+    if (error || file.size > largestFile || bytes + file.size > mostBytes) continue;
+    if (_files.size() == mostFiles) return;
+    bytes += file.size;
+    const auto known = before.find(path);
+    if (known != before.end() && known->second.time == file.time && known->second.size == file.size) {
+      file.mapNames = std::move(known->second.mapNames);
+    } else {
+      file.mapNames = MarkedDocument(path, bytesOf(path, file.size)).mapNames();
+    }
+    _files.emplace(path, std::move(file));
   }
 }
 

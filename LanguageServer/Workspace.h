@@ -1,6 +1,8 @@
 // The documents that a session can see: those that the editor has open, and the files of its folders.
 #pragma once
 
+#include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
@@ -9,11 +11,12 @@
 #include <vector>
 
 #include "Language/Markup.h"
+#include "LanguageServer/MapNames.h"
 #include "LanguageServer/TextDocument.h"
 
 namespace korvex::lsp {
 
-// A text with its markup, which is found anew when it is asked for after a change.
+// A text with what stands in it, which is found anew when it is asked for after a change.
 class MarkedDocument {
  public:
   MarkedDocument(std::string uri, std::string text) : _text(std::move(uri), std::move(text)) {}
@@ -21,19 +24,25 @@ class MarkedDocument {
   MarkedDocument& operator=(const MarkedDocument&) = delete;
 
   [[nodiscard]] const TextDocument& text() const { return _text; }
-  // Valid until the next change.
+  // Both are valid until the next change.
   [[nodiscard]] const Markup& markup() const {
     if (!_markup) _markup.emplace(_text.text());
     return *_markup;
   }
+  [[nodiscard]] const std::vector<MapName>& mapNames() const {
+    if (!_mapNames) _mapNames = mapNamesIn(_text, markup());
+    return *_mapNames;
+  }
   void change(const Json& contentChange) {
     _text.change(contentChange);
     _markup.reset();
+    _mapNames.reset();
   }
 
  private:
   TextDocument _text;
   mutable std::optional<Markup> _markup;
+  mutable std::optional<std::vector<MapName>> _mapNames;
 };
 
 class Workspace {
@@ -47,13 +56,26 @@ class Workspace {
   // Null when the editor does not have it open.
   [[nodiscard]] MarkedDocument* find(const std::string& uri);
 
-  // Visits every open document, and then each *.xml file below the folders that is not open. Files that cannot be read,
-  // and those of more than 4 MiB, are left out.
-  void forEach(const std::function<void(const MarkedDocument& document)>& visit) const;
+  // Visits the names of maps in every open document, and then those in the *.xml files below the folders that are not
+  // open. Files that cannot be read are left out, and so are those of more than 4 MiB, and what is more than 10,000
+  // files or 128 MiB.
+  void forEachMapName(const std::function<void(const std::string& uri, const MapName& name)>& visit) const;
 
  private:
+  // What was in a file when it was read last.
+  struct ReadFile {
+    std::filesystem::file_time_type time;
+    std::uintmax_t size = 0;
+    std::vector<MapName> mapNames;
+  };
+  using ReadFiles = std::map<std::string, ReadFile, std::less<>>;  // by path
+
+  // Reads the files that have changed since the last time.
+  void readFiles() const;
+
   std::map<std::string, std::unique_ptr<MarkedDocument>> _open;
   std::vector<std::string> _folders;
+  mutable ReadFiles _files;
 };
 
 // "file:///a%20b" ↔ "/a b". Empty for a URI of another scheme.

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Checks/Rules.h"
+#include "Files/Uri.h"
 #include "Tool/RuleText.h"
 #include "Tool/VisibleText.h"
 
@@ -18,14 +19,12 @@ constexpr std::string_view endsOfProperty = "%\r\n:,";
 
 // Percent-encodes these characters; what else is invisible is shown as an escape.
 std::string encoded(std::string_view text, std::string_view characters) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
   std::string result;
   for (const char character : text) {
     if (characters.find(character) == std::string_view::npos) {
       result += character;
     } else {
-      const auto byte = static_cast<unsigned char>(character);
-      result.append({'%', digits[byte >> 4U], digits[byte & 0xFU]});
+      result += percentEncoded(character);
     }
   }
   return visibleText(result);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Checks/Rules.h"
+#include "Files/Uri.h"
 #include "Tool/RuleText.h"
 
 namespace korvex {
@@ -74,28 +75,9 @@ Json arrayOf(const Items& items, Convert convert) {
   return array;
 }
 
-bool canStandInUri(char character) {
-  constexpr std::string_view marks = "-._~/";
-  const auto isBetween = [character](char first, char last) { return first <= character && character <= last; };
-  return isBetween('a', 'z') || isBetween('A', 'Z') || isBetween('0', '9') ||
-         marks.find(character) != std::string_view::npos;
-}
-
 }  // namespace
 
-std::string uriReference(std::string_view path) {
-  constexpr std::string_view digits = "0123456789ABCDEF";
-  std::string uri = path.starts_with('/') ? "file://" : "";
-  for (const char character : path) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (canStandInUri(character)) {
-      uri += character;
-    } else {
-      uri.append({'%', digits[byte >> 4U], digits[byte & 0xFU]});
-    }
-  }
-  return uri;
-}
+std::string uriReference(std::string_view path) { return (path.starts_with('/') ? "file://" : "") + uriPathOf(path); }
 
 Json sarifLog(const std::vector<Finding>& findings, const std::vector<UnreadablePath>& unreadable) {
   const Json driver = {{"name", "korvex-dao"}, {"version", KORVEX_VERSION}, {"rules", arrayOf(rules(), ruleJson)}};

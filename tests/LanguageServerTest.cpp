@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -212,6 +214,34 @@ TEST(LanguageServer, FindsMapsInAllDocuments) {
     EXPECT_EQ(found, row.definitions) << row.text;
     EXPECT_EQ(session.answerTo(2).size(), row.references) << row.text << session.answerTo(2);
   }
+}
+
+// In the order of the answers: a file is read again when it has changed, and one that is open is that of its path,
+// however the editor writes its URI.
+TEST(LanguageServer, FindsMapsInTheFilesOfFolders) {
+  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "korvex-lsp-folder";
+  std::filesystem::create_directories(folder);
+  const std::string path = folder / "a+b.xml";
+  const auto write = [&path](const std::string& text) { std::ofstream(path) << text; };
+  Workspace workspace;
+  workspace.addFolders({{"rootUri", uriOfPath(folder.string())}});
+  const auto expectNames = [&workspace](const std::vector<std::string>& names) {
+    std::vector<std::string> found;
+    workspace.forEachMapName([&found](const std::string&, const MapName& map) { found.push_back(map.name); });
+    EXPECT_EQ(found, names);
+  };
+  write("<a><map id='p'/></a>");
+  expectNames({"p"});
+  expectNames({"p"});
+  write("<a><map id='longer'/></a>");
+  expectNames({"longer"});
+  const std::string open = "file://" + path;
+  ASSERT_NE(open, uriOfPath(path));
+  workspace.open(open, "<a><map id='q'/></a>");
+  expectNames({"q"});
+  workspace.close(open);
+  std::filesystem::remove_all(folder);
+  expectNames({});
 }
 
 TEST(LanguageServer, ListsDefinitionsAndTheirArguments) {
