@@ -10,6 +10,7 @@
 #include "LanguageServer/Descriptions.h"
 #include "LanguageServer/Navigation.h"
 #include "LanguageServer/Place.h"
+#include "Platform/Tables.h"
 
 namespace korvex::lsp {
 
@@ -45,10 +46,29 @@ std::span<const std::string_view> fixedWords(const AttributeEntry& attribute) {
   return attribute.kind == ValueKind::OneOf ? attribute.words : std::span<const std::string_view>();
 }
 
+// What stands at a tab stop at first, where not any text will do.
+struct Placeholder {
+  std::string_view attribute;
+  std::string_view value;
+};
+
+constexpr std::array<Placeholder, 3> placeholders = {{
+    {C_TO_VERSION, C_INITIAL},
+    {C_PROPERTIES, "first,second"},
+    {C_FOREACH, "collection.item"},
+}};
+
+// "${1:value}"
+std::string tabStopFor(const AttributeEntry& attribute, int number) {
+  const Placeholder* placeholder = rowWith(placeholders, &Placeholder::attribute, attribute.name);
+  if (!placeholder) return tabStop(number);
+  return std::string("${").append(std::to_string(number)).append(":").append(placeholder->value).append("}");
+}
+
 // name="…" with a tab stop for the value.
 std::string attributeSnippet(const AttributeEntry& attribute, int number) {
   const std::span<const std::string_view> words = fixedWords(attribute);
-  const std::string value = words.size() > 1 ? choice(number, words) : tabStop(number);
+  const std::string value = words.size() > 1 ? choice(number, words) : tabStopFor(attribute, number);
   return std::string(attribute.name).append("=\"").append(value).append("\"");
 }
 
@@ -65,14 +85,23 @@ std::string attributesSnippet(const ElementEntry& element) {
   for (const AttributeEntry& attribute : element.attributes) {
     if (attribute.required) text.append(" ").append(attributeSnippet(attribute, ++number));
   }
-  return text;
+  if (element.neededAttributes.empty()) return text;
+  text.append(" ").append(choice(number + 1, element.neededAttributes));
+  return text.append("=\"").append(tabStop(number + 2)).append("\"");
+}
+
+// What a new element cannot do without inside it, with a tab stop for the rest.
+std::string contentSnippet(const ElementEntry& element) {
+  const std::string_view last = element.childRules.last;
+  if (!element.childRules.lastRequired) return "$0";
+  return std::string("$0<").append(last).append("></").append(last).append(">");
 }
 
 // From the tag's name to its end.
 std::string elementSnippet(const ElementEntry& element) {
   const std::string start = std::string(element.tag) + attributesSnippet(element);
   if (element.content == Content::Nothing || element.content == Content::PassedOver) return start + "/>$0";
-  return std::string(start).append(">$0</").append(element.tag).append(">");
+  return std::string(start).append(">").append(contentSnippet(element)).append("</").append(element.tag).append(">");
 }
 
 class Completer {
