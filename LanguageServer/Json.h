@@ -21,6 +21,10 @@ using Json = nlohmann::json;
   return value.is_string() ? value.get<std::string>() : std::string();
 }
 
+// What a client says; discarded when it is no JSON. Editors that count in UTF-16 may cut a surrogate pair in two; JSON
+// has no character for a half, so it becomes U+FFFD, and every place in the text stays what it is for the client.
+[[nodiscard]] Json parsedMessage(const std::string& text);
+
 // As text for the wire. Bytes that are no UTF-8 become U+FFFD.
 [[nodiscard]] inline std::string textOf(const Json& value) {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);

@@ -69,7 +69,7 @@ bool Server::run() {
 void Server::take(const Frame& frame) {
   if (frame.status == FrameStatus::Malformed) return sendError(nullptr, parseError, "a header without Content-Length");
   if (frame.status == FrameStatus::TooLarge) return sendError(nullptr, invalidRequest, "the message is too large");
-  const Json message = Json::parse(frame.content, nullptr, false);
+  const Json message = parsedMessage(frame.content);
   if (message.is_discarded()) return sendError(nullptr, parseError, "the message is no JSON");
   takeMessage(message);
 }
@@ -122,6 +122,7 @@ Json Server::initialize(const Json& params) {
   _workspace.addFolders(params);
   const Json& ofTexts = member(member(params, "capabilities"), "textDocument");
   _snippets = member(member(member(ofTexts, "completion"), "completionItem"), "snippetSupport") == true;
+  _relatedInformation = member(member(ofTexts, "publishDiagnostics"), "relatedInformation") == true;
   const Json capabilities = {
       {"positionEncoding", "utf-16"},
       {"textDocumentSync", {{"openClose", true}, {"change", incrementalSync}}},
@@ -172,8 +173,9 @@ std::string Server::listSymbols(const Json& params) {
 }
 
 void Server::didOpen(const Json& params) {
-  const Json& opened = member(params, "textDocument");
-  publishDiagnostics(_workspace.open(stringOf(member(opened, "uri")), stringOf(member(opened, "text"))));
+  const std::string uri = uriIn(params);
+  const Json& text = member(member(params, "textDocument"), "text");
+  if (!uri.empty() && text.is_string()) publishDiagnostics(_workspace.open(uri, text.get<std::string>()));
 }
 
 void Server::didChange(const Json& params) {
@@ -187,13 +189,14 @@ void Server::didChange(const Json& params) {
 // A closed document has no findings any more.
 void Server::didClose(const Json& params) {
   const std::string uri = uriIn(params);
+  if (uri.empty()) return;
   _workspace.close(uri);
   send({{"method", "textDocument/publishDiagnostics"}, {"params", {{"uri", uri}, {"diagnostics", Json::array()}}}});
 }
 
 void Server::publishDiagnostics(const MarkedDocument& document) {
   send({{"method", "textDocument/publishDiagnostics"},
-        {"params", {{"uri", document.text().uri()}, {"diagnostics", diagnosticsOf(document)}}}});
+        {"params", {{"uri", document.text().uri()}, {"diagnostics", diagnosticsOf(document, _relatedInformation)}}}});
 }
 
 MarkedDocument* Server::documentIn(const Json& params) { return _workspace.find(uriIn(params)); }

@@ -61,7 +61,8 @@ class Server {
   std::ostream& _out;
   Workspace _workspace;
   State _state = State::Started;
-  bool _snippets = false;  // whether the client understands them
+  bool _snippets = false;  // whether the client understands them, and the other places of a finding
+  bool _relatedInformation = false;
   bool _orderly = false;
 };
 

@@ -187,7 +187,7 @@ class Exchange {
 
   // Not one that would end the session or change the document behind the comparison's back.
   void sayRaw(std::string_view part) {
-    const Json message = Json::parse(part, nullptr, false);
+    const Json message = parsedMessage(std::string(part));
     const std::string method = message.is_object() ? message.value("/method"_json_pointer, Json()).dump() : "";
     for (const char* word : {"exit", "shutdown", "did"}) {
       if (method.find(word) != std::string::npos) return;

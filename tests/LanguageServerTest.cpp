@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -128,12 +129,14 @@ TEST(LanguageServer, AnswersWhatIsNoMessageAndGoesOn) {
 TEST(LanguageServer, PassesOverWhatMeansNothing) {
   const std::string inputs[] = {
       notification("$/setTrace", 5),
-      notification("textDocument/didOpen"),
       notification("textDocument/didChange", {{"textDocument", "x"}, {"contentChanges", 5}}),
       framed(R"({"id":7,"result":null})"),
       "CONTENT-LENGTH:2 \r\nContent-Type: x\r\n\r\n{}",
   };
   for (const std::string& input : inputs) EXPECT_TRUE(talk(input).orderly) << input;
+  for (const std::string name : {"textDocument/didOpen", "textDocument/didClose"}) {
+    EXPECT_EQ(talk(notification(name)).lastDiagnostics(), "none published");
+  }
   EXPECT_FALSE(Session(beginning + notification("exit")).orderly);
   EXPECT_FALSE(Session(beginning + "Content-Length: 100\r\n\r\n{").orderly);
 }
@@ -151,6 +154,8 @@ TEST(LanguageServer, PublishesTheFindingsOfEachText) {
       {"<a>\r\n é😀<sql/></a>", "1:4-1:8", "Element name(id attribute) is empty."},
       {"<?xml version='1.0' encoding='ISO-8859-1'?><a>é<sql/></a>", "0:47-0:51",
        "Element name(id attribute) is empty."},
+      {"\xEF\xBB\xBF<a><sql/></a>", "0:4-0:8", "Element name(id attribute) is empty."},
+      {"\xEF\xBB\xBF<?xml version='1.0' encoding='utf-16'?><a/>", "", ""},
       {"<a>\n<b></a>", "1:3-1:7", "does not match"},
       {"", "0:0-0:0", "no root element"},
   };
@@ -160,6 +165,24 @@ TEST(LanguageServer, PublishesTheFindingsOfEachText) {
     if (row.range.empty()) continue;
     EXPECT_EQ(rangeText(found[0]["range"]), row.range) << row.text;
     EXPECT_NE(found[0]["message"].get<std::string>().find(row.message), std::string::npos) << found;
+  }
+}
+
+TEST(LanguageServer, TellsOtherPlacesToWhoUnderstandsThem) {
+  const std::string text = opened("<a><sql id='x'/><sql id='x'/></a>");
+  const Json client = {{"textDocument", {{"publishDiagnostics", {{"relatedInformation", true}}}}}};
+  const Json told = Session(request(0, "initialize", {{"capabilities", client}}) + text).lastDiagnostics();
+
+  EXPECT_EQ(rangeText(told.at(0)["relatedInformation"].at(0)["location"]["range"]), "0:3-0:3");
+  EXPECT_FALSE(talk(text).lastDiagnostics().at(0).contains("relatedInformation"));
+}
+
+TEST(LanguageServer, TakesHalfASurrogatePairForACharacter) {
+  for (const std::string half : {R"(\ud83d)", R"(\uDE00)", R"(\ud83d\ud83d\ude00)", R"(\\\\\ud83dd)"}) {
+    const std::string open =
+        R"({"method":"textDocument/didOpen","params":{"textDocument":{"uri":"file:///x","text":")" + half +
+        R"(<a/>"}}})";
+    EXPECT_NE(talk(framed(open)).lastDiagnostics(), "none published") << half;
   }
 }
 
@@ -315,6 +338,8 @@ TEST(LanguageServer, CompletesWhatIsUnderTheCursor) {
       {"<a>" + map + "<select result=\":|\n<if true='x'/>", ":m", "<a>" + map + "<select result=\":m\n<if true='x'/>"},
       {"<a>" + map + "<select result='[:x|]'/>", ":m", "<a>" + map + "<select result='[:m]'/>"},
       {"<a><select unheard='|'>", "", ""},
+      {"<a><sql id='x'/></a|><!-- < -->", "a", "<a><sql id='x'/></a><!-- < -->"},
+      {"<a><select id='x'></se<!-- </ -->|", "if", "<a><select id='x'></se<!-- </ --><if"},
   };
   for (const Row& row : rows) {
     const Marked marked(row.text);
@@ -327,6 +352,37 @@ TEST(LanguageServer, CompletesWhatIsUnderTheCursor) {
     for (const auto& [label, text] : texts) labels += (labels.empty() ? "" : " ") + label;
     EXPECT_EQ(labels.substr(0, row.labels.empty() ? std::string::npos : row.labels.size()), row.labels) << row.text;
     EXPECT_EQ(texts.empty() ? "" : texts[0].second, row.chosen);
+  }
+}
+
+// A snippet with "x" for what is to be typed, the first of each choice, and nothing at its last tab stop.
+std::string filledIn(const std::string& snippet) {
+  const std::string chosen = std::regex_replace(snippet, std::regex(R"(\$\{\d+[|:]([^|}]*?)(,[^}]*\|)?\})"), "$1");
+  const std::string typed = std::regex_replace(chosen, std::regex(R"(\$[1-9])"), "x");
+  return std::regex_replace(typed, std::regex(R"(\$0)"), "");
+}
+
+TEST(LanguageServer, SnippetsAreRightOnceFilledIn) {
+  const std::string around[][2] = {
+      {"<a>", "</a>"},
+      {"<a><select id='s' result='int'>", "</select></a>"},
+      {"<a><update id='u'>", "</update></a>"},
+      {"<a><update id='u'><try>", "<except/></try></update></a>"},
+      {"<a><update id='u'><choose>", "</choose></update></a>"},
+      {"<a><map id='m' result='M'>", "</map></a>"},
+  };
+  const Json client = {{"textDocument", {{"completion", {{"completionItem", {{"snippetSupport", true}}}}}}}};
+  for (const auto& [before, after] : around) {
+    const Marked marked(before + "|" + after);
+    const Json items = Session(request(0, "initialize", {{"capabilities", client}}) + opened(marked.text) +
+                               request(1, "textDocument/completion", marked.params) + ending)
+                           .answerTo(1);
+    EXPECT_FALSE(items.empty()) << marked.text;
+    for (const Json& item : items) {
+      if (item["label"] == "except") continue;  // there is one
+      const std::string text = before + filledIn(item["textEdit"]["newText"]) + after;
+      EXPECT_EQ(talk(opened(text)).lastDiagnostics(), Json::array()) << text;
+    }
   }
 }
 
