@@ -16,8 +16,7 @@ from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parents[2]
 CORE = ("DAO", "Evaluator", "Platform")
-COPIED = (*CORE, "CMakeLists.txt", "README.md", "Checks", "Language", "LanguageServer", "Loader", "Schema", "Statistics",
-          "Tool", "cmake", "docs", "examples", "schemas", "scripts", "tests")
+NOT_COPIED = ("build", ".git")
 TREE = ROOT / "build/mutants/tree"
 BUILD = ROOT / "build/mutants/build"
 EXPLAINED = ROOT / "scripts/mutants.txt"
@@ -145,8 +144,9 @@ def copy_if_changed(source, target):
 
 
 def copy_tree():
-    for name in COPIED:
-        source = ROOT / name
+    for source in ROOT.iterdir():
+        if source.name in NOT_COPIED:
+            continue
         for path in [source] if source.is_file() else source.rglob("*"):
             if path.is_file():
                 copy_if_changed(path, TREE / path.relative_to(ROOT))
