@@ -44,6 +44,27 @@ Span placeOfMap(const Definition& definition, std::string_view map, const Places
   return result.of(result.value.substr(result.value.find(':') + 1, map.size()));
 }
 
+// Definitions by what is inside them, for places further and further on.
+class DefinitionFinder {
+ public:
+  DefinitionFinder(const std::vector<Definition>& definitions, const Places& places)
+      : _next(definitions.begin()), _end(definitions.end()), _places(places) {}
+
+  // Null when the place is in none.
+  const Definition* definitionAround(std::size_t offset) {
+    while (_next != _end && _places.offsetOf(_next->xml) <= offset) _last = &*_next++;
+    if (!_last) return nullptr;
+    const MarkupElement* markup = _places.elementAt(_places.offsetOf(_last->xml));
+    return markup && offset < markup->whole.end ? _last : nullptr;
+  }
+
+ private:
+  std::vector<Definition>::const_iterator _next;
+  std::vector<Definition>::const_iterator _end;
+  const Places& _places;
+  const Definition* _last = nullptr;
+};
+
 Finding unusedSilence(const Silence& silence, const WarningList& list) {
   Finding finding = list.findingAt(*ruleNamed(RuleNames::unusedSilence), silence.comment);
   finding.message = "there is no warning '" + std::string(silence.name) + "' to silence here";
@@ -85,7 +106,7 @@ std::vector<Finding> SetCheck::check(const std::string& path, const Document& do
   }
   list.warnings().clear();
   addReferences(definitions, list, silences);
-  handSilences(list, silences, findings);
+  handSilences(definitions, list, silences, findings);
   std::stable_sort(findings.begin(), findings.end(), standsBefore);
   return findings;
 }
@@ -116,13 +137,29 @@ void SetCheck::hand(Finding finding, std::vector<Finding>& findings) const {
 }
 
 // Whether a warning would be there that nobody wants is not asked.
-void SetCheck::handSilences(const WarningList& list, const Silences& silences, std::vector<Finding>& findings) const {
+void SetCheck::handSilences(const std::vector<Definition>& definitions, const WarningList& list,
+                            const Silences& silences, std::vector<Finding>& findings) {
+  DefinitionFinder finder(definitions, list.places());
   for (const Silence& silence : silences.all()) {
     if (!silence.rule) {
       hand(unknownWarning(silence, list), findings);
     } else if (!silence.used && _selection.wants(*silence.rule)) {
-      hand(unusedSilence(silence, list), findings);
+      handUnused(silence, finder.definitionAround(silence.element), list, findings);
     }
+  }
+}
+
+// Not all warnings are given of a definition with an error, and a name may be repeated in a document to come.
+void SetCheck::handUnused(const Silence& silence, const Definition* definition, const WarningList& list,
+                          std::vector<Finding>& findings) {
+  if (definition && definition->error) return;
+  const bool aboutName = silence.rule->name == RuleNames::duplicateName && definition &&
+                         list.places().offsetOf(definition->xml) == silence.element;
+  std::optional<SetNames::Name> name = aboutName ? SetNames::nameOf(*definition) : std::nullopt;
+  if (!name) {
+    hand(unusedSilence(silence, list), findings);
+  } else if (_whole) {
+    _nameSilences.push_back({std::move(*name), unusedSilence(silence, list)});
   }
 }
 
@@ -138,6 +175,9 @@ std::vector<Finding> SetCheck::finish() {
     } else if (defined && reference.silenced) {
       hand(std::move(*reference.unusedSilence), findings);
     }
+  }
+  for (NameSilence& silence : _nameSilences) {
+    if (!_names.isRepeated(silence.name)) hand(std::move(silence.unused), findings);
   }
   return findings;
 }

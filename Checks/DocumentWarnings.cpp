@@ -4,6 +4,7 @@
 #include <array>
 #include <unordered_map>
 
+#include "Checks/ListReferenceWarnings.h"
 #include "Checks/NearMiss.h"
 #include "Checks/RuleNames.h"
 #include "DAO/Core/Reading.h"
@@ -159,105 +160,6 @@ void findLostResumable(const Definition& definition, WarningList& list) {
   if (!booleanAttributeValue(step.valueOfAttribute(C_RESUMABLE))) return;
   list.add(RuleNames::lostResumable, step, list.places().nameOf(step, C_RESUMABLE),
            "a single step is not resumable: it is taken as if its content stood in the method");
-}
-
-// ---------------------------------------------------------------------------------------------
-// List references
-
-constexpr std::string_view openingOfReference = "%{";
-
-// The first opening that stands in no SQL string and no quoted name; npos when there is none.
-std::size_t openingOutsideQuotes(std::string_view text) {
-  std::size_t at = 0;
-  while ((at = text.find_first_of("'\"%", at)) != std::string_view::npos) {
-    if (text.substr(at).starts_with(openingOfReference)) return at;
-    const std::size_t close = text[at] == '%' ? at : text.find(text[at], at + 1);
-    at = 1 + (close == std::string_view::npos ? at : close);
-  }
-  return at;
-}
-
-// Where in the text the opening stands that is still in its expansion, at `place`: in the part before the first
-// reference that was written out, or in the part behind the last; else the first one there is.
-std::size_t openingBeforeExpansion(std::string_view text, std::string_view expanded, std::size_t place) {
-  if (text.substr(0, place) == expanded.substr(0, place) && text.substr(place).starts_with(openingOfReference)) {
-    return place;
-  }
-  const std::string_view behind = expanded.substr(place);
-  return text.ends_with(behind) ? text.size() - behind.size() : text.find(openingOfReference);
-}
-
-// The opening in the source: of those behind `from`, the one that has as many before it as in the text. It may be
-// written with character references; then `from` is as near as one gets.
-Span placeInSource(const Places& places, std::size_t from, std::string_view text, std::size_t opening) {
-  constexpr std::size_t mostPerByte = 16;  // comments included
-  const std::string_view source = places.source().text().substr(from, mostPerByte * text.size());
-  std::size_t at = source.find(openingOfReference);
-  for (std::size_t other = text.find(openingOfReference); other < opening && at != std::string_view::npos;
-       other = text.find(openingOfReference, other + 1)) {
-    at = source.find(openingOfReference, at + 1);
-  }
-  if (at == std::string_view::npos) return places.spanAt(from);
-  return {from + at, from + at + openingOfReference.size()};
-}
-
-using SourceOffset = std::size_t (*)(const Places& places, const XMLNode& node);
-
-std::size_t beginOf(const Places& places, const XMLNode& node) { return places.offsetOf(node); }
-
-std::size_t contentOf(const Places& places, const XMLNode& node) {
-  const std::size_t begin = places.offsetOf(node);
-  const MarkupElement* element = places.elementAt(begin);
-  return element ? element->startTag.end : begin;
-}
-
-// The text begins in the source where `begin` says of that node.
-void findUnfinishedReference(const XMLNode& element, std::string_view text, const XMLNode& node, SourceOffset begin,
-                             WarningList& list) {
-  if (text.find(openingOfReference) == std::string_view::npos) return;
-  const auto written = QXDAOText::elementWithText(text);
-  const std::string_view expanded = *written->expression();
-  const std::size_t left = openingOutsideQuotes(expanded);
-  if (left == std::string_view::npos) return;
-  const std::size_t opening = openingBeforeExpansion(text, expanded, left);
-  const Span place = placeInSource(list.places(), begin(list.places(), node), text, opening);
-  list.add(RuleNames::unfinishedListReference, element, place, "this list reference is not written out");
-}
-
-void findInTextNodes(const XMLNode& node, WarningList& list) {
-  for (const XMLNode& child : node.children()) {
-    const OptionalStringView text = child.text();
-    if (text) findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(*text), child, beginOf, list);
-  }
-}
-
-void findInForeach(const XMLNode& node, WarningList& list) {
-  const PlainText gathered = plainTextOf(node, [](std::string_view text) { return text; });
-  findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(gathered.text()), node, contentOf, list);
-}
-
-void findInSqlBlock(const XMLNode& node, WarningList& list) {
-  findUnfinishedReference(node, plainTextOf(node, spaceNewLineTabBothEndsTrimmed).text(), node, contentOf, list);
-}
-
-void findInConst(const XMLNode& node, WarningList& list) {
-  findUnfinishedReference(node, *node.onlyAttribute().stringValue(), node, beginOf, list);
-}
-
-struct TextRule {
-  std::string_view tag;
-  void (*find)(const XMLNode& node, WarningList& list);
-};
-
-constexpr std::array<TextRule, 3> gatheredTexts = {{
-    {C_FOREACH, findInForeach},
-    {C_SQL, findInSqlBlock},
-    {C_CONST, findInConst},
-}};
-
-void findUnfinishedReferences(const XMLNode& node, const ElementEntry& element, WarningList& list) {
-  if (const TextRule* rule = rowWith(gatheredTexts, &TextRule::tag, element.tag)) return rule->find(node, list);
-  if (element.content == Content::TextAndElements) findInTextNodes(node, list);
 }
 
 // ---------------------------------------------------------------------------------------------

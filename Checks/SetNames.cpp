@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Checks/RuleNames.h"
+#include "Platform/Tables.h"
 
 namespace korvex {
 
@@ -32,21 +33,37 @@ void SetNames::add(const std::vector<Definition>& definitions, WarningList& list
   _documents.push_back(list.path());
   for (const Definition& definition : definitions) {
     if (definition.tag() == C_MAP) _maps.emplace(definition.xml.valueOfAttribute(C_ID).value_or(std::string_view()));
-    if (!definition.element || !definition.element->name()) continue;
-    for (std::size_t kind = 0; kind < namedKinds.size(); ++kind) {
-      if (namedKinds[kind].kind == definition.element->kind()) addNamed(kind, definition, list);
-    }
+    if (definition.error) addRefused(definition.xml);
+    if (const std::optional<Name> name = nameOf(definition)) addNamed(*name, definition, list);
   }
 }
 
-void SetNames::addNamed(std::size_t kind, const Definition& definition, WarningList& list) {
-  const std::string_view name = *definition.element->name();
+// The name is an attribute's value, or of a constant an attribute's name.
+void SetNames::addRefused(const XMLNode& definition) {
+  if (const OptionalStringView id = definition.valueOfAttribute(C_ID)) _refused.emplace(*id);
+  if (definition.name() != C_CONST) return;
+  for (const XMLAttribute& attribute : definition.attributes()) _refused.emplace(*attribute.name());
+}
+
+std::optional<SetNames::Name> SetNames::nameOf(const Definition& definition) {
+  if (!definition.element || !definition.element->name()) return std::nullopt;
+  const auto* row = rowWith(namedKinds, &NamedKind::kind, definition.element->kind());
+  if (!row) return std::nullopt;
+  return Name{static_cast<std::size_t>(row - namedKinds.data()), std::string(*definition.element->name())};
+}
+
+bool SetNames::isRepeated(const Name& name) const {
+  return _repeated[name.kind].contains(name.name) || _refused.contains(name.name);
+}
+
+void SetNames::addNamed(const Name& name, const Definition& definition, WarningList& list) {
   const auto [first, isNew] =
-      _first[kind].try_emplace(std::string(name), Place{_documents.size() - 1, definition.position()});
+      _first[name.kind].try_emplace(name.name, Place{_documents.size() - 1, definition.position()});
   if (isNew) return;
+  _repeated[name.kind].insert(name.name);
   list.setDefinition(definition);
   Finding& finding = list.add(RuleNames::duplicateName, definition.xml, placeOfName(definition, list.places()),
-                              filledFormat(namedKinds[kind].message, name));
+                              filledFormat(namedKinds[name.kind].message, name.name));
   finding.related.push_back({_documents[first->second.document], first->second.position, "the first one is here"});
 }
 

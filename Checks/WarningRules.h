@@ -39,12 +39,21 @@ inline constexpr std::array<Rule, 12> warningRules = {{
 <map id="personMap" result="Person">
   <result column="name" property="name"/>
 </map>)"},
-    {RuleNames::unfinishedListReference, Severity::Warning, true, "A list reference that is not written out",
-     "Complete the reference: %{'FORMAT', ENTRY, ENTRY}.",
+    {RuleNames::unfinishedListReference, Severity::Warning, true,
+     "A list reference that is not written out, or loses text", "Complete the reference: %{'FORMAT', ENTRY, ENTRY}.",
      "A list reference is written out only when it has a format in single quotes and ends with a brace, and when its "
-     "text is long enough; otherwise its \"%{\" reaches the database as it is. SQL strings and quoted names may hold "
-     "one.",
-     R"(<sql id="columns">%{'p.*', id, name</sql>)", R"(<sql id="columns">%{'p.*', id, name}, '%{'</sql>)"},
+     "text is long enough; otherwise its \"%{\" reaches the database as it is. Where it is written out, text before "
+     "the "
+     "format and between the format and the first comma is lost, and without entries all of it is. SQL strings, quoted "
+     "names and comments are no exception: a \"%{\" in them begins a reference, too, and does no harm only as long as "
+     "nothing completes it. A pattern that needs one is divided: '%' || '{'.",
+     R"(<select id="kinds" result="[Kind]">
+  SELECT * FROM kind WHERE doc LIKE '%{"kind":%' AND doc NOT LIKE '%}]'
+</select>)",
+     R"(<select id="kinds" result="[Kind]">
+  SELECT %{'k.*', id, doc} FROM kind k
+  WHERE doc LIKE '%' || '{"kind":%' AND doc NOT LIKE '%}]'
+</select>)"},
     {RuleNames::ignoredContent, Severity::Warning, true, "Content of an element that has none",
      "Move the content to where it has a meaning, or take it out.",
      "A format, a result of a map and a pack are read from their attributes alone; whatever stands inside is passed "
@@ -103,12 +112,13 @@ inline constexpr std::array<Rule, 12> warningRules = {{
     {RuleNames::unusedSilence, Severity::Warning, true, "A comment that silences nothing",
      "Take the comment out, or put it directly before the element that is meant.",
      "The comment \"korvex: allow NAME\" takes away the warnings of that name about the element that follows it with "
-     "nothing but white space and comments between. There is none here: it was mended, or stands in another place.",
-     R"(<!-- korvex: allow duplicate-name -->
-<const PAGE_SIZE="50"/>)",
-     R"(<const PAGE_SIZE="50"/>
-<!-- korvex: allow duplicate-name -->
-<const PAGE_SIZE="20"/>)"},
+     "nothing but white space and comments between. There is none here: it was mended, or stands in another place. "
+     "Nothing is said before a definition with an error, which may hide the warning, and of a name that would have to "
+     "come twice only when a directory is checked.",
+     R"(<!-- korvex: allow unread-attribute -->
+<sql id="columns">id, name</sql>)",
+     R"(<!-- korvex: allow unread-attribute -->
+<sql id="columns" author="me">id, name</sql>)"},
     {RuleNames::unknownWarning, Severity::Warning, true, "A comment that silences a warning of an unknown name",
      "Correct the name; 'korvex-dao check --help' lists them.",
      "The comment \"korvex: allow NAME\" has the name of one warning. Errors cannot be silenced.",

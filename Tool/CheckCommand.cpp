@@ -45,7 +45,9 @@ class Check {
       : _options(options),
         _console(console),
         _report(makeCheckReport(options.format, console.out, colorWanted(options.color, console))),
-        _set(selectionOf(options)) {}
+        _set(selectionOf(options)) {
+    if (holdsWholeSet(options.paths)) _set.takeForWhole();
+  }
 
   ExitCode run() {
     const InputFiles inputs = findInputFiles(_options.paths);

@@ -42,7 +42,7 @@ Warnings, by the names that --warn and --no-warn take:
   duplicate-name             two definitions of a kind with the same name
   undefined-map              a result names a map that is not defined; given
                              with --warn, and when PATH is a directory
-  unfinished-list-reference  a list reference that is not written out
+  unfinished-list-reference  a list reference not written out, or losing text
   ignored-content            content of a format, a pack or a map's result
   misplaced-when             a when or otherwise outside choose
   duplicate-column           a map names a column twice

@@ -47,8 +47,9 @@ WarningSelection everyWarning() {
 }
 
 // "path:line:column: rule" for each finding of documents that are checked together, named "1", "2" and so on.
-Texts findingsIn(const Texts& documents, const WarningSelection& selection = everyWarning()) {
+Texts findingsIn(const Texts& documents, const WarningSelection& selection = everyWarning(), bool whole = false) {
   SetCheck set(selection);
+  if (whole) set.takeForWhole();
   Texts found;
   const auto add = [&found](const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
@@ -110,6 +111,13 @@ TEST(Warnings, StandWhereTheyAreSeen) {
       {"<update id='a'>a LIKE '%{x}%' OR \"%{\" = ''</update>", {}},
       {"<update id='a'><![CDATA[<>]]> x &#37;{'*', a</update>", {"1:1:19: unfinished-list-reference"}},
       {"<sql id='a'>%{'*', a, b} <!-- %{ --> %{'*'</sql>", {"1:1:34: unfinished-list-reference"}},
+      {"<update id='a'>-- %{\n a /* %{ */ `%{` [%{] b -- it's %{</update>", {}},
+      {"<update id='a'>-- it's %{\n a [ %{'*'</update>", {"1:2:6: unfinished-list-reference"}},
+      {"<update id='a'>a IN (%{'*'}) /* %{x '*', b} */</update>", {"1:1:25: unfinished-list-reference"}},
+      {"<update id='a'>-- %{x '*', b}\n %{ '*' , b} '%{'*', c}' %{'{*,}',}</update>", {}},
+      {"<update id='a'>-- don't %{ x\n '*', b}</update>", {"1:1:28: unfinished-list-reference"}},
+      {"<update id='a'>%{'*', a} %{'*' x, a}</update>", {"1:1:29: unfinished-list-reference"}},
+      {"<update id='a'>%{'*', 'a', b}</update>", {"1:1:19: unfinished-list-reference"}},
       {"<const A='a %{b'/>", {"1:1:16: unfinished-list-reference"}},
       {"<update id='a'><foreach item='i' collection='%{'>%{i</foreach></update>",
        {"1:1:53: unfinished-list-reference"}},
@@ -160,7 +168,7 @@ TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
   const std::pair<std::string, Texts> cases[] = {
       {allow + wrong, {}},
       {"<!--korvex:\tallow\nunread-attribute-->\n <!-- why -->\n" + wrong, {}},
-      {allow + "<!-- korvex: allow duplicate-name -->" + wrong, {"1:1:43: unused-silence"}},
+      {allow + "<!-- korvex: allow duplicate-column -->" + wrong, {"1:1:43: unused-silence"}},
       {wrong + allow, {"1:1:16: unread-attribute", "1:1:22: unused-silence"}},
       {allow + "x" + wrong, {"1:1:4: unused-silence", "1:1:56: unread-attribute"}},
       {allow + "<update id='u'><step x=''/></update>", {"1:1:4: unused-silence", "1:1:64: unread-attribute"}},
@@ -170,6 +178,9 @@ TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
        {"1:1:4: unknown-warning", "1:1:58: condition-format"}},
       {"<!-- korvex: allow a b -->" + wrong, {"1:1:4: unknown-warning", "1:1:42: unread-attribute"}},
       {"<!-- korvex: allow -->" + wrong, {"1:1:38: unread-attribute"}},
+      {"<!-- korvex: allow lost-resumable --><update id='u'>" + allow + "<if/></update>", {"1:1:95: condition-format"}},
+      {"<!-- korvex: allow duplicate-name --><update id='u'>" + allow + "<where/></update>",
+       {"1:1:56: unused-silence"}},
       {"<!-- korvex: allow undefined-map -->" + missing, {}},
       {"<!-- korvex: allow undefined-map -->" + missing + "<map id='m' result='P'/>", {"1:1:4: unused-silence"}},
   };
@@ -177,6 +188,25 @@ TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
     EXPECT_EQ(findingsIn({wrapped(definitions)}), expected) << definitions;
   }
   EXPECT_EQ(findingsIn({wrapped("<!-- korvex: allow undefined-map -->" + missing)}, {}), Texts());
+}
+
+TEST(Warnings, OfUnusedSilencesAboutNamesWaitForTheWholeSet) {
+  const std::string allow = "<!-- korvex: allow duplicate-name -->";
+  const std::string other = "<d><delete id='a'>x</delete></d>";
+  const Texts unused = {"1:1:4: unused-silence"};
+  const std::tuple<Texts, Texts> cases[] = {
+      {{"<d>" + allow + "<update id='a'>x</update></d>"}, unused},
+      {{"<d>" + allow + "<update id='a'>x</update></d>", other}, {"2:1:16: duplicate-name"}},
+      {{other, "<d>" + allow + "<update id='a'>x</update></d>"}, {}},
+      {{"<d>" + allow + "<update id='a'>x</update></d>", "<d><sql id='a'>x</sql></d>"}, unused},
+      {{"<d>" + allow + "<update id='a'>x</update></d>", "<d><delete id='a'><if/></delete></d>"},
+       {"2:1:19: condition-format"}},
+      {{"<d>" + allow + "<const A=''/><const A='' B=''/></d>"}, {"1:1:54: const-format"}},
+      {{"<d>" + allow + "<upgrade toVersion='1'>x</upgrade></d>"}, unused},
+  };
+  for (const auto& [documents, expected] : cases) {
+    EXPECT_EQ(findingsIn(documents, everyWarning(), true), expected) << documents.back();
+  }
 }
 
 TEST(Warnings, DoNotTroubleDocumentsThatAreRight) {

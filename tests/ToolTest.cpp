@@ -217,7 +217,7 @@ TEST(Check, LoaderOptions) {
 }
 
 TEST(Check, Warnings) {
-  const std::string xml = "<d><sql id='a' ix='1'/>\n<!-- korvex: allow duplicate-name --><const A='1'/><sql/></d>";
+  const std::string xml = "<d><sql id='a' ix='1'/>\n<!-- korvex: allow duplicate-column --><const A='1'/><sql/></d>";
   const struct {
     Arguments options;
     int code;
@@ -226,7 +226,7 @@ TEST(Check, Warnings) {
       {{}, 1, "1 error, 2 warnings"},
       {{"--no-warn", "unused-silence", "--no-warn=unread-attribute"}, 1, "1 error"},
       {{"--werror"}, 1, "3 errors"},
-      {{"--no-warn", "duplicate-name"}, 1, "1 error, 1 warning"},
+      {{"--no-warn", "duplicate-column"}, 1, "1 error, 1 warning"},
       {{"--warn", "unread-attribute", "--no-warn", "unread-attribute"}, 1, "1 error, 1 warning"},
   };
   for (const auto& [options, code, counts] : cases) {
