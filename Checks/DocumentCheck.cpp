@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "Checks/DocumentWarnings.h"
+#include "Checks/ErrorHints.h"
 #include "Checks/NearMiss.h"
 #include "Checks/Places.h"
 #include "Checks/RuleNames.h"
@@ -20,15 +21,19 @@ constexpr std::size_t mostHints = 100;
 Finding errorOf(const Definition& definition, const WarningList& list) {
   const QXDAOError& error = *definition.error;
   const std::size_t begin = list.places().offsetOf(error.origin.position() ? error.origin : definition.xml);
-  Finding finding = list.findingAt(ruleOfError(error), list.places().spanAt(begin));
+  const Rule& rule = ruleOfError(error);
+  Finding finding = list.findingAt(rule, list.places().spanAt(begin));
   finding.message = error.message();
+  finding.help = hintAbout(rule, error.origin ? error.origin : definition.xml);
   finding.definition = inDefinition(definition);
   return finding;
 }
 
-bool standsBefore(const Finding& first, const Finding& second) {
-  return std::tie(first.position.line, first.position.column) < std::tie(second.position.line, second.position.column);
+bool isBefore(const XMLPosition& first, const XMLPosition& second) {
+  return std::tie(first.line, first.column) < std::tie(second.line, second.column);
 }
+
+bool standsBefore(const Finding& first, const Finding& second) { return isBefore(first.position, second.position); }
 
 // The name of the map that a result is made through.
 OptionalStringView mapOf(const Definition& definition) {
@@ -86,6 +91,8 @@ Finding findingOf(const std::string& path, const DocumentError& error, const Sou
   const WarningList list(places, path);
   Finding finding = list.findingAt(ruleOfError(error), places.spanAt(places.source().offset(error.position)));
   finding.position = error.position;
+  // Of a text that cannot be read, the parser alone knows the place.
+  if (isBefore(finding.end, finding.position)) finding.end = finding.position;
   finding.message = error.message;
   return finding;
 }

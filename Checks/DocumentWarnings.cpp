@@ -4,6 +4,7 @@
 #include <array>
 #include <unordered_map>
 
+#include "Checks/DoubtfulValues.h"
 #include "Checks/ListReferenceWarnings.h"
 #include "Checks/NearMiss.h"
 #include "Checks/RuleNames.h"
@@ -60,6 +61,17 @@ void findUnreadAttributes(const XMLNode& node, const ElementEntry& element, Warn
                                 inQuotes(element.tag) + " never reads the attribute " + inQuotes(name));
     const bool alone = attributeEntryOf(element, name) != nullptr;
     finding.help = alone ? "it is read only together with 'foreach'" : nearAttribute(element, name);
+  }
+}
+
+void findDoubtfulValues(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  for (const XMLAttribute& attribute : node.attributes()) {
+    const std::string_view name = *attribute.name();
+    if (!isRead(node, element, name)) continue;
+    std::optional<Doubt> doubt = doubtAbout(*attributeEntryOf(element, name), *attribute.stringValue());
+    if (!doubt) continue;
+    list.add(RuleNames::doubtfulValue, node, list.places().valueOf(node, name), std::move(doubt->message)).help =
+        std::move(doubt->help);
   }
 }
 
@@ -132,7 +144,7 @@ void findIgnoredContent(const XMLNode& node, const ElementEntry& element, Warnin
   if (element.content != Content::PassedOver) return;
   for (const XMLNode& child : node.children()) {
     if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
-    const std::size_t begin = list.places().offsetOf(child);
+    const std::size_t begin = list.places().source().text().find_first_not_of(" \t\r\n", list.places().offsetOf(child));
     list.add(RuleNames::ignoredContent, node, list.places().spanAt(begin),
              "what stands in " + inQuotes(element.tag) + " is passed over");
     return;
@@ -192,6 +204,7 @@ void findInElement(const XMLNode& node, const ElementEntry* holder, bool built, 
   const ElementEntry* element = vocabularyEntryOf(node.name().value_or(std::string_view()));
   if (!element || (holder && isDefinition(element->tag))) return;  // has an error
   findUnreadAttributes(node, *element, list);
+  findDoubtfulValues(node, *element, list);
   findIgnoredContent(node, *element, list);
   findMisplacedWhen(node, *element, holder, list);
   if (built) findUnfinishedReferences(node, *element, list);

@@ -18,7 +18,8 @@ inline constexpr std::array definitionErrors = {
     errorRule(
         "missing-name", Messages::emptyName, "Give the element an id that is not empty.",
         "Methods, sql blocks and maps are referred to by their names, so each has an \"id\". An upgrade has none: "
-        "it is known by its version. The id is kept as it is written, spaces and case included.",
+        "it is known by its version. The id is kept as it is written, spaces and case included. An element of an "
+        "unknown tag without an id gets this error, too.",
         R"xml(<select result="int">SELECT count(*) FROM person</select>)xml",
         R"xml(<select id="countPersons" result="int">SELECT count(*) FROM person</select>)xml"),
 
@@ -91,15 +92,15 @@ inline constexpr std::array definitionErrors = {
         R"xml(<upgrade toVersion="2.5.1">ALTER TABLE person ADD COLUMN photo BLOB</upgrade>)xml",
         R"xml(<upgrade toVersion="2.51">ALTER TABLE person ADD COLUMN photo BLOB</upgrade>)xml"),
 
-    errorRule(
-        "arguments-format", Messages::invalidArguments, "Take out the extra comma, or fill in the name.",
-        "\"arguments\" lists the names of a method's arguments, separated by commas, each with a \"$\" in front "
-        "where it must not be null. An empty piece between two commas, or after the last one, would be an argument "
-        "without a name. A method without arguments has no such attribute.",
-        R"xml(<update id="rename" arguments="personId,, name">
+    errorRule("arguments-format", Messages::invalidArguments, "Take out the extra comma, or fill in the name.",
+              "\"arguments\" lists the names of a method's arguments, separated by commas, each with a \"$\" in front "
+              "where it must not be null. An empty or blank piece between two commas, or after the last one, would be "
+              "an argument "
+              "without a name. A method without arguments has no such attribute.",
+              R"xml(<update id="rename" arguments="personId,, name">
   UPDATE person SET name = :name WHERE id = :personId
 </update>)xml",
-        R"xml(<update id="rename" arguments="personId, name">
+              R"xml(<update id="rename" arguments="personId, name">
   UPDATE person SET name = :name WHERE id = :personId
 </update>)xml"),
 
@@ -216,7 +217,7 @@ inline constexpr std::array definitionErrors = {
         "Give an if or when exactly one attribute, true or false, with an expression; choose and otherwise have none.",
         "An if or a when has one attribute: \"true\" when its content applies to a true expression, \"false\" when it "
         "applies to a false one. The expression must fall into tokens from end to end: names, numbers, strings in "
-        "quotes, brackets and operators; an open quote or a curly one is refused, and an empty expression too. A "
+        "quotes, brackets and operators; an open quote or a typographic one is refused, and an empty expression too. A "
         "choose and its otherwise have no condition of their own, so they have no attributes.",
         R"xml(<select id="adults" arguments="onlyAdults" result="[Person]">
   SELECT * FROM person <if test="onlyAdults">WHERE age >= 18</if>
@@ -318,13 +319,11 @@ inline constexpr std::array definitionErrors = {
         "stand inside, not even a comment. The message quotes the text inside, if any.",
         R"xml(<const PAGE_SIZE="">50</const>)xml", R"xml(<const PAGE_SIZE="50"/>)xml"),
 
-    errorRule(
-        "crypt-format", Messages::invalidCrypt, "Leave only class and property, not empty, and nothing inside.",
-        "A crypt definition names a property of a class that is stored encrypted: exactly \"class\" and "
-        "\"property\", and nothing else. Nothing may stand inside, not even a comment. In which column the property "
-        "is stored is for the maps to say.",
-        R"xml(<crypt class="Person" property="notes" column="notes"/>)xml",
-        R"xml(<crypt class="Person" property="notes"/>)xml"),
+    errorRule("crypt-format", Messages::invalidCrypt, "Leave only class and property, not empty, and nothing inside.",
+              "A crypt definition names a property of a class that is stored encrypted: exactly \"class\" and "
+              "\"property\", and nothing else. Nothing may stand inside, not even a comment.",
+              R"xml(<crypt class="Person" property="notes" column="notes"/>)xml",
+              R"xml(<crypt class="Person" property="notes"/>)xml"),
 
     errorRule("missing-map-result", Messages::emptyMapResult, "Name the class in \"result\".",
               "A map fills an object from a row, and \"result\" names the object's class.",

@@ -31,9 +31,13 @@ std::size_t distanceBetween(std::string_view from, std::string_view to) {
 
 std::size_t differenceOf(std::size_t a, std::size_t b) { return a < b ? b - a : a - b; }
 
+// Nobody mistypes a longer word for one that he knows, and comparing takes time by the product of the lengths.
+constexpr std::size_t longestWord = 64;
+
 }  // namespace
 
 std::string_view nearestOf(std::string_view written, std::span<const std::string_view> words) {
+  if (written.size() > longestWord) return {};
   const std::string lowered = asciiLowerCase(written);
   std::size_t bound = std::max<std::size_t>(1, written.size() / 3) + 1;
   std::string_view nearest;

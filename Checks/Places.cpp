@@ -9,6 +9,20 @@ namespace {
 // In bytes. Some documents are one long line.
 constexpr std::size_t longestSpan = 400;
 
+// Each white space of a value is read as a space, CR LF as one. Notes where it was.
+bool isWrittenAs(std::string_view written, std::string_view value, std::vector<std::size_t>& longBreaks) {
+  std::size_t at = 0;
+  for (std::size_t offset = 0; offset < value.size(); ++offset) {
+    if (at == written.size()) return false;
+    const bool space = value[offset] == ' ' && std::string_view("\t\r\n").find(written[at]) != std::string_view::npos;
+    if (!space && written[at] != value[offset]) return false;
+    const bool longBreak = space && written.substr(at).starts_with("\r\n");
+    if (longBreak) longBreaks.push_back(offset);
+    at += longBreak ? 2 : 1;
+  }
+  return at == written.size();
+}
+
 }  // namespace
 
 std::size_t Places::offsetOf(const XMLNode& node) const {
@@ -48,7 +62,9 @@ Span Places::valueOf(const XMLNode& element, std::string_view attribute) const {
 WrittenValue Places::writtenValueOf(const XMLNode& element, std::string_view attribute) const {
   const Span whole = valueOf(element, attribute);
   const std::string_view value = element.valueOfAttribute(attribute).value_or(std::string_view());
-  return {whole, value, _markup.textOf(whole) == value};
+  WrittenValue written{whole, value, false, {}};
+  written.asItIs = isWrittenAs(_markup.textOf(whole), value, written.longBreaks);
+  return written;
 }
 
 }  // namespace korvex

@@ -1,7 +1,9 @@
 // Where in a source text the things stand that findings are about.
 #pragma once
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
 #include "Language/Markup.h"
 #include "Loader/SourceText.h"
@@ -13,13 +15,20 @@ namespace korvex {
 struct WrittenValue {
   Span whole;
   std::string_view value;
-  bool asItIs = false;  // it is written without character references
+  bool asItIs = false;                  // it is written without character references
+  std::vector<std::size_t> longBreaks;  // where in the value a space stands for the two bytes CR LF
 
   // A piece of the value, which is a view into it; the whole when it is not written as it is.
   [[nodiscard]] Span of(std::string_view piece) const {
     if (!asItIs) return whole;
-    const std::size_t begin = whole.begin + static_cast<std::size_t>(piece.data() - value.data());
-    return {begin, begin + piece.size()};
+    const auto begin = static_cast<std::size_t>(piece.data() - value.data());
+    return {placeOf(begin), placeOf(begin + piece.size())};
+  }
+
+ private:
+  [[nodiscard]] std::size_t placeOf(std::size_t offset) const {
+    const auto breaks = std::lower_bound(longBreaks.begin(), longBreaks.end(), offset) - longBreaks.begin();
+    return whole.begin + offset + static_cast<std::size_t>(breaks);
   }
 };
 

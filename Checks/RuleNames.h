@@ -15,6 +15,7 @@ inline constexpr std::string_view duplicateColumn = "duplicate-column";
 inline constexpr std::string_view repeatedProperty = "repeated-property";
 inline constexpr std::string_view duplicateArgument = "duplicate-argument";
 inline constexpr std::string_view lostResumable = "lost-resumable";
+inline constexpr std::string_view doubtfulValue = "doubtful-value";
 inline constexpr std::string_view unusedSilence = "unused-silence";
 inline constexpr std::string_view unknownWarning = "unknown-warning";
 

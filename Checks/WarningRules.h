@@ -8,7 +8,7 @@
 
 namespace korvex {
 
-inline constexpr std::array<Rule, 12> warningRules = {{
+inline constexpr std::array<Rule, 13> warningRules = {{
     {RuleNames::unreadAttribute, Severity::Warning, true, "An attribute that its element never reads",
      "Correct the spelling of the attribute, move it to the element that it is meant for, or take it out.",
      "Most elements pass over attributes that they do not know, so a slip in a name goes unnoticed: the element is "
@@ -22,7 +22,7 @@ inline constexpr std::array<Rule, 12> warningRules = {{
 </select>)"},
     {RuleNames::duplicateName, Severity::Warning, true, "Two definitions of a kind bear the same name",
      "Give one of them another name, or take it out.",
-     "Whoever asks for a definition by its name gets one of them at the most. Select, update, insert and delete "
+     "Which of them the name stands for is the engine's decision. Select, update, insert and delete "
      "methods share their names; maps, sql blocks and constants each have their own. All documents that are checked "
      "together count, in their order; the finding is the later definition, and tells where the first one is.",
      R"(<const PAGE_SIZE="50"/>
@@ -74,8 +74,8 @@ inline constexpr std::array<Rule, 12> warningRules = {{
 </select>)"},
     {RuleNames::duplicateColumn, Severity::Warning, true, "A map names a column twice",
      "Take out one of the two, or name the column that is meant.",
-     "A column fills one property of an object: that of the last result that names it. The property of the other one "
-     "stays empty.",
+     "A column fills one property of an object: that of the last result that names it. The property of the earlier one "
+     "is not filled by this column.",
      R"(<map id="personMap" result="Person">
   <result column="name" property="givenName"/>
   <result column="name" property="familyName"/>
@@ -109,6 +109,19 @@ inline constexpr std::array<Rule, 12> warningRules = {{
   <step resumable="true">DELETE FROM recent</step>
   <step>DELETE FROM tag</step>
 </delete>)"},
+    {RuleNames::doubtfulValue, Severity::Warning, true, "A value that is read as something else than it looks like",
+     "Write one of the words that the attribute knows, as it is.",
+     "Yes is what begins with \"y\", \"t\" or a number other than 0, in either case; all else is no, \"on\" too. The "
+     "'crypt' of a pack is only for \"true\", to the letter, and 'onVoid' only for its two words. A 'result' that is "
+     "no "
+     "plain type, in small letters, is the name of a class, and so is one with a single bracket. The warning is given "
+     "only for what looks like a word that is known.",
+     R"(<select id="allTags" result="[string]" parallel="on">
+  SELECT title FROM tag
+</select>)",
+     R"(<select id="allTags" result="[string]" parallel="yes">
+  SELECT title FROM tag
+</select>)"},
     {RuleNames::unusedSilence, Severity::Warning, true, "A comment that silences nothing",
      "Take the comment out, or put it directly before the element that is meant.",
      "The comment \"korvex: allow NAME\" takes away the warnings of that name about the element that follows it with "

@@ -87,6 +87,7 @@ class Check {
 
   void addFinding(const Finding& finding, const SourceText* source) {
     ++(finding.severity == Severity::Error ? _totals.errors : _totals.warnings);
+    if (!_unexplained && finding.rule->severity == Severity::Error && finding.help.empty()) _unexplained = finding.rule;
     _report->add(finding, source);
   }
 
@@ -100,6 +101,9 @@ class Check {
   void finish() {
     _report->finish(_totals);
     _console.out.flush();
+    if (_unexplained && _options.format == CheckFormat::Text) {
+      _console.err << "korvex-dao explain NAME tells more, such as: korvex-dao explain " << _unexplained->name << '\n';
+    }
     _console.err << counted(_totals.definitions, "definition") << " in " << counted(_totals.files, "file") << ", "
                  << counted(_totals.errors, "error");
     if (_totals.warnings > 0) _console.err << ", " << counted(_totals.warnings, "warning");
@@ -113,6 +117,7 @@ class Check {
   SetCheck _set;
   std::map<std::string, std::shared_ptr<const SourceText>> _sources;  // of documents that have findings to come
   CheckTotals _totals;
+  const Rule* _unexplained = nullptr;  // the first error that has no help of its own
   std::size_t _unreadable = 0;
 };
 

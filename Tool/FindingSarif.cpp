@@ -17,9 +17,12 @@ std::string replaced(std::string text, std::string_view what, std::string_view b
   return text;
 }
 
-// A message that is shown as it is: braces would be places to fill, "[text](target)" would be a link.
+// Braces would be places to fill.
+std::string withoutPlaces(std::string text) { return replaced(replaced(std::move(text), "{", "{{"), "}", "}}"); }
+
+// A message that is shown as it is: "[text](target)" would be a link.
 Json messageText(std::string text) {
-  text = replaced(replaced(std::move(text), "{", "{{"), "}", "}}");
+  text = withoutPlaces(std::move(text));
   if (text.find("](") != std::string::npos) text = replaced(replaced(std::move(text), "[", "\\["), "]", "\\]");
   return {{"text", text}};
 }
@@ -41,10 +44,12 @@ Json regionOf(const Finding& finding) {
 }
 
 Json ruleJson(const Rule& rule) {
+  Json help = messageText(std::string(rule.help));
+  help["markdown"] = withoutPlaces(markdownOf(rule));
   return {{"id", rule.name},
-          {"shortDescription", {{"text", filledIn(rule.message)}}},
-          {"fullDescription", {{"text", rule.meaning}}},
-          {"help", {{"text", rule.help}, {"markdown", markdownOf(rule)}}},
+          {"shortDescription", messageText(filledIn(rule.message))},
+          {"fullDescription", messageText(std::string(rule.meaning))},
+          {"help", help},
           {"defaultConfiguration", {{"enabled", rule.onByDefault}, {"level", severityName(rule.severity)}}}};
 }
 

@@ -49,6 +49,7 @@ Warnings, by the names that --warn and --no-warn take:
   repeated-property          a pack names a property twice
   duplicate-argument         a method declares an argument twice
   lost-resumable             the resumable of a single step
+  doubtful-value             a value read as something else than it looks like
   unused-silence             a comment that silences nothing
   unknown-warning            a comment that silences an unknown warning
 The comment <!-- korvex: allow NAME --> directly before an element silences

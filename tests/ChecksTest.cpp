@@ -1,6 +1,7 @@
 // The rules by name, and what the checks find.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -97,12 +98,31 @@ TEST(Warnings, StandWhereTheyAreSeen) {
       {"<update id='a'><step resumable='no'>x</step></update>", {}},
       {"<map id='m' result='P'><result column='a' property='b'/> <result property='c' column='a'>\n<x/></result></map>",
        {"1:1:90: duplicate-column", "1:2:1: ignored-content"}},
-      {"<update id='a'><format prefix='a' pairs='b' join='c'> x </format></update>", {"1:1:57: ignored-content"}},
+      {"<update id='a'><format prefix='a' pairs='b' join='c'> x </format></update>", {"1:1:58: ignored-content"}},
       {"<update id='a' arguments='$a, b, a ,&#98;'>x</update>",
        {"1:1:30: duplicate-argument", "1:1:30: duplicate-argument"}},
       {"<pack as='a' properties='b, c,, c,b,'/>", {"1:1:36: repeated-property", "1:1:38: repeated-property"}},
       {"<update id='a'><if true='x'><otherwise>x</otherwise></if></update>", {"1:1:32: misplaced-when"}},
       {"<update id='a'><choose><otherwise><when true='x'/></otherwise></choose></update>", {"1:1:38: misplaced-when"}},
+      // Values
+      {"<select id='a' result='int' parallel='on' profile=' No' assignedTable='0'>x</select>",
+       {"1:1:42: doubtful-value"}},
+      {"<select id='a' result='int' parallel='Disabled' profile='falsch' assignedTable='+00'>x</select>", {}},
+      {"<update id='a' profile='ja' resumable='on' x='on'><where onVoid='Quit'/><where onVoid='none'/></update>",
+       {"1:1:28: doubtful-value", "1:1:32: unread-attribute", "1:1:47: unread-attribute", "1:1:69: doubtful-value"}},
+      {"<pack as='a' properties='b, c' crypt='yes'/><pack as='a' properties='b, c' crypt='true'/>",
+       {"1:1:42: doubtful-value"}},
+      {"<select id='a' result='[Product'>x</select><select id='b' result=':Product]'>x</select>",
+       {"1:1:27: doubtful-value", "1:1:70: doubtful-value", "1:1:71: undefined-map"}},
+      {"<select id='a' result='[Int]'>x</select><select id='b' result=' bool'>x</select>",
+       {"1:1:27: doubtful-value", "1:1:67: doubtful-value"}},
+      {"<select id='a' result='Integer'>x</select><select id='b' result='[text]'>x</select>",
+       {"1:1:27: doubtful-value", "1:1:69: doubtful-value"}},
+      {"<select id='a' result='Text'>x</select><select id='b' result='[Strings]'>x</select>", {}},
+      {"<select id='a' result='long long'>x</select><select id='b' result='[{}]'>x</select>", {}},
+      // Content and places
+      {"<pack as='a' properties='b, c'>\r\n \n  x</pack>", {"1:3:3: ignored-content"}},
+      {"<pack as='a' properties='b,\r\n c,\n\tc,\tb'/>", {"1:3:2: repeated-property", "1:3:5: repeated-property"}},
       // List references
       {"<update id='a'>x %{'*', a, b} y %{'*', c</update>", {"1:1:36: unfinished-list-reference"}},
       {"<update id='a'>x %{a, b} y %{'*', c}</update>", {"1:1:21: unfinished-list-reference"}},
@@ -223,8 +243,50 @@ TEST(Warnings, DoNotTroubleDocumentsThatAreRight) {
   EXPECT_EQ(findingsIn({benchmarks::believableDocument(2000)}, selection), Texts());
 }
 
+TEST(Errors, ComeWithWhatMayBeMeant) {
+  const std::string inUpdate = "<update id='u'>";
+  const std::pair<std::string, const char*> cases[] = {
+      {"<cont A='1'/>", "no definition is called 'cont'; did you mean 'const'?"},
+      {"<query/>", "no definition is called 'query'"},
+      {"<sql ID='a'>x</sql>", "'sql' has no attribute 'ID'; did you mean 'id'?"},
+      {"<sql name='a'>x</sql>", ""},
+      {"<Select id='a' result='int'/>", "did you mean 'select'?"},
+      {inUpdate + "<Where/></update>", "did you mean 'where'?"},
+      {inUpdate + "<sql id='a'/></update>", ""},
+      {"<map id='m' result='P'><reslt column='a' property='b'/></map>", ""},
+      {"<map id='m' result='P'><result colum='a' property='b'/></map>",
+       "'result' has no attribute 'colum'; did you mean 'column'?"},
+      {inUpdate + "<foreach item='i' collection='c' seperator=','>x</foreach></update>",
+       "'foreach' has no attribute 'seperator'; did you mean 'separator'?"},
+      {inUpdate + "<if test='a'>x</if></update>", ""},
+      {inUpdate + "<if ture='a'>x</if></update>", "'if' has no attribute 'ture'; did you mean 'true'?"},
+      {inUpdate + "<if true='a' flase='b'>x</if></update>", ""},
+      {inUpdate + "<trim prefix='p' prefixOveride='a'>x</trim></update>",
+       "'trim' has no attribute 'prefixOveride'; did you mean 'prefixOverrides'?"},
+      {"<select id='a' Result='int'>x</select>", "'select' has no attribute 'Result'; did you mean 'result'?"},
+      {"<upgrade toversion='1'>x</upgrade>", "'upgrade' has no attribute 'toversion'; did you mean 'toVersion'?"},
+      {"<pack as='a' propertys='b, c'/>", "'pack' has no attribute 'propertys'; did you mean 'properties'?"},
+  };
+  for (const auto& [definition, help] : cases) {
+    const auto read = Document::fromBytes(wrapped(definition));
+    const std::vector<Finding> findings = findingsOf("", *read.document, loadDefinitions(*read.document));
+    const auto error = std::find_if(findings.begin(), findings.end(),
+                                    [](const Finding& finding) { return finding.severity == Severity::Error; });
+    ASSERT_NE(error, findings.end()) << definition;
+    EXPECT_EQ(error->help, help) << definition;
+  }
+}
+
+// The parser counts in another text than the one that is there to be shown.
+TEST(Errors, DoNotEndBeforeTheyBegin) {
+  const DocumentError error{DocumentErrorKind::Malformed, "not well-formed", {1, 32}};
+  EXPECT_EQ(findingOf("", error, nullptr).end, (XMLPosition{1, 32}));
+}
+
 TEST(NearMiss, FindsSlipsOfTheFingers) {
-  const std::string_view words[] = {"id", "parallel", "profile", "assignedTable", "resumable"};
+  const std::string veryLong = std::string(65, 'x') + "y";
+  const std::string longer = std::string(65, 'x');
+  const std::string_view words[] = {"id", "parallel", "profile", "assignedTable", "resumable", longer};
   const std::pair<const char*, const char*> cases[] = {
       {"paralell", "parallel"},
       {"PARALLEL", "parallel"},
@@ -235,6 +297,7 @@ TEST(NearMiss, FindsSlipsOfTheFingers) {
       {"x", ""},
       {"", ""},
       {"columns", ""},
+      {veryLong.c_str(), ""},
   };
   for (const auto& [written, meant] : cases) EXPECT_EQ(nearestOf(written, words), meant) << written;
 }

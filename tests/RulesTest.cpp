@@ -52,20 +52,29 @@ TEST(Rules, MessagesLeadToTheirRules) {
   for (std::string line; std::getline(lines, line); ++count) {
     const std::string name = line.substr(line.rfind('[') + 1, line.size() - line.rfind('[') - 2);
     const std::string message = line.substr(0, line.rfind(" ["));
-    for (const std::string& what : {name, line, message, message.substr(message.find(": error: ") + 9)}) {
+    for (const std::string& what :
+         {name, line, message, message.substr(message.find(": error: ") + 9), "\n  " + message + "\r\n<select>\n^\n",
+          message.substr(0, message.find_last_not_of('.') + 1)}) {
       const Outcome explained = run({"explain", what});
       EXPECT_TRUE(explained.out.starts_with(name + " (error, always on)\n")) << what << explained.err;
     }
   }
   EXPECT_EQ(count, 34U);
-  EXPECT_TRUE(run({"explain", "a.xml:1:1: error: no root element"}).out.starts_with("malformed-document "));
+  for (const char* document :
+       {"", "<", "<a>", "<a></b>", "<a/><b/>", "<a b='' b=''/>", "<a>&x;</a>", "<a>\x01</a>", "</a>", "<a>\xFF</a>",
+        "<a><!--</a>", "<a b=<></a>", "<a>&</a>", "<a>]]></a>", "x", "<a>&#0;</a>",
+        "<?xml version='1.0' encoding='x'?><a/>", "<!DOCTYPE a [<!ENTITY b ''>]><a/>", "< a/>"}) {
+    const std::string out = run({"check", "-"}, document).out;
+    EXPECT_TRUE(run({"explain", out}).out.starts_with("malformed-document ")) << out;
+  }
 }
 
 TEST(Rules, UnknownOnesAreToldWithAGuess) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"conditon-format", "; did you mean 'condition-format'?"},
       {"Condition-Format", "; did you mean 'condition-format'?"},
-      {"x\ny [z]", "no rule and no message 'x\\ny [z]'\n"},
+      {"\n x\ty [z] \nmore", "no rule and no message 'x\\ty [z]'\n"},
+      {"main.cpp:1:2: error: expected ';' before '}' token", "no message 'main.cpp"},
       {"", "no message ''\n"},
       {"Condition 'if' is wrong", "no message 'Condition 'if' is wrong'\n"},
   };
