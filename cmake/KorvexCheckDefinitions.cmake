@@ -1,8 +1,9 @@
 # korvex_check_definitions(TARGET PATH... [WARNINGS_AS_ERRORS] [OPTIONS OPTION...])
 #
 # Has `korvex-dao check` pass over definition documents before TARGET is built. A mistake in one of them fails the
-# build, at its line and column, with WARNINGS_AS_ERRORS a warning, too; the check is run again when a document changes.
-# A PATH is a file, which may be made by the build, or a directory with its *.xml files. OPTIONS go to `korvex-dao check`.
+# build, at its line and column, with WARNINGS_AS_ERRORS a warning, too; the check is run again when a document changes,
+# comes or goes. A PATH is a directory with its *.xml files, or a file. A file that the build makes is known by its
+# property GENERATED, which add_custom_command has set if it stands before. OPTIONS go to `korvex-dao check`.
 #
 # The command is the one of this package. KORVEX_DAO_EXECUTABLE names another, as a build for another machine needs;
 # without either it is looked for on the path.
@@ -26,16 +27,20 @@ function(korvex_check_definitions target)
   foreach(path IN LISTS paths)
     cmake_path(ABSOLUTE_PATH path NORMALIZE)
     list(APPEND checked ${path})
+    get_source_file_property(generated ${path} GENERATED)
     if(IS_DIRECTORY ${path})
       file(GLOB_RECURSE found CONFIGURE_DEPENDS ${path}/*.xml)
+      if(NOT found)
+        message(FATAL_ERROR "korvex_check_definitions: no *.xml in ${path}")
+      endif()
       list(APPEND documents ${found})
-    else()
+    elseif(generated OR EXISTS ${path})
       list(APPEND documents ${path})
+    else()
+      message(FATAL_ERROR "korvex_check_definitions: there is no ${path}, and no command before makes it; "
+        "the keywords are WARNINGS_AS_ERRORS and OPTIONS")
     endif()
   endforeach()
-  if(NOT documents)
-    message(FATAL_ERROR "korvex_check_definitions: no *.xml in ${paths}")
-  endif()
 
   if(TARGET korvex::korvex-dao AND NOT CMAKE_CROSSCOMPILING AND NOT KORVEX_DAO_EXECUTABLE)
     set(command $<TARGET_FILE:korvex::korvex-dao>)
@@ -57,10 +62,14 @@ function(korvex_check_definitions target)
   set_property(TARGET ${target} PROPERTY KORVEX_DEFINITION_CHECKS ${count})
   set(name ${target}_definitions_${count})
   set(stamp ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${name}.stamp)
+  # Of a document that is gone nothing is newer than the stamp; the list of them is.
+  set(documents_list ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${name}.txt)
+  list(JOIN documents "\n" lines)
+  file(GENERATE OUTPUT ${documents_list} CONTENT "${lines}\n")
   add_custom_command(OUTPUT ${stamp}
     COMMAND ${command} check --format text ${ARG_OPTIONS} -- ${checked}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
-    DEPENDS ${documents} ${command}
+    DEPENDS ${documents} ${documents_list} ${command}
     COMMENT "Checking the definitions of ${target}"
     VERBATIM
   )
