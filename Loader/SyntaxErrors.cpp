@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "Loader/ExpatParser.h"
+#include "Loader/Names.h"
+#include "Loader/TagFaults.h"
+#include "Platform/Strings.h"
 #include "Platform/Tables.h"
 
 namespace korvex {
@@ -14,17 +17,6 @@ namespace korvex {
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
-constexpr std::string_view whiteSpace = " \t\r\n";
-constexpr std::string_view nameEnds = " \t\r\n/>=;<&\"'";
-
-// The name that begins at `offset`, up to the first character that cannot stand in one.
-std::string nameAt(std::string_view text, std::size_t offset) {
-  const std::string_view rest = text.substr(offset);
-  return std::string(rest.substr(0, rest.find_first_of(nameEnds)));
-}
-
-std::string quoted(std::string_view name) { return std::string("'").append(name).append("'"); }
-
 bool standsAt(std::string_view text, std::size_t offset, std::string_view what) {
   return offset <= text.size() && text.substr(offset).starts_with(what);
 }
@@ -159,23 +151,42 @@ SyntaxError duplicateAttribute(const SourceText& source, std::size_t offset) {
 
 using Explanation = std::optional<SyntaxError>;
 
+// The character at an offset; empty when the bytes there are none.
+std::string_view characterAt(std::string_view text, std::size_t offset) {
+  constexpr std::size_t longest = 4;
+  for (std::size_t length = 1; length <= longest; ++length) {
+    const std::string_view character = text.substr(offset, length);
+    if (isValidUTF8(character)) return character;
+  }
+  return {};
+}
+
 Explanation controlCharacter(std::string_view text, std::size_t offset) {
   constexpr std::string_view digits = "0123456789ABCDEF";
   const auto byte = static_cast<unsigned char>(text[offset]);
   const bool isControl = byte < 0x20U || byte == 0x7FU;
-  if (!isControl || whiteSpace.find(text[offset]) != npos) return std::nullopt;
+  if (!isControl || xmlWhiteSpace.find(text[offset]) != npos) return std::nullopt;
   return SyntaxError{
       std::string("control character U+00") + digits[byte >> 4U] + digits[byte & 0xFU] + " is not allowed", offset};
 }
 
-Explanation beyondASCII(std::string_view text, std::size_t offset) {
-  if (static_cast<unsigned char>(text[offset]) < 0x80U) return std::nullopt;
-  return SyntaxError{"not valid UTF-8, or a character that is not allowed here", offset};
+Explanation invalidUTF8(std::string_view text, std::size_t offset) {
+  if (!characterAt(text, offset).empty()) return std::nullopt;
+  return SyntaxError{"not valid UTF-8; save the file as UTF-8, or declare what it is, such as encoding=\"ISO-8859-1\"",
+                     offset};
+}
+
+// The two that are no characters and that XML excludes; printed as they are, nobody would see them.
+Explanation noncharacter(std::string_view text, std::size_t offset) {
+  const std::string_view character = characterAt(text, offset);
+  if (character != "\uFFFE" && character != "\uFFFF") return std::nullopt;
+  return SyntaxError{character == "\uFFFE" ? "character U+FFFE is not allowed" : "character U+FFFF is not allowed",
+                     offset};
 }
 
 // An "&" that begins no reference, with what could be its name between it and the offset.
 Explanation bareAmpersand(std::string_view text, std::size_t offset) {
-  const std::size_t at = text.substr(0, offset).find_last_of(nameEnds);
+  const std::size_t at = text.substr(0, offset).find_last_of(xmlNameEnds);
   if (at == npos || text[at] != '&') return std::nullopt;
   return SyntaxError{"'&' does not begin a reference; write &amp;", at};
 }
@@ -188,7 +199,7 @@ Explanation bareLessThan(std::string_view text, std::size_t offset) {
 
 Explanation misplacedLessThan(std::string_view text, std::size_t offset) {
   if (text[offset] != '<') return std::nullopt;
-  return SyntaxError{"'<' is not allowed here; in an attribute's value write &lt;", offset};
+  return SyntaxError{"'<' is not allowed here", offset};
 }
 
 Explanation sectionEndInText(std::string_view text, std::size_t offset) {
@@ -197,7 +208,7 @@ Explanation sectionEndInText(std::string_view text, std::size_t offset) {
 }
 
 Explanation misplacedWhiteSpace(std::string_view text, std::size_t offset) {
-  if (whiteSpace.find(text[offset]) == npos) return std::nullopt;
+  if (xmlWhiteSpace.find(text[offset]) == npos) return std::nullopt;
   return SyntaxError{"unexpected white space", offset};
 }
 
@@ -206,16 +217,50 @@ Explanation dashesInComment(std::string_view text, std::size_t offset) {
   return SyntaxError{"'--' is not allowed in a comment", offset - 2};
 }
 
-constexpr std::array<Explanation (*)(std::string_view, std::size_t), 8> explanations{
-    controlCharacter,  beyondASCII,      bareAmpersand,   bareLessThan,
-    misplacedLessThan, sectionEndInText, dashesInComment, misplacedWhiteSpace,
+using Rule = Explanation (*)(std::string_view, std::size_t);
+// Those that hold in tags, too, and those that do not.
+constexpr std::array<Rule, 4> rulesEverywhere{controlCharacter, invalidUTF8, noncharacter, bareAmpersand};
+constexpr std::array<Rule, 5> rulesOutsideTags{bareLessThan, misplacedLessThan, sectionEndInText, dashesInComment,
+                                               misplacedWhiteSpace};
+
+template <std::size_t count>
+Explanation firstThatApplies(const std::array<Rule, count>& rules, std::string_view text, std::size_t offset) {
+  for (const Rule rule : rules) {
+    if (Explanation error = rule(text, offset)) return error;
+  }
+  return std::nullopt;
+}
+
+// Finds where the markup begins that the parser stops in: a default handler is handed all before it, piece by piece.
+class LastMarkup {
+ public:
+  explicit LastMarkup(std::string_view text) : _parser(XML_ParserCreate("UTF-8")) {
+    XML_SetUserData(_parser.get(), this);
+    XML_SetDefaultHandler(_parser.get(), pass);
+    static_cast<void>(parseWhole(_parser, text));
+  }
+
+  [[nodiscard]] bool outOfMemory() const { return isOutOfMemory(_parser); }
+  [[nodiscard]] std::size_t offset() const { return _offset; }
+
+ private:
+  static void XMLCALL pass(void* userData, const XML_Char* /*markup*/, int length) {
+    static_cast<LastMarkup*>(userData)->_offset += static_cast<std::size_t>(length);
+  }
+
+  ExpatParser _parser;
+  std::size_t _offset = 0;
 };
 
 SyntaxError unexpectedCharacter(const SourceText& source, std::size_t offset) {
-  for (const auto& explanation : explanations) {
-    if (Explanation error = explanation(source.text(), offset)) return *std::move(error);
-  }
-  return {"unexpected " + quoted(source.text().substr(offset, 1)), offset};
+  const std::string_view text = source.text();
+  if (Explanation error = firstThatApplies(rulesEverywhere, text, offset)) return *std::move(error);
+  const LastMarkup markup(text);
+  if (markup.outOfMemory()) return {{}, 0, true};
+  if (std::optional<std::string> fault = faultInTag(source, markup.offset(), offset))
+    return {*std::move(fault), offset};
+  if (Explanation error = firstThatApplies(rulesOutsideTags, text, offset)) return *std::move(error);
+  return {"unexpected " + quoted(characterAt(text, offset)), offset};
 }
 
 // ---------------------------------------------------------------------------------------------

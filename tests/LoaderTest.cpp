@@ -131,8 +131,8 @@ void expectFaults(const std::vector<Fault>& cases, const LoadOptions& load) {
 TEST(Document, MalformedOnesAreExplained) {
   constexpr const char* lessThan = "'<' does not begin a tag; write &lt; or use a CDATA section";
   constexpr const char* ampersand = "'&' does not begin a reference; write &amp;";
-  constexpr const char* lessThanInTag = "'<' is not allowed here; in an attribute's value write &lt;";
-  constexpr const char* badCharacter = "not valid UTF-8, or a character that is not allowed here";
+  constexpr const char* notUTF8 =
+      "not valid UTF-8; save the file as UTF-8, or declare what it is, such as encoding=\"ISO-8859-1\"";
   constexpr const char* afterRoot = "unexpected content after the root element";
   constexpr const char* unknownEncoding = "unknown encoding; use UTF-8, UTF-16, ISO-8859-1 or US-ASCII";
   expectFaults(
@@ -149,11 +149,6 @@ TEST(Document, MalformedOnesAreExplained) {
           {"\n\n<!doctype a><a/>", "unexpected content before the root element", 3, 1},
           {"\n<?xml version='1.0'?><a/>", "an XML declaration is allowed only at the very start of a document", 2, 1},
           {"<a b='1' c='2' b='3'/>", "attribute 'b' is given twice", 1, 16},
-          {"<a b='1'c='2'/>", "unexpected 'c'", 1, 9},
-          {"<a b=1/>", "unexpected '1'", 1, 6},
-          {"<a b />", "unexpected '/'", 1, 6},
-          {"<a b='x>\n</a>", lessThanInTag, 2, 1},
-          {"<if true='a < b'/>", lessThanInTag, 1, 13},
           {"<a>\na < b</a>", lessThan, 2, 3},
           {"<a>a <= b</a>", lessThan, 1, 6},
           {"<a>a && b</a>", ampersand, 1, 6},
@@ -170,9 +165,10 @@ TEST(Document, MalformedOnesAreExplained) {
           {"<a>&am", "reference is not closed", 1, 4},
           {"<a>\x1B</a>", "control character U+001B is not allowed", 1, 4},
           {"<a>x\0</a>"s, "control character U+0000 is not allowed", 1, 5},
-          {"<a>é\xFF</a>", badCharacter, 1, 5},
-          {"<a>\xC0\xAF</a>", badCharacter, 1, 4},
-          {"<a>\xED\xA0\x80</a>", badCharacter, 1, 4},
+          {"<a>é\xFF</a>", notUTF8, 1, 5},
+          {"<a>\uFFFE</a>", "character U+FFFE is not allowed", 1, 4},
+          {"<a>\xC0\xAF</a>", notUTF8, 1, 4},
+          {"<a>\xED\xA0\x80</a>", notUTF8, 1, 4},
           {"<a>é\xC3", "the last character is cut off", 1, 5},
           {"<!DOCTYPE a SYSTEM 'x'><a>&e;</a>", "entity 'e' is not defined", 1, 27},
           {"<!DOCTYPE a SYSTEM 'x'><a>\n<b c='&amp;&e;'/></a>", "entity 'e' is not defined", 2, 12},
@@ -181,6 +177,45 @@ TEST(Document, MalformedOnesAreExplained) {
           {"\xEF\xBB\xBF\xEF\xBB\xBF<a/>", "not well-formed (invalid token)", 1, 2},
           {"<?xml version='1.0' encoding='US-ASCII'?>\n<a>é</a>", "not well-formed (invalid token)", 2, 4},
           {utf16(u"\xFEFF<a>\r\n<b></a>", true), "mismatched tag", 2, 6},
+      },
+      options(true));
+}
+
+TEST(Document, FaultsInTagsAreExplained) {
+  constexpr const char* aIsOpen = "tag 'a', opened on line 1, is not closed with '>'";
+  constexpr const char* noQuote = "the value of 'b', opened on line 1, has no closing quote";
+  constexpr const char* quoteless = "the value of 'b' is not in quotes";
+  constexpr const char* curly = "the value of 'b' is in typographic quotes; write \" or '";
+  expectFaults(
+      {
+          {"<a b='x'\n <c/>", aIsOpen, 2, 2},
+          {"<a\n<c/>", aIsOpen, 2, 1},
+          {"<a b\n<c/>", aIsOpen, 2, 1},
+          {"<a><b></b\n<c/>", "end tag 'b', opened on line 1, is not closed with '>'", 2, 1},
+          {"<a></a b>", "end tag 'a', opened on line 1, is not closed with '>'", 1, 8},
+          {"\n<a b='x'\n SELECT 1</a>",
+           "'SELECT' in tag 'a', opened on line 2, has no value: '=' is missing behind it, or '>' before it", 3, 9},
+          {"<a b />", "attribute 'b' has no value", 1, 6},
+          {"<a b=>", "attribute 'b' has no value", 1, 6},
+          {"<a b='\nx=' c>y</a>", "attribute 'c' has no value", 2, 6},
+          {"<a b=1/>", quoteless, 1, 6},
+          {"<a b = \nx>", quoteless, 2, 1},
+          {"<a b=“x”/>", curly, 1, 6},
+          {"<a b=„x“/>", curly, 1, 6},
+          {"<a b='1'c='2'/>", "white space is missing behind the value of 'b'", 1, 9},
+          {"<a b='1', c='2'/>", "attributes are separated by white space, not by ','", 1, 9},
+          {"<a b='x c='y'/>", noQuote, 1, 12},
+          {"<a b='x>\n</a>", noQuote, 2, 1},
+          {"<a b='x>y<c d=''/></a>", noQuote, 1, 10},
+          {"<if true='a < b'/>", "'<' is not allowed in the value of 'true'; write &lt;", 1, 13},
+          {"<if true='a<b'/>", "'<' is not allowed in the value of 'true'; write &lt;", 1, 12},
+          {"<if true='a > 0 ||\n a < b'/>", "'<' is not allowed in the value of 'true'; write &lt;", 2, 4},
+          {"<a / b='1'>", "'/' in a tag stands only before '>'", 1, 5},
+          {"<a b='1' “/>", "unexpected '“'", 1, 10},
+          {"<a b='x\xE9'/>",
+           "not valid UTF-8; save the file as UTF-8, or declare what it is, such as "
+           "encoding=\"ISO-8859-1\"",
+           1, 8},
       },
       options(true));
 }

@@ -1,0 +1,22 @@
+// Names and white space in markup, as far as explaining its faults needs them.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace korvex {
+
+inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
+inline constexpr std::string_view xmlNameEnds = " \t\r\n/>=;<&\"'";
+
+// The name that begins at `offset`, up to the first character that cannot stand in one.
+[[nodiscard]] inline std::string_view nameAt(std::string_view text, std::size_t offset) {
+  const std::string_view rest = text.substr(std::min(offset, text.size()));
+  return rest.substr(0, rest.find_first_of(xmlNameEnds));
+}
+
+[[nodiscard]] inline std::string quoted(std::string_view name) { return std::string("'").append(name).append("'"); }
+
+}  // namespace korvex
