@@ -37,7 +37,13 @@ std::string visibleWithTabs(std::string_view text) {
 // White space as wide as the printed text.
 std::string paddingFor(std::string_view printed) {
   std::string padding;
-  for (; !printed.empty(); printed = withoutCharacters(printed, 1)) padding += printed[0] == '\t' ? '\t' : ' ';
+  for (; !printed.empty(); printed = withoutCharacters(printed, 1)) {
+    if (printed[0] == '\t') {
+      padding += '\t';
+    } else {
+      padding.append(columnsOf(firstCharacter(printed)), ' ');
+    }
+  }
   return padding;
 }
 

@@ -15,7 +15,8 @@ struct Excerpt {
 
 // The line of that position with the caret below its character, which may be one past the end of
 // the line. The time it takes does not depend on the length of the line. Tabs stay tabs, other invisible characters are
-// escaped, and of a long line only the part around the caret is kept, an ellipsis where it was cut.
+// escaped, wide ones count two columns, combining ones none, and of a long line only the part around the caret is kept,
+// an ellipsis where it was cut.
 [[nodiscard]] Excerpt excerptOf(const SourceText& source, const XMLPosition& position);
 
 }  // namespace korvex

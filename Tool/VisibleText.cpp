@@ -23,10 +23,49 @@ constexpr Range invisible[] = {
     {0xFEFF, 0xFEFF},  // byte order mark
 };
 
+constexpr Range withoutWidth[] = {
+    {0x0300, 0x036F},    // combining diacritical marks
+    {0x1AB0, 0x1AFF},    // combining diacritical marks, extended
+    {0x1DC0, 0x1DFF},    // combining diacritical marks, supplement
+    {0x200B, 0x200F},    // zero-width space, joiners and direction marks
+    {0x20D0, 0x20FF},    // combining marks for symbols
+    {0xFE00, 0xFE0F},    // variation selectors
+    {0xFE20, 0xFE2F},    // combining half marks
+    {0xE0100, 0xE01EF},  // variation selectors, supplement
+};
+
+constexpr Range wide[] = {
+    {0x1100, 0x115F},    // leading Hangul jamo
+    {0x231A, 0x231B},    // watch, hourglass
+    {0x23E9, 0x23EC},    // double triangles
+    {0x2614, 0x2615},    // umbrella, hot beverage
+    {0x26A1, 0x26A1},    // lightning
+    {0x2705, 0x2705},    // check mark
+    {0x274C, 0x274C},    // cross mark
+    {0x2753, 0x2757},    // question and exclamation marks
+    {0x2B50, 0x2B50},    // star
+    {0x2E80, 0x303E},    // CJK radicals, symbols and punctuation
+    {0x3041, 0x4DBF},    // kana, Hangul letters, CJK compatibility and extension A
+    {0x4E00, 0xA4CF},    // CJK ideographs, Yi
+    {0xA960, 0xA97F},    // Hangul jamo, extended
+    {0xAC00, 0xD7A3},    // Hangul syllables
+    {0xF900, 0xFAFF},    // CJK compatibility ideographs
+    {0xFE30, 0xFE6F},    // CJK compatibility and small forms
+    {0xFF01, 0xFF60},    // full-width forms
+    {0xFFE0, 0xFFE6},    // full-width signs
+    {0x1F1E6, 0x1F1FF},  // regional indicators
+    {0x1F300, 0x1F64F},  // pictographs, emoticons
+    {0x1F680, 0x1F6FF},  // transport
+    {0x1F7E0, 0x1F7EB},  // coloured circles and squares
+    {0x1F900, 0x1FAFF},  // supplementary pictographs
+    {0x20000, 0x3FFFD},  // CJK ideographs, extensions
+};
+
 bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
-bool isInvisible(char32_t character) {
-  return std::any_of(std::begin(invisible), std::end(invisible),
+template <std::size_t count>
+bool isAmong(const Range (&ranges)[count], char32_t character) {
+  return std::any_of(std::begin(ranges), std::end(ranges),
                      [character](const Range& range) { return range.first <= character && character <= range.last; });
 }
 
@@ -83,7 +122,7 @@ void appendVisible(std::string& text, std::string_view character) {
   const std::optional<char32_t> value = decoded(character);
   if (!value) {
     text += escapedBytes(character);
-  } else if (isInvisible(*value)) {
+  } else if (isAmong(invisible, *value)) {
     text += escaped(*value);
   } else {
     text += character;
@@ -111,6 +150,13 @@ std::size_t startOfCharacterBefore(std::string_view text, std::size_t end) {
   std::size_t start = end - 1;
   while (start > 0 && isContinuation(text[start])) --start;
   return start;
+}
+
+std::size_t columnsOf(std::string_view character) {
+  const std::optional<char32_t> value = decoded(character);
+  if (!value) return 1;
+  if (isAmong(withoutWidth, *value)) return 0;
+  return isAmong(wide, *value) ? 2 : 1;
 }
 
 std::string visibleText(std::string_view text) {

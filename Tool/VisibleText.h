@@ -17,6 +17,10 @@ namespace korvex {
 // The offset of the character that ends before `end`, which is not 0.
 [[nodiscard]] std::size_t startOfCharacterBefore(std::string_view text, std::size_t end);
 
+// How many columns of a terminal a character takes: 0, 1 or 2. An approximation of Unicode's East Asian Width (UAX #11)
+// by whole blocks; what a terminal does with joined emoji, for one, is its own affair.
+[[nodiscard]] std::size_t columnsOf(std::string_view character);
+
 // The text on one line: \n, \r and \t for line feed, carriage return and tab, \x1b for an escape,
 // \u202e for a character that reverses the line, and so on. A backslash stays as it is.
 [[nodiscard]] std::string visibleText(std::string_view text);

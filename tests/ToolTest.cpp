@@ -271,6 +271,7 @@ TEST(Excerpt, CaretStandsBelowItsCharacter) {
        "b",
        2, "\\x01b", "    ^"},
       {"\xC3(b", 3, "\\xc3(b", "     ^"},
+      {"😀語e\u0301\u200B한b", 7, "😀語e\u0301\u200B한b", std::string(7, ' ') + '^'},
       {dots + "a", 100, dots + "a", std::string(99, ' ') + '^'},
       {"é" + dots + "b", 1, "é" + dots + "…", "^"},
       {dots + "é" + dots, 100, "…" + std::string(40, '.') + "é" + std::string(59, '.') + "…",
