@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <set>
 #include <system_error>
+#include <utility>
 
 namespace korvex {
 namespace {
@@ -21,7 +22,7 @@ fs::path identityOf(const fs::path& path) {
 // One search for *.xml files below a directory.
 class Search {
  public:
-  explicit Search(const fs::path& directory) : _pending{directory} {}
+  explicit Search(fs::path directory) : _root(std::move(directory)), _pending{_root} {}
 
   void run() {
     while (!_pending.empty()) {
@@ -30,6 +31,7 @@ class Search {
       if (_searched.insert(identityOf(directory)).second) searchDirectory(directory);
     }
     std::sort(_files.begin(), _files.end());
+    if (_files.empty() && _unreadable.empty()) _unreadable.push_back({_root.string(), "no *.xml file in it"});
   }
 
   [[nodiscard]] const std::vector<fs::path>& files() const { return _files; }
@@ -69,6 +71,7 @@ class Search {
     return path.native().ends_with(".xml") && (fs::is_regular_file(status) || !fs::is_other(status));
   }
 
+  fs::path _root;
   std::deque<fs::path> _pending;
   std::set<fs::path> _searched;
   std::vector<fs::path> _files;

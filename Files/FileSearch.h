@@ -17,7 +17,7 @@ struct UnreadablePath {
 
 struct InputFiles {
   std::vector<std::string> files;
-  std::vector<UnreadablePath> unreadable;  // below the directories that were searched
+  std::vector<UnreadablePath> unreadable;  // below the directories that were searched, or one of them without files
 };
 
 // The files that the paths name, in their order, each once even when it is named twice. A directory

@@ -71,8 +71,8 @@ Examples:
 Exit codes:
   0  nothing found, or warnings alone
   1  an error found; with --werror a warning, too
-  2  wrong usage, an input that cannot be read (the others are checked all
-     the same), or an output that cannot be written)";
+  2  wrong usage, an input that cannot be read or a directory without *.xml
+     (the others are checked all the same), or an output that cannot be written)";
 
 constexpr const char* explainFooter = R"(Without RULE it lists all rules: name, severity, whether it is on, and how to
 mend what violates it.

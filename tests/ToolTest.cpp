@@ -336,6 +336,16 @@ TEST_F(Files, UnreadableOnesDoNotStopTheOthers) {
   EXPECT_TRUE(result.err.ends_with("1 definition in 1 file, 1 error, 2 unreadable paths\n")) << result.err;
 }
 
+TEST_F(Files, DirectoryWithoutDocumentsIsReported) {
+  write("docs/readme.txt", "");
+  write("good/a.xml", "<d/>");
+  const Outcome result = run({"check", path("docs"), path("good")});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "korvex-dao: " + path("docs") +
+                            ": no *.xml file in it\n"
+                            "0 definitions in 1 file, 0 errors, 1 unreadable path\n");
+}
+
 TEST_F(Files, DirectoryIsAllThatMapsAreSoughtIn) {
   write("a.xml", "<select id='s' result=':m'>x</select>");
   write("b.xml", "<select id='t' result=':m'>x</select>");
