@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "Loader/DefinitionLoader.h"
@@ -88,11 +89,13 @@ int fail(std::string_view message) {
 
 int main(int argc, char** argv) {
   if (argc < 2) return fail("usage: pack_people DATABASE [DEFINITIONS]");
-  const auto read = korvex::Document::fromFile(argc > 2 ? argv[2] : "examples/addressbook.xml");
-  if (!read.document) return fail(read.error->message);
+  const std::string path = argc > 2 ? argv[2] : "examples/addressbook.xml";
+  const auto read = korvex::Document::fromFile(path);
+  if (!read.document) return fail(path + ": " + read.error->message);
   const auto definitions = korvex::loadDefinitions(*read.document);
   const korvex::QXDAOPack* info = packOf(definitions, "info");
-  if (!info) return fail("no pack for the column info");
+  if (!info) return fail(path + ": no pack for the column info");
   const Database database = opened(argv[1]);
-  if (!store(database.get(), somePeople(), *info)) return fail(sqlite3_errmsg(database.get()));
+  if (!store(database.get(), somePeople(), *info))
+    return fail(argv[1] + std::string(": ") + sqlite3_errmsg(database.get()));
 }
