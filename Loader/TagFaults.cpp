@@ -129,11 +129,12 @@ Explanation beforeValue(const Fault& fault) {
 // A "<" in a value is either meant, or the next tag after a value without an end.
 Explanation inValue(const Fault& fault) {
   if (fault.rest.front() != '<') return std::nullopt;
-  const bool wentOn = fault.tag.value.find_first_of(">\n\r") != npos && !nameAt(fault.rest, 1).empty();
-  if (wentOn || fault.rest.starts_with("</")) {
+  const bool wentOn = fault.tag.value.find_first_of(">\n\r") != npos;
+  if ((wentOn && !nameAt(fault.rest, 1).empty()) || fault.rest.starts_with("</")) {
     return valueOf(fault) + openedOn(fault.valueLine) + " has no closing quote";
   }
-  return "'<' is not allowed in " + valueOf(fault) + "; write &lt;";
+  const std::string opening = wentOn ? openedOn(fault.valueLine) + " before its closing quote" : "";
+  return "'<' is not allowed in " + valueOf(fault) + opening + "; write &lt;";
 }
 
 // Where the quote that closes a value is missing, the next one that opens a value closes it.
