@@ -1,4 +1,4 @@
-// Names and white space in markup, as far as explaining its faults needs them.
+// Names in markup, as far as explaining its faults needs them.
 #pragma once
 
 #include <algorithm>
@@ -6,9 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Strings.h"
+
 namespace korvex {
 
-inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 inline constexpr std::string_view xmlNameEnds = " \t\r\n/>=;<&\"'";
 
 // The name that begins at `offset`, up to the first character that cannot stand in one.

@@ -111,8 +111,7 @@ bool isIn(std::string_view set, char character) { return set.find(character) != 
 
 Explanation behindAttributeName(const Fault& fault) {
   if (isIn("/>", fault.rest.front())) return attributeOf(fault) + " has no value";
-  return quoted(fault.tag.attribute) + " in " + tagOf(fault) +
-         " has no value: '=' is missing behind it, or '>' before it";
+  return attributeOf(fault) + " in " + tagOf(fault) + " has no value: '=' is missing behind it, or '>' before it";
 }
 
 bool beginsWithTypographicQuote(std::string_view text) {

@@ -23,7 +23,7 @@ const Rule* ruleInBrackets(std::string_view finding) {
 }
 
 // What is wrong with a malformed document is told in many ways; these are how they begin.
-constexpr std::array<std::string_view, 33> syntaxErrors = {
+constexpr std::array<std::string_view, 39> syntaxErrors = {
     "end tag '",
     "end tag without",
     "no root element",
@@ -38,12 +38,18 @@ constexpr std::array<std::string_view, 33> syntaxErrors = {
     "entity '",
     "entity declarations are",
     "attribute '",
+    "attributes are separated",
     "attribute-list declarations are",
     "parameter-entity references are",
+    "character U+",
     "control character U+",
-    "not valid UTF-8, or a",
+    "not valid UTF-8; ",
+    "tag '",
+    "the value of '",
+    "white space is missing",
     "'&' does not begin",
     "'<' ",
+    "'/' in a tag",
     "']]>' is not",
     "'--' is not",
     "unexpected content ",

@@ -60,10 +60,33 @@ TEST(Rules, MessagesLeadToTheirRules) {
     }
   }
   EXPECT_EQ(count, 34U);
-  for (const char* document :
-       {"", "<", "<a>", "<a></b>", "<a/><b/>", "<a b='' b=''/>", "<a>&x;</a>", "<a>\x01</a>", "</a>", "<a>\xFF</a>",
-        "<a><!--</a>", "<a b=<></a>", "<a>&</a>", "<a>]]></a>", "x", "<a>&#0;</a>",
-        "<?xml version='1.0' encoding='x'?><a/>", "<!DOCTYPE a [<!ENTITY b ''>]><a/>", "< a/>"}) {
+  for (const char* document : {"",
+                               "<",
+                               "<a>",
+                               "<a></b>",
+                               "<a/><b/>",
+                               "<a b='' b=''/>",
+                               "<a>&x;</a>",
+                               "<a>\x01</a>",
+                               "</a>",
+                               "<a>\xFF</a>",
+                               "<a><!--</a>",
+                               "<a b=<></a>",
+                               "<a>&</a>",
+                               "<a>]]></a>",
+                               "x",
+                               "<a>&#0;</a>",
+                               "<?xml version='1.0' encoding='x'?><a/>",
+                               "<!DOCTYPE a [<!ENTITY b ''>]><a/>",
+                               "< a/>",
+                               "<a b c='d'/>",
+                               "<a b=c/>",
+                               "<a b='c'd='e'/>",
+                               "<a b='c', d='e'/>",
+                               "<a b='c' <d/></a>",
+                               "<a / b>",
+                               "<a>\uFFFE</a>",
+                               "<a b='\n<c d='e'/></a>"}) {
     const std::string out = run({"check", "-"}, document).out;
     EXPECT_TRUE(run({"explain", out}).out.starts_with("malformed-document ")) << out;
   }
