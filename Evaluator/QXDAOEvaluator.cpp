@@ -92,6 +92,7 @@ std::size_t lengthOfExponent(std::string_view text, std::size_t at) {
   return count == 0 ? 0 : 1 + sign + count;
 }
 
+// Of a text that begins with a digit or a point.
 std::size_t lengthOfNumber(std::string_view text) {
   const std::size_t whole = countWhile(text, 0, is<Digit>);
   std::size_t length = whole;
@@ -100,7 +101,6 @@ std::size_t lengthOfNumber(std::string_view text) {
     if (whole + fraction == 0) return 0;
     length += 1 + fraction;
   }
-  if (length == 0) return 0;
   length += lengthOfExponent(text, length);
   return classAt<NameStart | Digit | Point>(text, length) ? 0 : length;
 }
