@@ -10,13 +10,12 @@
 #include "Checks/RuleNames.h"
 #include "DAO/Core/Reading.h"
 #include "Language/Vocabulary.h"
+#include "Platform/Strings.h"
 #include "Platform/Tables.h"
 
 namespace korvex {
 
 namespace {
-
-std::string inQuotes(std::string_view text) { return std::string("'").append(text).append("'"); }
 
 // ---------------------------------------------------------------------------------------------
 // Attributes
@@ -58,7 +57,7 @@ void findUnreadAttributes(const XMLNode& node, const ElementEntry& element, Warn
     if (!offset) offset = list.places().offsetOf(node);
     Finding& finding = list.add(RuleNames::unreadAttribute, node,
                                 placeOfName(list.places(), list.places().elementAt(*offset), place, *offset),
-                                inQuotes(element.tag) + " never reads the attribute " + inQuotes(name));
+                                quoted(element.tag) + " never reads the attribute " + quoted(name));
     const bool alone = attributeEntryOf(element, name) != nullptr;
     finding.help = alone ? "it is read only together with 'foreach'" : nearAttribute(element, name);
   }
@@ -146,7 +145,7 @@ void findIgnoredContent(const XMLNode& node, const ElementEntry& element, Warnin
     if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
     const std::size_t begin = list.places().source().text().find_first_not_of(" \t\r\n", list.places().offsetOf(child));
     list.add(RuleNames::ignoredContent, node, list.places().spanAt(begin),
-             "what stands in " + inQuotes(element.tag) + " is passed over");
+             "what stands in " + quoted(element.tag) + " is passed over");
     return;
   }
 }
@@ -156,7 +155,7 @@ void findMisplacedWhen(const XMLNode& node, const ElementEntry& element, const E
   const bool when = element.tag == C_WHEN;
   if ((!when && element.tag != C_OTHERWISE) || (holder && holder->tag == C_CHOOSE)) return;
   Finding& finding = list.add(RuleNames::misplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
-                              inQuotes(element.tag) + " stands outside 'choose'");
+                              quoted(element.tag) + " stands outside 'choose'");
   finding.help = when ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
 }
 

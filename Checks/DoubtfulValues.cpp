@@ -5,13 +5,12 @@
 
 #include "Checks/NearMiss.h"
 #include "DAO/QXDAOElement.h"
+#include "Platform/Strings.h"
 #include "Platform/Tables.h"
 
 namespace korvex {
 
 namespace {
-
-std::string inQuotes(std::string_view text) { return std::string("'").append(text).append("'"); }
 
 bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();
@@ -33,7 +32,7 @@ bool saysNo(std::string_view value) {
 
 std::optional<Doubt> doubtAboutYes(std::string_view value, bool readAsYes, std::string_view help) {
   if (readAsYes || saysNo(value)) return std::nullopt;
-  return Doubt{inQuotes(value) + " is read as no", std::string(help)};
+  return Doubt{quoted(value) + " is read as no", std::string(help)};
 }
 
 std::optional<Doubt> doubtAboutYesOrNo(const AttributeEntry& /*attribute*/, std::string_view value) {
@@ -50,7 +49,7 @@ std::optional<Doubt> doubtAboutWord(const AttributeEntry& attribute, std::string
   }
   std::string meant = known ? std::string() : didYouMean(value, attribute.words);
   if (meant.empty()) return std::nullopt;
-  return Doubt{inQuotes(value) + " means nothing to " + inQuotes(attribute.name), std::move(meant)};
+  return Doubt{quoted(value) + " means nothing to " + quoted(attribute.name), std::move(meant)};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -101,12 +100,12 @@ std::string_view withoutBrackets(std::string_view result) {
 std::optional<Doubt> doubtAboutResult(const AttributeEntry& attribute, std::string_view value) {
   const std::string_view word = withoutBrackets(value);
   if (value.starts_with('[') != value.ends_with(']')) {
-    return Doubt{inQuotes(value) + " is no list: one of its brackets is missing",
+    return Doubt{quoted(value) + " is no list: one of its brackets is missing",
                  "did you mean '[" + std::string(word) + "]'?"};
   }
   const std::string_view meant = typeMeantBy(word, attribute.words);
   if (meant.empty()) return std::nullopt;
-  return Doubt{inQuotes(word) + " is taken for a class", "did you mean " + inQuotes(meant) + "?"};
+  return Doubt{quoted(word) + " is taken for a class", "did you mean " + quoted(meant) + "?"};
 }
 
 struct DoubtRule {

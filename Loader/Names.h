@@ -18,6 +18,4 @@ inline constexpr std::string_view xmlNameEnds = " \t\r\n/>=;<&\"'";
   return rest.substr(0, rest.find_first_of(xmlNameEnds));
 }
 
-[[nodiscard]] inline std::string quoted(std::string_view name) { return std::string("'").append(name).append("'"); }
-
 }  // namespace korvex

@@ -31,6 +31,9 @@ inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
   return text ? OptionalString(std::in_place, *text) : std::nullopt;
 }
 
+// The text in single quotes, for a message.
+[[nodiscard]] inline std::string quoted(std::string_view text) { return std::string("'").append(text).append("'"); }
+
 // The part of the text without spaces at both ends. The result points into the argument.
 [[nodiscard]] KORVEX_EXPORT std::string_view spaceBothEndsTrimmed(std::string_view text);
 [[nodiscard]] KORVEX_EXPORT OptionalStringView spaceBothEndsTrimmed(OptionalStringView text);
