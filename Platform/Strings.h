@@ -67,7 +67,7 @@ inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 
 // Copies a text to where there is room for it, if every byte is one of 1 to 127. Otherwise false; what the room then
 // holds is undefined.
-[[nodiscard]] bool copyASCIIWithoutZero(std::string_view text, char* room);
+[[nodiscard]] KORVEX_EXPORT bool copyASCIIWithoutZero(std::string_view text, char* room);
 
 // True when every byte belongs to a whole, shortest-form character that is no surrogate (RFC 3629).
 [[nodiscard]] KORVEX_EXPORT bool isValidUTF8(std::string_view text);
