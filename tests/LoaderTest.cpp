@@ -181,6 +181,14 @@ TEST(Document, MalformedOnesAreExplained) {
       options(true));
 }
 
+// Expat alone accepts the second, whose name has no letter of XML's.
+TEST(Document, NamesAreThoseOfXMLInEveryEncoding) {
+  for (const char* bytes : {"<\xC2\xAA/>", "<?xml version='1.0' encoding='ISO-8859-1'?><\xAA/>"}) {
+    EXPECT_FALSE(Document::fromBytes(bytes).document) << bytes;
+  }
+  EXPECT_TRUE(Document::fromBytes("<?xml version='1.0' encoding='ISO-8859-1'?><\xE9/>").document);
+}
+
 TEST(Document, FaultsInTagsAreExplained) {
   constexpr const char* aIsOpen = "tag 'a', opened on line 1, is not closed with '>'";
   constexpr const char* noQuote = "the value of 'b', opened on line 1, has no closing quote";
