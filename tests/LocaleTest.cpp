@@ -44,6 +44,9 @@ std::vector<std::string> results() {
 }
 
 TEST(Locale, ADecimalCommaChangesNothing) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the C library never frees what it makes of LOCPATH";
+#endif
   const TemporaryDirectory locales;
   const std::string made = locales.path() / "comma";
   ASSERT_EQ(std::system(("localedef -i de_DE -f UTF-8 '" + made + "'").c_str()), 0);  // NOLINT(cert-env33-c)
