@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "Loader/DefinitionLoader.h"
 #include "benchmarks/Figures.h"
+#include "korvex/DefinitionLoader.h"
 
 namespace korvex::benchmarks {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "Platform/ModelClass.h"
+#include "korvex/ModelClass.h"
 
 namespace korvex::benchmarks {
 

@@ -4,10 +4,10 @@
 #include <sstream>
 #include <string>
 
-#include "Checks/DocumentCheck.h"
-#include "LanguageServer/Server.h"
 #include "benchmarks/Documents.h"
 #include "benchmarks/Measuring.h"
+#include "checks/DocumentCheck.h"
+#include "lsp/Server.h"
 
 namespace korvex::benchmarks {
 

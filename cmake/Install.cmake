@@ -7,32 +7,13 @@ if(NOT KORVEX_EVALUATOR_TARGET STREQUAL "korvex_evaluator")
   message(FATAL_ERROR "An installed loader needs the evaluator of this project: set KORVEX_INSTALL to OFF")
 endif()
 
-set(KORVEX_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/korvex-dao)
+set(KORVEX_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR})
 set(KORVEX_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KorvexDAO)
 set(KORVEX_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 set(KORVEX_ZSH_COMPLETIONS_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
   CACHE STRING "Where zsh looks for completions")
 
-# The headers that users include, with those that they include. The others may change at any time.
-set(KORVEX_HEADERS
-  DAO/QXDAOElement.h
-  DAO/Mapping/QXDAOPackReader.h
-  Evaluator/QXDAOEvaluator.h
-  Loader/DefinitionLoader.h
-  Loader/SourceText.h
-  Platform/CompactString.h
-  Platform/Export.h
-  Platform/ModelClass.h
-  Platform/NumberObject.h
-  Platform/SpinLock.h
-  Platform/Strings.h
-  Platform/XMLNode.h
-  Statistics/QXSCDAOMethodCounter.h
-)
-foreach(header IN LISTS KORVEX_HEADERS)
-  cmake_path(GET header PARENT_PATH folder)
-  install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${KORVEX_INCLUDE_DIR}/${folder} COMPONENT Development)
-endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/korvex DESTINATION ${KORVEX_INCLUDE_DIR} COMPONENT Development)
 
 foreach(library platform evaluator dao loader)
   set_target_properties(korvex_${library} PROPERTIES EXPORT_NAME ${library})
@@ -96,13 +77,13 @@ if(TARGET korvex-dao)
   install(TARGETS korvex-dao EXPORT KorvexDAOTool
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Tool)
   install(EXPORT KorvexDAOTool NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_DIR} COMPONENT Development)
-  install(FILES ${PROJECT_SOURCE_DIR}/man/korvex-dao.1
+  install(FILES ${PROJECT_SOURCE_DIR}/dist/man/korvex-dao.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Tool)
-  install(FILES ${PROJECT_SOURCE_DIR}/completions/korvex-dao.bash
+  install(FILES ${PROJECT_SOURCE_DIR}/dist/completions/korvex-dao.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME korvex-dao COMPONENT Tool)
-  install(FILES ${PROJECT_SOURCE_DIR}/completions/korvex-dao.zsh
+  install(FILES ${PROJECT_SOURCE_DIR}/dist/completions/korvex-dao.zsh
     DESTINATION ${KORVEX_ZSH_COMPLETIONS_DIR} RENAME _korvex-dao COMPONENT Tool)
-  install(FILES ${PROJECT_SOURCE_DIR}/completions/korvex-dao.fish
+  install(FILES ${PROJECT_SOURCE_DIR}/dist/completions/korvex-dao.fish
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT Tool)
 endif()
 

@@ -6,7 +6,10 @@ set(KORVEX_SOURCE_DIR ${CMAKE_CURRENT_SOURCE_DIR})
 function(korvex_target name)
   target_compile_features(${name} PUBLIC cxx_std_20)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
-  target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${KORVEX_SOURCE_DIR}>)
+  target_include_directories(${name}
+    PUBLIC $<BUILD_INTERFACE:${KORVEX_SOURCE_DIR}/include>
+    PRIVATE ${KORVEX_SOURCE_DIR}/src
+  )
   target_compile_options(${name} PRIVATE -Wall -Wextra -Wconversion)
   # Where files are compiled together, a name of one shadows that of another.
   if(NOT CMAKE_UNITY_BUILD)
@@ -25,6 +28,12 @@ function(korvex_target name)
       -fsanitize=${KORVEX_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${name} PUBLIC -fsanitize=${KORVEX_SANITIZE})
   endif()
+endfunction()
+
+# A program that tests or measures what is in src/ from beside it.
+function(korvex_program name)
+  korvex_target(${name})
+  target_include_directories(${name} PRIVATE ${KORVEX_SOURCE_DIR})
 endfunction()
 
 # A library of ours: korvex_library(dao SOURCES...) makes korvex_dao, known as korvex::dao. It is what BUILD_SHARED_LIBS

@@ -1,5 +1,7 @@
 // Puts people of an address book into a new table of an SQLite file, what the app knows of their
 // work packed into one column: pack_people DATABASE [DEFINITIONS]
+#include <korvex/DefinitionLoader.h>
+#include <korvex/ModelClass.h>
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -7,9 +9,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "Loader/DefinitionLoader.h"
-#include "Platform/ModelClass.h"
 
 class Person : public korvex::Model<Person> {
  public:

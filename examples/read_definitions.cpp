@@ -1,6 +1,6 @@
-#include <iostream>
+#include <korvex/DefinitionLoader.h>
 
-#include "Loader/DefinitionLoader.h"
+#include <iostream>
 
 int main(int argc, char** argv) {
   const auto read = korvex::Document::fromFile(argc > 1 ? argv[1] : "examples/addressbook.xml");

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Tool/VisibleText.h"
+#include "tool/VisibleText.h"
 
 namespace korvex {
 

@@ -1,13 +1,13 @@
 // Any bytes as a document, strict and not strict, through loading, check and dump.
 #include <sstream>
 
-#include "Checks/RuleNames.h"
-#include "Tool/CheckCommand.h"
-#include "Tool/DumpCommand.h"
-#include "Tool/ElementJson.h"
-#include "Tool/InputFiles.h"
+#include "checks/RuleNames.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
+#include "tool/CheckCommand.h"
+#include "tool/DumpCommand.h"
+#include "tool/ElementJson.h"
+#include "tool/InputFiles.h"
 
 namespace korvex {
 namespace {

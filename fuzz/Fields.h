@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "Tool/Hex.h"
 #include "tests/support/Models.h"
+#include "tool/Hex.h"
 
 namespace korvex {
 

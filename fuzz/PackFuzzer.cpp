@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <bit>
 
-#include "Tool/PackedValue.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Fields.h"
 #include "fuzz/Units.h"
 #include "tests/support/Packs.h"
+#include "tool/PackedValue.h"
 
 namespace korvex {
 namespace {

@@ -4,11 +4,11 @@
 #include <cctype>
 #include <optional>
 
-#include "Loader/DefinitionLoader.h"
-#include "Loader/ExpatParser.h"
-#include "Platform/Strings.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
+#include "korvex/DefinitionLoader.h"
+#include "korvex/Strings.h"
+#include "loader/ExpatParser.h"
 
 namespace korvex {
 namespace {

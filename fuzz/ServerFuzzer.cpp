@@ -11,10 +11,10 @@
 #include <algorithm>
 #include <sstream>
 
-#include "LanguageServer/Server.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
 #include "fuzz/Units.h"
+#include "lsp/Server.h"
 
 namespace korvex::lsp {
 namespace {

@@ -1,8 +1,8 @@
 // Any text through the list references, against the plain transcription of their rules.
-#include "DAO/QXDAOElement.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
 #include "fuzz/PlainListReferences.h"
+#include "korvex/QXDAOElement.h"
 #include "tests/support/HandBuiltTree.h"
 
 namespace korvex {

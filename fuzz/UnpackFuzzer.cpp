@@ -3,13 +3,13 @@
 // not reach the object.
 #include <sstream>
 
-#include "Tool/PackedTable.h"
-#include "Tool/PackedValue.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Fields.h"
 #include "fuzz/Input.h"
 #include "fuzz/Units.h"
 #include "tests/support/Packs.h"
+#include "tool/PackedTable.h"
+#include "tool/PackedValue.h"
 
 namespace korvex {
 namespace {

@@ -15,7 +15,7 @@ from pathlib import Path
 from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parents[2]
-CORE = ("DAO", "Evaluator", "Platform")
+CORE = ("src/dao", "src/evaluator", "src/platform", "include/korvex")
 NOT_COPIED = ("build", ".git")
 TREE = ROOT / "build/mutants/tree"
 BUILD = ROOT / "build/mutants/build"

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "Language/Markup.h"
-#include "Language/Vocabulary.h"
-#include "Loader/DefinitionLoader.h"
+#include "korvex/DefinitionLoader.h"
+#include "language/Markup.h"
+#include "language/Vocabulary.h"
 
 namespace korvex {
 

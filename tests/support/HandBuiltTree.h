@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "Platform/XMLNode.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "Platform/ModelClass.h"
+#include "korvex/ModelClass.h"
 
 namespace korvex {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "DAO/QXDAOElement.h"
+#include "korvex/QXDAOElement.h"
 #include "tests/support/HandBuiltTree.h"
 
 namespace korvex {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Tool/Tool.h"
+#include "tool/Tool.h"
 
 namespace korvex {
 

@@ -1,0 +1,107 @@
+// From the bytes of a definition document to element trees and exact diagnostics.
+//
+//   bytes → Document (XML tree with positions) → loadDefinitions → elements and error records
+//
+// Nothing here throws or aborts on bad input; a failure is a value with a message and a position. When memory runs out
+// there is either an error of that kind or std::bad_alloc; libraries that are built with KORVEX_EXCEPTIONS then leak
+// nothing and leave nothing half-built, others must not be used on.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "korvex/Export.h"
+#include "korvex/QXDAOElement.h"
+#include "korvex/SourceText.h"
+#include "korvex/XMLNode.h"
+
+namespace korvex {
+
+struct LoadOptions {
+  // Refuse what is not well-formed XML by a first pass of a strict parser. Switch it off only for
+  // documents that were checked before, such as when the app was built: a well-formed document
+  // gives the same tree either way, a malformed one may then give some tree instead of a message.
+  // A reference to an entity that only an external DTD could declare is text then.
+  bool strict = true;
+  // Keep text nodes of white space only. A <map> with indented children is refused then.
+  bool keepWhiteSpaceText = false;
+  // The largest document that is read, in bytes.
+  std::size_t maximumBytes = std::size_t{64} * 1024 * 1024;
+  // The deepest nesting of elements, the root counting 1. Parsing needs no stack for it, building
+  // the elements does.
+  std::size_t maximumDepth = 256;
+  // What the list references of a document may expand to, the texts that hold them included, in bytes.
+  std::size_t maximumExpandedBytes = std::size_t{64} * 1024 * 1024;
+};
+
+// What keeps a whole document from being read.
+enum class DocumentErrorKind { Unreadable, TooLarge, Malformed, TooDeep, OutOfMemory };
+
+// Whether such an error says that something is wrong with the document, and not that it could not be read here and now.
+[[nodiscard]] constexpr bool blamesDocument(DocumentErrorKind kind) {
+  return kind != DocumentErrorKind::Unreadable && kind != DocumentErrorKind::OutOfMemory;
+}
+
+struct DocumentError {
+  DocumentErrorKind kind = DocumentErrorKind::Malformed;
+  std::string message;
+  XMLPosition position;  // line 1, column 1 where the error is about the file as a whole
+};
+
+// A parsed document: the tree that XMLNode handles read, and its source text for diagnostics.
+// Not copyable; the handles and views taken from it are valid while it lives. After construction
+// it is only read, on any number of threads.
+class KORVEX_EXPORT Document {
+ public:
+  struct Result;
+
+  // Parses bytes: UTF-8, or UTF-16, ISO-8859-1 and US-ASCII that say so. Strict or not, a
+  // DOCTYPE that declares entities or attributes is refused, and nothing it refers to is loaded.
+  // Bytes that are moved in are not copied as long as they are UTF-8 without a byte order mark.
+  [[nodiscard]] static Result fromBytes(std::string bytes, const LoadOptions& options = {});
+  // Reads a file first. A directory, a missing file and the like are DocumentErrorKind::Unreadable.
+  [[nodiscard]] static Result fromFile(const std::string& path, const LoadOptions& options = {});
+
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+  ~Document();
+
+  // The root element; never null.
+  [[nodiscard]] XMLNode root() const;
+  [[nodiscard]] const SourceText& source() const;
+
+ private:
+  class Implementation;
+  explicit Document(std::unique_ptr<Implementation> implementation);
+
+  std::unique_ptr<Implementation> _implementation;
+};
+
+// Either a document or the reason why there is none.
+struct Document::Result {
+  std::unique_ptr<Document> document;        // null on failure
+  std::optional<DocumentError> error;        // present on failure
+  std::shared_ptr<const SourceText> source;  // for an excerpt; null when the text could not be read
+};
+
+// One definition of a document, built or refused.
+struct Definition {
+  XMLNode xml;                            // valid while the document lives, and with it what is read through it
+  std::unique_ptr<QXDAOElement> element;  // null when it was refused
+  std::unique_ptr<QXDAOError> error;      // null when it was built; its nodes are the document's
+
+  [[nodiscard]] std::string_view tag() const { return xml.name().value_or(std::string_view()); }
+  // Where its start tag begins.
+  [[nodiscard]] XMLPosition position() const { return xml.position().value_or(XMLPosition()); }
+};
+
+// Builds every definition of a document, in document order, also after refused ones. Definitions
+// are the child elements of the root; a root that is itself a definition (select, sql, map…) is
+// the only one. The elements outlive the document.
+[[nodiscard]] KORVEX_EXPORT std::vector<Definition> loadDefinitions(const Document& document);
+
+}  // namespace korvex

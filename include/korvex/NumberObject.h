@@ -1,0 +1,100 @@
+// A boxed scalar that remembers its type.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <type_traits>
+
+#include "korvex/Export.h"
+
+namespace korvex {
+
+// The one-character type codes of scalars; "l" and "L" are the 64-bit `long` types of the C++
+// platform, "q" and "Q" its `long long` types.
+template <typename Scalar>
+inline constexpr char scalarTypeCode = '\0';
+template <>
+inline constexpr char scalarTypeCode<bool> = 'B';
+template <>
+inline constexpr char scalarTypeCode<char> = 'c';
+template <>
+inline constexpr char scalarTypeCode<signed char> = 'c';
+template <>
+inline constexpr char scalarTypeCode<unsigned char> = 'C';
+template <>
+inline constexpr char scalarTypeCode<short> = 's';
+template <>
+inline constexpr char scalarTypeCode<unsigned short> = 'S';
+template <>
+inline constexpr char scalarTypeCode<int> = 'i';
+template <>
+inline constexpr char scalarTypeCode<unsigned int> = 'I';
+template <>
+inline constexpr char scalarTypeCode<long> = 'l';
+template <>
+inline constexpr char scalarTypeCode<unsigned long> = 'L';
+template <>
+inline constexpr char scalarTypeCode<long long> = 'q';
+template <>
+inline constexpr char scalarTypeCode<unsigned long long> = 'Q';
+template <>
+inline constexpr char scalarTypeCode<float> = 'f';
+template <>
+inline constexpr char scalarTypeCode<double> = 'd';
+
+template <typename T>
+concept BoxableScalar = scalarTypeCode<T>
+!= '\0';
+
+static_assert(sizeof(long) == 8 && sizeof(long long) == 8, "the type codes l, L, q and Q are 64 bits wide");
+
+// The type code that a number object reports: `long` and `long long` are one type to it.
+template <BoxableScalar Scalar>
+inline constexpr char numberTypeCodeOf = scalarTypeCode<Scalar> == 'l'   ? 'q'
+                                         : scalarTypeCode<Scalar> == 'L' ? 'Q'
+                                                                         : scalarTypeCode<Scalar>;
+
+// A value of one of eleven scalar types: boolean, signed and unsigned integers of 8 to 64 bits,
+// single and double precision. Copies are independent; two numbers are equal when both type and
+// value are (numbers of NaN are not).
+class NumberObject {
+ public:
+  template <BoxableScalar Scalar>
+  explicit NumberObject(Scalar value) : _typeCode(numberTypeCodeOf<Scalar>) {
+    std::memcpy(_bytes.data(), &value, sizeof value);
+  }
+
+  // The value of a type code that a number object reports, from its own bytes in the low bits.
+  static NumberObject fromBits(char typeCode, std::uint64_t bits) { return {typeCode, bits}; }
+
+  [[nodiscard]] char typeCode() const { return _typeCode; }
+  // The value as a Scalar when that is its type; absent otherwise, nothing is converted.
+  template <BoxableScalar Scalar>
+  [[nodiscard]] std::optional<Scalar> value() const {
+    if (_typeCode != numberTypeCodeOf<Scalar>) return std::nullopt;
+    Scalar value;
+    std::memcpy(&value, _bytes.data(), sizeof value);
+    return value;
+  }
+  // The value's own bytes in the platform's order; those past its width are zero.
+  [[nodiscard]] const std::byte* bytes() const { return _bytes.data(); }
+
+  friend KORVEX_EXPORT bool operator==(const NumberObject& left, const NumberObject& right);
+
+ private:
+  NumberObject(char typeCode, std::uint64_t bits) : _typeCode(typeCode) {
+    std::memcpy(_bytes.data(), &bits, sizeof bits);
+  }
+
+  alignas(std::uint64_t) std::array<std::byte, sizeof(std::uint64_t)> _bytes{};
+  char _typeCode;
+};
+
+static_assert(sizeof(NumberObject) <= 16);
+
+using OptionalNumber = std::optional<NumberObject>;
+
+}  // namespace korvex

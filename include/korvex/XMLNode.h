@@ -1,0 +1,199 @@
+// The document tree as the elements read it: handles over somebody else's tree.
+//
+// A parser is plugged in by deriving from XMLTree; nothing of the document is copied. XMLNode and
+// XMLAttribute are small values (two pointers) that name a node of such a tree. They are valid as
+// long as the tree is alive and unchanged; so are the string views that they return. Reading is
+// safe from several threads when the tree's own operations are.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "korvex/Export.h"
+#include "korvex/Strings.h"
+
+namespace korvex {
+
+// Node kinds carry the numbers of the DOM's nodeType and of libxml2's xmlElementType. A tree may
+// hold kinds that are not listed here; the elements pass over or reject them.
+enum class XMLNodeKind : int {
+  Element = 1,
+  Text = 3,
+  CDATASection = 4,
+  ProcessingInstruction = 7,
+  Comment = 8,
+};
+
+// A place in the source text. Line and column count from 1, columns in Unicode code points; LF,
+// CR LF and a lone CR each end a line.
+struct XMLPosition {
+  std::size_t line = 1;
+  std::size_t column = 1;
+
+  bool operator==(const XMLPosition&) const = default;
+};
+
+// What a parser offers to be read through the handles. Node and attribute handles are the tree's
+// own, opaque here; null stands for "none" and is never passed in.
+class KORVEX_EXPORT XMLTree {
+ public:
+  using NodeHandle = const void*;
+  using AttributeHandle = const void*;
+
+  [[nodiscard]] virtual XMLNodeKind kind(NodeHandle node) const = 0;
+  // The tag of an element; absent for a node without a name.
+  [[nodiscard]] virtual OptionalStringView name(NodeHandle node) const = 0;
+  // The decoded characters of a node of the kind Text; absent for every other kind. A CDATA section
+  // is seen by the elements only where the tree gives it as Text.
+  [[nodiscard]] virtual OptionalStringView text(NodeHandle node) const = 0;
+  // Children and attributes come in document order; null after the last one.
+  [[nodiscard]] virtual NodeHandle firstChild(NodeHandle node) const = 0;
+  [[nodiscard]] virtual NodeHandle nextSibling(NodeHandle node) const = 0;
+  [[nodiscard]] virtual AttributeHandle firstAttribute(NodeHandle node) const = 0;
+  [[nodiscard]] virtual AttributeHandle nextAttribute(AttributeHandle attribute) const = 0;
+  [[nodiscard]] virtual OptionalStringView attributeName(AttributeHandle attribute) const = 0;
+  // The decoded value of an attribute; empty, not absent, when it is written as "".
+  [[nodiscard]] virtual OptionalStringView attributeValue(AttributeHandle attribute) const = 0;
+  // Where the node's markup starts (the "<" of a start tag); absent when the parser does not know.
+  [[nodiscard]] virtual std::optional<XMLPosition> position(NodeHandle /*node*/) const { return std::nullopt; }
+
+ protected:
+  XMLTree() = default;
+  XMLTree(const XMLTree&) = default;
+  XMLTree(XMLTree&&) = default;
+  XMLTree& operator=(const XMLTree&) = default;
+  XMLTree& operator=(XMLTree&&) = default;
+  ~XMLTree() = default;
+};
+
+// One attribute of an element, or none.
+class XMLAttribute {
+ public:
+  XMLAttribute() = default;
+  XMLAttribute(const XMLTree& tree, XMLTree::AttributeHandle handle) : _tree(&tree), _handle(handle) {}
+
+  explicit operator bool() const { return _handle != nullptr; }
+  bool operator==(const XMLAttribute&) const = default;
+
+  // Absent on a null attribute.
+  [[nodiscard]] OptionalStringView name() const {
+    return _handle ? _tree->attributeName(_handle) : OptionalStringView();
+  }
+  [[nodiscard]] OptionalStringView stringValue() const {
+    return _handle ? _tree->attributeValue(_handle) : OptionalStringView();
+  }
+  // The attribute after this one; null after the last.
+  [[nodiscard]] XMLAttribute next() const {
+    return _handle ? XMLAttribute(*_tree, _tree->nextAttribute(_handle)) : XMLAttribute();
+  }
+
+ private:
+  const XMLTree* _tree = nullptr;
+  XMLTree::AttributeHandle _handle = nullptr;
+};
+
+// The nodes or attributes from a first one on, for range-based loops.
+template <typename Item>
+class XMLRange {
+ public:
+  class iterator {
+   public:
+    using iterator_category = std::input_iterator_tag;  // what it points to is part of it
+    using value_type = Item;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const Item*;
+    using reference = const Item&;
+
+    iterator() = default;
+    explicit iterator(Item item) : _item(item) {}
+    reference operator*() const { return _item; }
+    pointer operator->() const { return &_item; }
+    iterator& operator++() {
+      _item = _item.next();
+      return *this;
+    }
+    iterator operator++(int) {
+      iterator before = *this;
+      ++*this;
+      return before;
+    }
+    // All ends are equal, whichever tree the last item came from.
+    bool operator==(const iterator& other) const { return (!_item && !other._item) || _item == other._item; }
+
+   private:
+    Item _item;
+  };
+
+  explicit XMLRange(Item first) : _first(first) {}
+  [[nodiscard]] iterator begin() const { return iterator(_first); }
+  [[nodiscard]] iterator end() const { return iterator(); }
+
+ private:
+  Item _first;
+};
+
+// One node of a document tree, or none. A null handle answers every question with "absent" or
+// "none", so that chains such as node.firstChild().name() need no test in between.
+class KORVEX_EXPORT XMLNode {
+ public:
+  XMLNode() = default;
+  XMLNode(const XMLTree& tree, XMLTree::NodeHandle handle) : _tree(&tree), _handle(handle) {}
+
+  explicit operator bool() const { return _handle != nullptr; }
+  // Equal when both name the same node of the same tree.
+  bool operator==(const XMLNode&) const = default;
+
+  // A kind that no node has, 0, on a null handle.
+  [[nodiscard]] XMLNodeKind kind() const { return _handle ? _tree->kind(_handle) : XMLNodeKind{}; }
+  // The tag of an element; absent for nodes without a name.
+  [[nodiscard]] OptionalStringView name() const { return _handle ? _tree->name(_handle) : OptionalStringView(); }
+  // The text of a text node; for an element the text of all text nodes below it, in document
+  // order (empty when there is none); absent for other nodes. Recurses as deep as the tree.
+  [[nodiscard]] OptionalString stringValue() const;
+  // The characters of a text node without a copy; absent for every other node.
+  [[nodiscard]] OptionalStringView text() const { return _handle ? _tree->text(_handle) : OptionalStringView(); }
+
+  [[nodiscard]] XMLNode firstChild() const { return _handle ? XMLNode(*_tree, _tree->firstChild(_handle)) : XMLNode(); }
+  // The sibling after this node; null after the last.
+  [[nodiscard]] XMLNode next() const { return _handle ? XMLNode(*_tree, _tree->nextSibling(_handle)) : XMLNode(); }
+  [[nodiscard]] XMLRange<XMLNode> children() const { return XMLRange<XMLNode>(firstChild()); }
+  // Counted by walking the children.
+  [[nodiscard]] std::size_t childCount() const;
+
+  [[nodiscard]] XMLRange<XMLAttribute> attributes() const {
+    return XMLRange(_handle ? XMLAttribute(*_tree, _tree->firstAttribute(_handle)) : XMLAttribute());
+  }
+  // Counted by walking the attributes.
+  [[nodiscard]] std::size_t attributeCount() const;
+  [[nodiscard]] bool hasAttributes() const { return attributes().begin() != attributes().end(); }
+  // The attribute of an element that has exactly one; null otherwise.
+  [[nodiscard]] XMLAttribute onlyAttribute() const;
+  // Null when the element has no attribute of that name (compared exactly).
+  [[nodiscard]] XMLAttribute attributeForName(std::string_view attributeName) const;
+  // The value of a named attribute: absent when there is none, empty when it is written empty.
+  [[nodiscard]] OptionalStringView valueOfAttribute(std::string_view attributeName) const;
+  // The values of several attributes in one walk, in the order of the names. Where a lenient parser
+  // lets a name occur twice, the first one counts.
+  template <typename... Names>
+  [[nodiscard]] std::array<OptionalStringView, sizeof...(Names)> valuesOfAttributes(const Names&... names) const {
+    const std::array<std::string_view, sizeof...(Names)> wanted = {names...};
+    std::array<OptionalStringView, sizeof...(Names)> values;
+    readAttributes(wanted.data(), values.data(), wanted.size());
+    return values;
+  }
+
+  // Absent when the parser does not know.
+  [[nodiscard]] std::optional<XMLPosition> position() const;
+
+ private:
+  void readAttributes(const std::string_view* names, OptionalStringView* values, std::size_t count) const;
+
+  const XMLTree* _tree = nullptr;
+  XMLTree::NodeHandle _handle = nullptr;
+};
+
+}  // namespace korvex

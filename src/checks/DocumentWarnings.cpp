@@ -1,0 +1,227 @@
+#include "checks/DocumentWarnings.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+
+#include "checks/DoubtfulValues.h"
+#include "checks/ListReferenceWarnings.h"
+#include "checks/NearMiss.h"
+#include "checks/RuleNames.h"
+#include "dao/core/Reading.h"
+#include "korvex/Strings.h"
+#include "language/Vocabulary.h"
+#include "platform/Tables.h"
+
+namespace korvex {
+
+namespace {
+
+// ---------------------------------------------------------------------------------------------
+// Attributes
+
+bool belongsToXML(std::string_view attribute) {
+  return attribute == "xmlns" || attribute.find(':') != std::string_view::npos;
+}
+
+std::string nearAttribute(const ElementEntry& element, std::string_view written) {
+  std::vector<std::string_view> names;
+  names.reserve(element.attributes.size());
+  for (const AttributeEntry& attribute : element.attributes) names.push_back(attribute.name);
+  return didYouMean(written, names);
+}
+
+// Methods read "resumable" only when they have a "foreach".
+bool lacksItsForeach(const XMLNode& node, std::string_view attribute) {
+  return attribute == C_RESUMABLE && node.name() != C_STEP && isEmpty(node.valueOfAttribute(C_FOREACH));
+}
+
+bool isRead(const XMLNode& node, const ElementEntry& element, std::string_view attribute) {
+  return attributeEntryOf(element, attribute) && !lacksItsForeach(node, attribute);
+}
+
+// The name of an attribute, which is the element's `index`-th.
+Span placeOfName(const Places& places, const MarkupElement* markup, std::size_t index, std::size_t element) {
+  const bool known = markup && index < markup->attributes.size();
+  return known ? markup->attributes[index].name : places.spanAt(element);
+}
+
+void findUnreadAttributes(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  if (element.attributeRule != AttributeRule::OthersPassedOver) return;
+  std::optional<std::size_t> offset;
+  std::size_t index = 0;
+  for (const XMLAttribute& attribute : node.attributes()) {
+    const std::size_t place = index++;
+    const std::string_view name = *attribute.name();
+    if (isRead(node, element, name) || belongsToXML(name)) continue;
+    if (!offset) offset = list.places().offsetOf(node);
+    Finding& finding = list.add(RuleNames::unreadAttribute, node,
+                                placeOfName(list.places(), list.places().elementAt(*offset), place, *offset),
+                                quoted(element.tag) + " never reads the attribute " + quoted(name));
+    const bool alone = attributeEntryOf(element, name) != nullptr;
+    finding.help = alone ? "it is read only together with 'foreach'" : nearAttribute(element, name);
+  }
+}
+
+void findDoubtfulValues(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  for (const XMLAttribute& attribute : node.attributes()) {
+    const std::string_view name = *attribute.name();
+    if (!isRead(node, element, name)) continue;
+    std::optional<Doubt> doubt = doubtAbout(*attributeEntryOf(element, name), *attribute.stringValue());
+    if (!doubt) continue;
+    list.add(RuleNames::doubtfulValue, node, list.places().valueOf(node, name), std::move(doubt->message)).help =
+        std::move(doubt->help);
+  }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Names that are written twice
+
+// Adds a warning for each name that an earlier one repeats. Names are views that stay valid. Only for a warning is
+// asked where in the source the items stand that bear them.
+template <typename Item, typename PlaceOf>
+class Repetitions {
+ public:
+  Repetitions(std::string_view rule, std::string_view message, WarningList& list, PlaceOf placeOf)
+      : _rule(rule), _message(message), _list(list), _placeOf(placeOf) {}
+
+  void take(std::string_view name, const Item& item, const XMLNode& element) {
+    const auto [first, isNew] = _items.try_emplace(name, item);
+    if (isNew) return;
+    Finding& finding = _list.add(_rule, element, _placeOf(item), filledFormat(_message, name));
+    finding.related.push_back(_list.relatedAt(_placeOf(first->second), "the first one is here"));
+  }
+
+ private:
+  std::string_view _rule;
+  std::string_view _message;
+  WarningList& _list;
+  PlaceOf _placeOf;
+  std::unordered_map<std::string_view, Item> _items;
+};
+
+void findDuplicateColumns(const Definition& definition, WarningList& list) {
+  const auto placeOf = [&list](const XMLNode& result) { return list.places().valueOf(result, C_COLUMN); };
+  Repetitions<XMLNode, decltype(placeOf)> columns(
+      RuleNames::duplicateColumn, "the map names the column '%@' twice, and the last one wins", list, placeOf);
+  for (const XMLNode& result : definition.xml.children()) {
+    const OptionalStringView column = result.valueOfAttribute(C_COLUMN);
+    if (!isEmpty(column)) columns.take(*column, result, result);
+  }
+}
+
+// In an attribute with names, which may have a mark in front of them.
+void findRepeatedNames(const XMLNode& node, std::string_view attribute, std::string_view mark, std::string_view rule,
+                       std::string_view message, WarningList& list) {
+  std::optional<WrittenValue> written;
+  const auto placeOf = [&](std::string_view name) {
+    if (!written) written = list.places().writtenValueOf(node, attribute);
+    return written->of(name);
+  };
+  Repetitions<std::string_view, decltype(placeOf)> names(rule, message, list, placeOf);
+  for (OptionalStringView rest = node.valueOfAttribute(attribute); rest;) {
+    std::string_view name = spaceBothEndsTrimmed(takePiece(rest, ','));
+    if (name.starts_with(mark)) name.remove_prefix(mark.size());
+    if (!name.empty()) names.take(name, name, node);
+  }
+}
+
+void findRepeatedProperties(const Definition& definition, WarningList& list) {
+  findRepeatedNames(definition.xml, C_PROPERTIES, "", RuleNames::repeatedProperty,
+                    "the pack names the property '%@' twice", list);
+}
+
+void findDuplicateArguments(const Definition& definition, WarningList& list) {
+  findRepeatedNames(definition.xml, C_ARGUMENTS, "$", RuleNames::duplicateArgument,
+                    "the argument '%@' is declared twice", list);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Content
+
+void findIgnoredContent(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  if (element.content != Content::PassedOver) return;
+  for (const XMLNode& child : node.children()) {
+    if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
+    const std::size_t begin = list.places().source().text().find_first_not_of(" \t\r\n", list.places().offsetOf(child));
+    list.add(RuleNames::ignoredContent, node, list.places().spanAt(begin),
+             "what stands in " + quoted(element.tag) + " is passed over");
+    return;
+  }
+}
+
+void findMisplacedWhen(const XMLNode& node, const ElementEntry& element, const ElementEntry* holder,
+                       WarningList& list) {
+  const bool when = element.tag == C_WHEN;
+  if ((!when && element.tag != C_OTHERWISE) || (holder && holder->tag == C_CHOOSE)) return;
+  Finding& finding = list.add(RuleNames::misplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
+                              quoted(element.tag) + " stands outside 'choose'");
+  finding.help = when ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
+}
+
+// A method that was built with a step has no other content than steps.
+void findLostResumable(const Definition& definition, WarningList& list) {
+  if (!definition.element) return;
+  XMLNode step;
+  for (const XMLNode& child : definition.xml.children()) {
+    if (child.name() != C_STEP) continue;
+    if (step) return;
+    step = child;
+  }
+  if (!booleanAttributeValue(step.valueOfAttribute(C_RESUMABLE))) return;
+  list.add(RuleNames::lostResumable, step, list.places().nameOf(step, C_RESUMABLE),
+           "a single step is not resumable: it is taken as if its content stood in the method");
+}
+
+// ---------------------------------------------------------------------------------------------
+// The way through a definition
+
+struct DefinitionRule {
+  std::string_view tag;
+  void (*find)(const Definition& definition, WarningList& list);
+};
+
+constexpr std::array<DefinitionRule, 10> definitionRules = {{
+    {C_MAP, findDuplicateColumns},
+    {C_PACK, findRepeatedProperties},
+    {C_SELECT, findDuplicateArguments},
+    {C_UPDATE, findDuplicateArguments},
+    {C_INSERT, findDuplicateArguments},
+    {C_DELETE, findDuplicateArguments},
+    {C_UPDATE, findLostResumable},
+    {C_INSERT, findLostResumable},
+    {C_DELETE, findLostResumable},
+    {C_UPGRADE, findLostResumable},
+}};
+
+bool isDefinition(std::string_view tag) {
+  const auto tags = definitionTags();
+  return std::find(tags.begin(), tags.end(), tag) != tags.end();
+}
+
+void findInElement(const XMLNode& node, const ElementEntry* holder, bool built, WarningList& list) {
+  const ElementEntry* element = vocabularyEntryOf(node.name().value_or(std::string_view()));
+  if (!element || (holder && isDefinition(element->tag))) return;  // has an error
+  findUnreadAttributes(node, *element, list);
+  findDoubtfulValues(node, *element, list);
+  findIgnoredContent(node, *element, list);
+  findMisplacedWhen(node, *element, holder, list);
+  if (built) findUnfinishedReferences(node, *element, list);
+  if (element->content == Content::PassedOver) return;
+  for (const XMLNode& child : node.children()) {
+    if (child.kind() == XMLNodeKind::Element) findInElement(child, element, built, list);
+  }
+}
+
+}  // namespace
+
+void findWarningsIn(const Definition& definition, WarningList& list) {
+  if (!isDefinition(definition.tag())) return;
+  list.setDefinition(definition);
+  findInElement(definition.xml, nullptr, definition.element != nullptr, list);
+  for (const DefinitionRule& rule : definitionRules) {
+    if (rule.tag == definition.tag()) rule.find(definition, list);
+  }
+}
+
+}  // namespace korvex

@@ -1,0 +1,103 @@
+#include "checks/ErrorHints.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "checks/NearMiss.h"
+#include "korvex/QXDAOElement.h"
+#include "language/Vocabulary.h"
+#include "platform/Tables.h"
+
+namespace korvex {
+
+namespace {
+
+std::string_view tagOf(const XMLNode& node) { return node.name().value_or(std::string_view()); }
+
+std::string hintAtDefinition(const XMLNode& node) { return didYouMean(tagOf(node), definitionTags()); }
+
+bool isFragment(const ElementEntry& element) {
+  const auto tags = definitionTags();
+  return element.tag != C_RESULT && std::find(tags.begin(), tags.end(), element.tag) == tags.end();
+}
+
+// An element that there is stands in the wrong place: its tag is meant.
+std::string hintAtElement(const XMLNode& node) {
+  if (vocabularyEntryOf(tagOf(node))) return {};
+  std::vector<std::string_view> tags;
+  for (const ElementEntry& element : vocabulary()) {
+    if (isFragment(element)) tags.push_back(element.tag);
+  }
+  return didYouMean(tagOf(node), tags);
+}
+
+bool isNeeded(const ElementEntry& element, const AttributeEntry& attribute) {
+  const auto& needed = element.neededAttributes;
+  return attribute.required || std::find(needed.begin(), needed.end(), attribute.name) != needed.end();
+}
+
+// Attributes that an element does not have, though without them, or with others in their place, it is refused.
+std::vector<std::string_view> missingAttributes(const XMLNode& node, const ElementEntry& element) {
+  std::vector<std::string_view> missing;
+  for (const AttributeEntry& attribute : element.attributes) {
+    if (!isEmpty(node.valueOfAttribute(attribute.name))) {
+      if (element.attributeRule == AttributeRule::ExactlyOne) return {};
+    } else if (element.attributeRule != AttributeRule::OthersPassedOver || isNeeded(element, attribute)) {
+      missing.push_back(attribute.name);
+    }
+  }
+  return missing;
+}
+
+std::string hintAtAttributes(const XMLNode& node) {
+  const ElementEntry* element = vocabularyEntryOf(tagOf(node));
+  if (!element) return {};
+  const std::vector<std::string_view> missing = missingAttributes(node, *element);
+  for (const XMLAttribute& attribute : node.attributes()) {
+    const std::string_view name = *attribute.name();
+    if (attributeEntryOf(*element, name)) continue;
+    const std::string meant = didYouMean(name, missing);
+    if (meant.empty()) continue;
+    return std::string("'").append(element->tag).append("' has no attribute '").append(name).append("'; ") + meant;
+  }
+  return {};
+}
+
+// Every definition of an unknown tag lacks its name first of all.
+std::string hintAtName(const XMLNode& node) {
+  const auto tags = definitionTags();
+  if (std::find(tags.begin(), tags.end(), tagOf(node)) != tags.end()) return hintAtAttributes(node);
+  const std::string meant = hintAtDefinition(node);
+  return std::string("no definition is called '").append(tagOf(node)) + (meant.empty() ? "'" : "'; ") + meant;
+}
+
+struct HintRule {
+  std::string_view rule;
+  std::string (*hint)(const XMLNode& node);
+};
+
+constexpr std::array<HintRule, 13> hintRules = {{
+    {"missing-name", hintAtName},
+    {"unknown-definition", hintAtDefinition},
+    {"unknown-element", hintAtElement},
+    {"upgrade-format", hintAtAttributes},
+    {"missing-result", hintAtAttributes},
+    {"condition-format", hintAtAttributes},
+    {"foreach-parameters", hintAtAttributes},
+    {"fragment-format", hintAtAttributes},
+    {"crypt-format", hintAtAttributes},
+    {"missing-map-result", hintAtAttributes},
+    {"map-format", hintAtAttributes},
+    {"missing-pack-column", hintAtAttributes},
+    {"missing-pack-properties", hintAtAttributes},
+}};
+
+}  // namespace
+
+std::string hintAbout(const Rule& rule, const XMLNode& origin) {
+  const HintRule* row = rowWith(hintRules, &HintRule::rule, rule.name);
+  return row && origin.kind() == XMLNodeKind::Element ? row->hint(origin) : std::string();
+}
+
+}  // namespace korvex

@@ -1,0 +1,40 @@
+// What is wrong with a definition document, or looks as if it were.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "checks/Rules.h"
+#include "korvex/XMLNode.h"
+
+namespace korvex {
+
+// Another place that a finding is about, such as the first of two that bear the same name.
+struct Related {
+  std::string path;
+  XMLPosition position;
+  std::string message;
+};
+
+struct Finding {
+  // The definition at fault; a document that cannot be read as a whole has none.
+  struct InDefinition {
+    std::string tag;
+    OptionalString name;  // its "id"
+    std::size_t line = 0;
+  };
+
+  const Rule* rule = nullptr;           // the rule that is violated; never null in a finding that is handed out
+  Severity severity = Severity::Error;  // that of the rule, unless warnings are taken for errors
+  std::string path;
+  XMLPosition position;
+  XMLPosition end;  // one past the last character
+  std::string message;
+  std::string help;  // how to mend it; may be empty
+  std::vector<Related> related;
+  std::optional<InDefinition> definition;
+};
+
+}  // namespace korvex

@@ -1,0 +1,187 @@
+#include "checks/ListReferenceWarnings.h"
+
+#include <array>
+#include <functional>
+#include <optional>
+
+#include "checks/RuleNames.h"
+#include "checks/SqlSkipping.h"
+#include "dao/core/Reading.h"
+#include "dao/fragments/ListReferenceScan.h"
+#include "korvex/QXDAOElement.h"
+#include "platform/Tables.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr std::string_view openingOfReference = "%{";
+
+// The first opening that stands in no SQL string, quoted name or comment; npos when there is none.
+std::size_t openingOutsideQuotes(std::string_view text) {
+  constexpr std::string_view openings = "%'\"`[-/";
+  SqlStretches stretches(text);
+  std::size_t at = text.find_first_of(openings);
+  while (at != std::string_view::npos && !text.substr(at).starts_with(openingOfReference)) {
+    at = text.find_first_of(openings, stretches.at(at).end);
+  }
+  return at;
+}
+
+// ---------------------------------------------------------------------------------------------
+// References that were written out, and took text away with them
+
+bool isBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+
+// What is wrong with a reference whose parts do not make up all of it; empty when nothing is. Text before and behind
+// the format is passed over, and without entries the format itself is.
+std::string_view lossOf(const ReferenceList& reference) {
+  const std::string_view inside = reference.inside;
+  if (!reference.stars) return "this list reference has no entries: nothing is left of it";
+  const auto formatBegin = static_cast<std::size_t>(reference.format.data() - inside.data());
+  const auto starsBegin = static_cast<std::size_t>(reference.stars->data() - inside.data());
+  const std::size_t formatEnd = formatBegin + reference.format.size();
+  const bool parted = std::less<>()(inside.data(), reference.format.data()) && formatEnd + 2 <= starsBegin &&
+                      isBlank(inside.substr(0, formatBegin - 1)) &&
+                      isBlank(inside.substr(formatEnd + 1, starsBegin - 1 - (formatEnd + 1)));
+  return parted ? std::string_view() : "text in this list reference is passed over";
+}
+
+struct Loss {
+  std::string_view message;
+  std::size_t opening = 0;
+};
+
+// Takes the first reference that loses text; those that begin and end in one SQL comment do no harm.
+class LossFinder {
+ public:
+  explicit LossFinder(std::string_view text) : _text(text), _stretches(text) {}
+
+  void append(std::string_view /*text*/) {}
+  void append(const ReferenceList& reference) {
+    if (_loss) return;
+    const std::string_view message = lossOf(reference);
+    if (message.empty()) return;
+    const auto begin = static_cast<std::size_t>(reference.inside.data() - _text.data());
+    if (isInComment(begin, begin + reference.inside.size())) return;
+    _loss = Loss{message, begin - openingOfReference.size()};
+  }
+
+  [[nodiscard]] const std::optional<Loss>& loss() const { return _loss; }
+
+ private:
+  // Asked for places further and further on.
+  bool isInComment(std::size_t begin, std::size_t end) {
+    while (_stretch.end <= begin) _stretch = _stretches.at(_stretch.end);
+    return _stretch.piece == SqlPiece::Comment && end < _stretch.end;
+  }
+
+  std::string_view _text;
+  SqlStretches _stretches;
+  SqlStretch _stretch;
+  std::optional<Loss> _loss;
+};
+
+std::optional<Loss> lossIn(std::string_view text) {
+  if (!mayHoldReference(text)) return std::nullopt;
+  ListReferenceScan<LossFinder> scan(text, LossFinder(text));
+  scan.run();
+  return scan.output().loss();
+}
+
+// ---------------------------------------------------------------------------------------------
+// References that were not written out
+
+// Where in the text the opening stands that is still in its expansion, at `place`: in the part before the first
+// reference that was written out, or in the part behind the last; else the first one there is.
+std::size_t openingBeforeExpansion(std::string_view text, std::string_view expanded, std::size_t place) {
+  if (text.substr(0, place) == expanded.substr(0, place) && text.substr(place).starts_with(openingOfReference)) {
+    return place;
+  }
+  const std::string_view behind = expanded.substr(place);
+  return text.ends_with(behind) ? text.size() - behind.size() : text.find(openingOfReference);
+}
+
+// The opening in the source: of those behind `from`, the one that has as many before it as in the text. It may be
+// written with character references; then `from` is as near as one gets.
+Span placeInSource(const Places& places, std::size_t from, std::string_view text, std::size_t opening) {
+  constexpr std::size_t mostPerByte = 16;  // comments included
+  const std::string_view source = places.source().text().substr(from, mostPerByte * text.size());
+  std::size_t at = source.find(openingOfReference);
+  for (std::size_t other = text.find(openingOfReference); other < opening && at != std::string_view::npos;
+       other = text.find(openingOfReference, other + 1)) {
+    at = source.find(openingOfReference, at + 1);
+  }
+  if (at == std::string_view::npos) return places.spanAt(from);
+  return {from + at, from + at + openingOfReference.size()};
+}
+
+using SourceOffset = std::size_t (*)(const Places& places, const XMLNode& node);
+
+std::size_t beginOf(const Places& places, const XMLNode& node) { return places.offsetOf(node); }
+
+std::size_t contentOf(const Places& places, const XMLNode& node) {
+  const std::size_t begin = places.offsetOf(node);
+  const MarkupElement* element = places.elementAt(begin);
+  return element ? element->startTag.end : begin;
+}
+
+// The text begins in the source where `begin` says of that node.
+void findUnfinishedReference(const XMLNode& element, std::string_view text, const XMLNode& node, SourceOffset begin,
+                             WarningList& list) {
+  if (text.find(openingOfReference) == std::string_view::npos) return;
+  const auto placeOf = [&](std::size_t opening) {
+    return placeInSource(list.places(), begin(list.places(), node), text, opening);
+  };
+  if (const std::optional<Loss> loss = lossIn(text)) {
+    list.add(RuleNames::unfinishedListReference, element, placeOf(loss->opening), std::string(loss->message)).help =
+        "write %{'FORMAT', ENTRY, ENTRY}, or divide what is none: '%' || '{'";
+    return;
+  }
+  const auto written = QXDAOText::elementWithText(text);
+  const std::string_view expanded = *written->expression();
+  const std::size_t left = openingOutsideQuotes(expanded);
+  if (left == std::string_view::npos) return;
+  list.add(RuleNames::unfinishedListReference, element, placeOf(openingBeforeExpansion(text, expanded, left)),
+           "this list reference is not written out");
+}
+
+void findInTextNodes(const XMLNode& node, WarningList& list) {
+  for (const XMLNode& child : node.children()) {
+    const OptionalStringView text = child.text();
+    if (text) findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(*text), child, beginOf, list);
+  }
+}
+
+void findInForeach(const XMLNode& node, WarningList& list) {
+  const PlainText gathered = plainTextOf(node, [](std::string_view text) { return text; });
+  findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(gathered.text()), node, contentOf, list);
+}
+
+void findInSqlBlock(const XMLNode& node, WarningList& list) {
+  findUnfinishedReference(node, plainTextOf(node, spaceNewLineTabBothEndsTrimmed).text(), node, contentOf, list);
+}
+
+void findInConst(const XMLNode& node, WarningList& list) {
+  findUnfinishedReference(node, *node.onlyAttribute().stringValue(), node, beginOf, list);
+}
+
+struct TextRule {
+  std::string_view tag;
+  void (*find)(const XMLNode& node, WarningList& list);
+};
+
+constexpr std::array<TextRule, 3> gatheredTexts = {{
+    {C_FOREACH, findInForeach},
+    {C_SQL, findInSqlBlock},
+    {C_CONST, findInConst},
+}};
+
+}  // namespace
+
+void findUnfinishedReferences(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  if (const TextRule* rule = rowWith(gatheredTexts, &TextRule::tag, element.tag)) return rule->find(node, list);
+  if (element.content == Content::TextAndElements) findInTextNodes(node, list);
+}
+
+}  // namespace korvex

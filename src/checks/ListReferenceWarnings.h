@@ -1,0 +1,12 @@
+// Warnings about list references that hardly become what was meant.
+#pragma once
+
+#include "checks/WarningList.h"
+#include "language/Vocabulary.h"
+
+namespace korvex {
+
+// In the texts that the element itself holds, not in those of elements inside it.
+void findUnfinishedReferences(const XMLNode& node, const ElementEntry& element, WarningList& list);
+
+}  // namespace korvex

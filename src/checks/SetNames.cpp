@@ -1,0 +1,76 @@
+#include "checks/SetNames.h"
+
+#include <algorithm>
+
+#include "checks/RuleNames.h"
+#include "platform/Tables.h"
+
+namespace korvex {
+
+namespace {
+
+struct NamedKind {
+  QXDAOElementKind kind;
+  std::string_view message;
+};
+
+// Methods share their names, whatever they do.
+constexpr std::array<NamedKind, 4> namedKinds = {{
+    {QXDAOElementKindMethod, "another method has the name '%@'"},
+    {QXDAOElementKindMap, "another map has the name '%@'"},
+    {QXDAOElementKindSqlBlock, "another sql block has the name '%@'"},
+    {QXDAOElementKindConst, "another constant has the name '%@'"},
+}};
+
+Span placeOfName(const Definition& definition, const Places& places) {
+  if (definition.tag() != C_CONST) return places.valueOf(definition.xml, C_ID);
+  return places.nameOf(definition.xml, *definition.element->name());
+}
+
+}  // namespace
+
+void SetNames::add(const std::vector<Definition>& definitions, WarningList& list) {
+  _documents.push_back(list.path());
+  for (const Definition& definition : definitions) {
+    if (definition.tag() == C_MAP) _maps.emplace(definition.xml.valueOfAttribute(C_ID).value_or(std::string_view()));
+    if (definition.error) addRefused(definition.xml);
+    if (const std::optional<Name> name = nameOf(definition)) addNamed(*name, definition, list);
+  }
+}
+
+// The name is an attribute's value, or of a constant an attribute's name.
+void SetNames::addRefused(const XMLNode& definition) {
+  if (const OptionalStringView id = definition.valueOfAttribute(C_ID)) _refused.emplace(*id);
+  if (definition.name() != C_CONST) return;
+  for (const XMLAttribute& attribute : definition.attributes()) _refused.emplace(*attribute.name());
+}
+
+std::optional<SetNames::Name> SetNames::nameOf(const Definition& definition) {
+  if (!definition.element || !definition.element->name()) return std::nullopt;
+  const auto* row = rowWith(namedKinds, &NamedKind::kind, definition.element->kind());
+  if (!row) return std::nullopt;
+  return Name{static_cast<std::size_t>(row - namedKinds.data()), std::string(*definition.element->name())};
+}
+
+bool SetNames::isRepeated(const Name& name) const {
+  return _repeated[name.kind].contains(name.name) || _refused.contains(name.name);
+}
+
+void SetNames::addNamed(const Name& name, const Definition& definition, WarningList& list) {
+  const auto [first, isNew] =
+      _first[name.kind].try_emplace(name.name, Place{_documents.size() - 1, definition.position()});
+  if (isNew) return;
+  _repeated[name.kind].insert(name.name);
+  list.setDefinition(definition);
+  Finding& finding = list.add(RuleNames::duplicateName, definition.xml, placeOfName(definition, list.places()),
+                              filledFormat(namedKinds[name.kind].message, name.name));
+  finding.related.push_back({_documents[first->second.document], first->second.position, "the first one is here"});
+}
+
+std::vector<std::string_view> SetNames::mapNames() const {
+  std::vector<std::string_view> names(_maps.begin(), _maps.end());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace korvex

@@ -1,0 +1,73 @@
+#include "checks/Silences.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace korvex {
+
+namespace {
+
+constexpr std::string_view whiteSpace = " \t\r\n";
+
+// Takes a word and the white space around it off the text; false when the text does not begin with it.
+bool takeWord(std::string_view& text, std::string_view word) {
+  text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+  if (!text.starts_with(word)) return false;
+  text.remove_prefix(word.size());
+  return true;
+}
+
+// The name in "korvex: allow NAME"; absent in any other comment.
+std::optional<std::string_view> nameIn(std::string_view comment) {
+  constexpr std::size_t opening = 4;
+  constexpr std::size_t closing = 3;
+  comment = comment.substr(opening, comment.size() - opening - closing);
+  if (!takeWord(comment, "korvex:") || !takeWord(comment, "allow")) return std::nullopt;
+  const std::size_t begin = comment.find_first_not_of(whiteSpace);
+  if (begin == 0 || begin == std::string_view::npos) return std::nullopt;
+  return comment.substr(begin, comment.find_last_not_of(whiteSpace) + 1 - begin);
+}
+
+const Rule* warningNamed(std::string_view name) {
+  const Rule* rule = ruleNamed(name);
+  return rule && rule->severity == Severity::Warning ? rule : nullptr;
+}
+
+// Where the next markup begins when nothing but white space is before it.
+std::size_t markupBehind(const Places& places, std::size_t offset) {
+  return places.source().text().find_first_not_of(whiteSpace, offset);
+}
+
+}  // namespace
+
+Silences::Silences(const Places& places) {
+  const std::vector<Span>& comments = places.markup().comments();
+  std::size_t nextComment = Silence::none;
+  std::size_t nextElement = Silence::none;
+  for (auto comment = comments.rbegin(); comment != comments.rend(); ++comment) {
+    const std::size_t behind = markupBehind(places, comment->end);
+    if (behind != nextComment) nextElement = places.elementAt(behind) ? behind : Silence::none;
+    nextComment = comment->begin;
+    if (const auto name = nameIn(places.markup().textOf(*comment))) {
+      _silences.push_back({*comment, *name, warningNamed(*name), nextElement});
+    }
+  }
+  std::reverse(_silences.begin(), _silences.end());
+}
+
+const Silence* Silences::use(const FoundWarning& warning) {
+  // Sorted by their comments, and those with an element by that, too: it is the next behind the comment.
+  auto silence = std::partition_point(_silences.begin(), _silences.end(), [&warning](const Silence& candidate) {
+    return candidate.comment.begin < warning.element;
+  });
+  while (silence != _silences.begin()) {
+    --silence;
+    if (silence->element != warning.element) break;
+    if (silence->rule != warning.finding.rule) continue;
+    silence->used = true;
+    return &*silence;
+  }
+  return nullptr;
+}
+
+}  // namespace korvex

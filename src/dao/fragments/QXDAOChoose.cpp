@@ -1,0 +1,51 @@
+#include <algorithm>
+#include <iterator>
+
+#include "dao/core/Messages.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+bool mayStandInChoose(const QXDAOElement* child, bool last) {
+  const auto* condition = QXDAOElementCast<QXDAOCondition>(child);
+  if (!condition || condition->type() == QXDAOConditionTypeIf) return false;
+  return last || condition->type() != QXDAOConditionTypeOtherwise;
+}
+
+// The place of the first child that breaks the rule, or the end.
+QXDAOElementList::const_iterator firstOffender(const QXDAOElementList& children) {
+  return std::find_if(children.begin(), children.end(), [&children](const std::unique_ptr<QXDAOElement>& child) {
+    return !mayStandInChoose(child.get(), child == children.back());
+  });
+}
+
+// The document node of a child: the walk makes one child of each element, in order. A text has
+// none; its parent stands for it.
+XMLNode nodeOfChild(const XMLNode& xml, const QXDAOElementList& children, QXDAOElementList::const_iterator child) {
+  const auto isElement = [](const auto& sibling) { return sibling->kind() != QXDAOElementKindText; };
+  if (!isElement(*child)) return xml;
+  auto before = std::count_if(children.begin(), child, isElement);
+  for (const XMLNode& node : xml.children()) {
+    if (node.kind() == XMLNodeKind::Element && before-- == 0) return node;
+  }
+  return xml;
+}
+
+}  // namespace
+
+void QXDAOChoose::initWithXML(const XMLNode& xml) {
+  QXDAOElement::initWithXML(xml);
+  if (xml.hasAttributes()) {
+    setError(filledFormat(Messages::invalidCondition, C_CHOOSE));
+    return;
+  }
+  processNodes(xml);
+  if (failed()) return;
+  const QXDAOElementList& list = *children();
+  const auto offender = firstOffender(list);
+  if (offender != list.end()) setError(std::string(Messages::chooseContent), nodeOfChild(xml, list, offender));
+}
+
+}  // namespace korvex

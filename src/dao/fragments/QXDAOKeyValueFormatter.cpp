@@ -1,0 +1,17 @@
+#include "dao/core/Messages.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+void QXDAOKeyValueFormatter::initWithXML(const XMLNode& xml) {
+  QXDAOElement::initWithXML(xml);
+  const auto [prefix, pairs, join] = xml.valuesOfAttributes(C_PREFIX, C_PAIRS, C_JOIN);
+  setPrefix(prefix);
+  setPairs(pairs);
+  setJoin(join);
+  if (isEmpty(prefix) || isEmpty(pairs) || isEmpty(join)) {
+    setError(filledFormat(Messages::invalidFragment, xml.name()));
+  }
+}
+
+}  // namespace korvex

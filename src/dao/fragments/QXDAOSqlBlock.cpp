@@ -1,0 +1,32 @@
+#include "dao/core/Messages.h"
+#include "dao/core/Reading.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+// No other character becomes "T" in upper case.
+bool isReservedName(std::string_view name) { return asciiLowerCase(name) == asciiLowerCase(C_RESERVED_TABLE); }
+
+}  // namespace
+
+void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
+  QXDAOElement::initNamedElementWithXML(xml);
+  if (failed()) return;
+  if (isReservedName(*name())) {
+    setError(filledFormat(Messages::reservedSqlName, C_RESERVED_TABLE));
+    return;
+  }
+  readText(xml);
+}
+
+// Each piece of text is trimmed on its own; comments between pieces leave nothing behind.
+void QXDAOSqlBlock::readText(const XMLNode& xml) {
+  const PlainText gathered = plainTextOf(xml, spaceNewLineTabBothEndsTrimmed);
+  if (gathered.offender())
+    setError(filledFormat(Messages::invalidSqlBlock, name()), nodeAtFault(gathered.offender(), xml));
+  _text = QXDAOText::elementWithText(gathered.text());
+}
+
+}  // namespace korvex

@@ -1,0 +1,109 @@
+// The scalar types of packed values: type codes and encodes, both ways.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+static_assert(std::endian::native == std::endian::little, "numbers are packed as they stand in memory: little-endian");
+
+struct PackScalar {
+  char typeCode;
+  QXDAOPackEncode encode;
+};
+
+inline constexpr std::array<PackScalar, 13> packScalars = {{
+    {'B', QXDAOPackEncodeBOOL},
+    {'c', QXDAOPackEncodeInt8},
+    {'C', QXDAOPackEncodeUInt8},
+    {'s', QXDAOPackEncodeInt16},
+    {'S', QXDAOPackEncodeUInt16},
+    {'i', QXDAOPackEncodeInt32},
+    {'I', QXDAOPackEncodeUInt32},
+    {'l', QXDAOPackEncodeInt64},
+    {'q', QXDAOPackEncodeInt64},
+    {'L', QXDAOPackEncodeUInt64},
+    {'Q', QXDAOPackEncodeUInt64},
+    {'f', QXDAOPackEncodeFloat},
+    {'d', QXDAOPackEncodeDouble},
+}};
+
+// The same by type code, which is ASCII.
+inline constexpr auto encodesByTypeCode = [] {
+  std::array<QXDAOPackEncode, 128> table{};
+  for (const PackScalar& scalar : packScalars) table[static_cast<std::size_t>(scalar.typeCode)] = scalar.encode;
+  return table;
+}();
+
+// The encode of a scalar type code; QXDAOPackEncodeNone for any other code.
+[[nodiscard]] constexpr QXDAOPackEncode convertEncode(int typeCode) {
+  const auto index = static_cast<std::size_t>(typeCode);
+  return index < encodesByTypeCode.size() ? encodesByTypeCode[index] : QXDAOPackEncodeNone;
+}
+
+// How many bytes a value of that encode takes; for positive encodes, known or not.
+[[nodiscard]] constexpr std::size_t valueBytes(QXDAOPackEncode encode) {
+  return static_cast<std::size_t>(encode) & 15U;
+}
+
+// Copies a scalar of that many bytes; for the usual widths the compiler needs no call.
+inline void copyScalar(void* target, const void* source, std::size_t width) {
+  switch (width) {
+    case sizeof(std::uint8_t):
+      std::memcpy(target, source, sizeof(std::uint8_t));
+      return;
+    case sizeof(std::uint16_t):
+      std::memcpy(target, source, sizeof(std::uint16_t));
+      return;
+    case sizeof(std::uint32_t):
+      std::memcpy(target, source, sizeof(std::uint32_t));
+      return;
+    case sizeof(std::uint64_t):
+      std::memcpy(target, source, sizeof(std::uint64_t));
+      return;
+    default:
+      std::memcpy(target, source, width);
+  }
+}
+
+// Whether two names of one length are the same, in words that may overlap.
+template <typename Word>
+[[nodiscard]] bool sameWords(const char* first, const char* second, std::size_t count) {
+  for (std::size_t at = 0; at < count; at += sizeof(Word)) {
+    at = std::min(at, count - sizeof(Word));
+    Word left;
+    Word right;
+    std::memcpy(&left, first + at, sizeof left);
+    std::memcpy(&right, second + at, sizeof right);
+    if (left != right) return false;
+  }
+  return true;
+}
+
+[[nodiscard]] inline bool sameBytes(const char* first, const char* second, std::size_t count) {
+  if (count >= sizeof(std::uint64_t)) return sameWords<std::uint64_t>(first, second, count);
+  if (count >= sizeof(std::uint32_t)) return sameWords<std::uint32_t>(first, second, count);
+  return sameWords<std::uint8_t>(first, second, count);
+}
+
+// The bytes of a record before its value: the name's length, the name, a zero byte, the encode.
+[[nodiscard]] constexpr std::size_t headBytes(QXDAOPackNameLengthType nameLength) {
+  return sizeof nameLength + nameLength + 1 + sizeof(QXDAOPackEncode);
+}
+
+// Heads are kept and copied in blocks of this size, since copies of a fixed size need no call. So
+// a head is followed by unused bytes up to a multiple of it, and so is the place it is copied to.
+inline constexpr std::size_t headBlock = 16;
+
+[[nodiscard]] constexpr std::size_t headBlocksBytes(QXDAOPackNameLengthType nameLength) {
+  return (headBytes(nameLength) + headBlock - 1) / headBlock * headBlock;
+}
+
+}  // namespace korvex

@@ -1,0 +1,142 @@
+// The layouts of a pack: for each class it has met, the packed properties with their fields and
+// type codes, sorted by name.
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <mutex>
+#include <new>
+#include <span>
+
+#include "dao/mapping/PackEncode.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr std::size_t longestName = std::numeric_limits<QXDAOPackNameLengthType>::max();
+
+// The name after ",V" in a property's attributes; absent when no field backs the property or when
+// the name is too long.
+OptionalStringView fieldNameIn(std::string_view attributes) {
+  const std::size_t mark = attributes.find(",V");
+  if (mark == std::string_view::npos) return std::nullopt;
+  const std::string_view rest = attributes.substr(mark + 2);
+  const std::string_view name = rest.substr(0, rest.find(','));
+  return name.size() > longestName ? OptionalStringView() : name;
+}
+
+std::int8_t encodeOf(const ModelField& field) {
+  const std::string_view typeEncoding = getFieldTypeEncoding(field);
+  if (typeEncoding == numberTypeCode) return QXDAOPackEncodeNumber;
+  if (typeEncoding == stringTypeCode) return QXDAOPackEncodeString;
+  return typeEncoding.starts_with('@') ? std::int8_t{0} : static_cast<std::int8_t>(typeEncoding.front());
+}
+
+QXDAOPackEncode recordEncodeOf(std::int8_t encode_c) {
+  return encode_c < 0 ? static_cast<QXDAOPackEncode>(encode_c) : convertEncode(encode_c);
+}
+
+QXDAOPackPropertyInfo propertyInfo(const ModelClass& cls, const std::string& listedName) {
+  const ModelProperty* property = getProperty(cls, listedName);
+  if (!property) return {};
+  const std::string_view name = getPropertyName(*property);
+  const OptionalStringView fieldName = fieldNameIn(getPropertyAttributes(*property));
+  if (!fieldName || name.size() > longestName) return {};
+  const ModelField* field = getField(cls, *fieldName);
+  if (!field) return {};
+  const std::int8_t encode_c = encodeOf(*field);
+  return {.field = field,
+          .encode_c = encode_c,
+          .name = name.data(),
+          .length = static_cast<QXDAOPackNameLengthType>(name.size()),
+          .encode = recordEncodeOf(encode_c),
+          .offset = getFieldOffset(*field)};
+}
+
+// Bytes that the value of a record takes at most, that of a string without its text.
+std::size_t mostValueBytes(const QXDAOPackPropertyInfo& entry) {
+  return entry.encode == QXDAOPackEncodeString ? sizeof(QXDAOPackStringLengthType) : sizeof(std::uint64_t);
+}
+
+// A number's encode is that of its value: there the head has a place for it only.
+void writeHead(const QXDAOPackPropertyInfo& entry, char* head) {
+  *head = static_cast<char>(entry.length);
+  std::memcpy(head + 1, entry.name, std::size_t{entry.length} + 1);
+  std::memcpy(head + headBytes(entry.length) - sizeof entry.encode, &entry.encode, sizeof entry.encode);
+}
+
+// Writes the heads of all entries that have a field; false when there is no memory for them.
+bool prepareHeads(QXDAOPackClassInfo& info) {
+  const std::span<QXDAOPackPropertyInfo> entries(info.properties, static_cast<std::size_t>(info.count));
+  std::size_t bytes = 0;
+  for (const QXDAOPackPropertyInfo& entry : entries) {
+    bytes += headBlocksBytes(entry.length);
+    info.bytesWithoutTexts += headBytes(entry.length) + mostValueBytes(entry);
+  }
+  char* place = info.heads = new (std::nothrow) char[bytes]();
+  if (!place) return false;
+  for (QXDAOPackPropertyInfo& entry : entries) {
+    if (!entry.field) continue;
+    writeHead(entry, place);
+    entry.head = place;
+    place += headBlocksBytes(entry.length);
+  }
+  return true;
+}
+
+void release(QXDAOPackClassInfo* info) {
+  delete[] info->heads;
+  delete[] info->properties;
+  delete info;
+}
+
+}  // namespace
+
+int property_info_cmp(const QXDAOPackPropertyInfo& first, const QXDAOPackPropertyInfo& second) {
+  if (!first.name || !second.name) return static_cast<int>(!first.name) - static_cast<int>(!second.name);
+  const int order = std::memcmp(first.name, second.name, std::min(first.length, second.length));
+  return order != 0 ? order : first.length - second.length;
+}
+
+QXDAOPack::~QXDAOPack() {
+  for (QXDAOPackClassInfo* info = _head; info;) release(std::exchange(info, info->next));
+}
+
+const QXDAOPackClassInfo* QXDAOPack::getClassInfoWithObject(const ModelObject* object) const {
+  if (!object) return nullptr;
+  const ModelClass& cls = getClass(*object);
+  for (const auto* info = _head.load(std::memory_order_acquire); info; info = info->next) {
+    if (info->cls == &cls) return info;
+  }
+  QXDAOPackClassInfo* info = initializeWithClass(cls);
+  if (!info) return nullptr;
+  const std::lock_guard<SpinLock> guard(_lock);
+  info->next = _head.load(std::memory_order_relaxed);
+  _head.store(info, std::memory_order_release);
+  return info;
+}
+
+QXDAOPackClassInfo* QXDAOPack::initializeWithClass(const ModelClass& cls) const {
+  auto* info = new (std::nothrow) QXDAOPackClassInfo;
+  if (!info) return nullptr;
+  const std::span<const std::string> names = _propertyList ? std::span(*_propertyList) : std::span<const std::string>();
+  info->cls = &cls;
+  info->properties = new (std::nothrow) QXDAOPackPropertyInfo[names.size()];
+  if (!info->properties) {
+    release(info);
+    return nullptr;
+  }
+  info->count = static_cast<std::int32_t>(names.size());
+  std::transform(names.begin(), names.end(), info->properties,
+                 [&cls](const std::string& name) { return propertyInfo(cls, name); });
+  std::sort(info->properties, info->properties + info->count,
+            [](const auto& first, const auto& second) { return property_info_cmp(first, second) < 0; });
+  if (!prepareHeads(*info)) {
+    release(info);
+    return nullptr;
+  }
+  return info;
+}
+
+}  // namespace korvex

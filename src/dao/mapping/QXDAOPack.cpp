@@ -1,0 +1,41 @@
+#include <algorithm>
+
+#include "dao/core/Messages.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr std::size_t fewestProperties = 2;
+
+}  // namespace
+
+void QXDAOPack::initWithXML(const XMLNode& xml) {
+  QXDAOElement::initWithXML(xml);
+  setColumn(spaceBothEndsTrimmed(xml.valueOfAttribute(C_AS)));
+  if (isEmpty(column())) setError(std::string(Messages::emptyPackColumn));
+  const OptionalStringView properties = xml.valueOfAttribute(C_PROPERTIES);
+  if (isEmpty(properties)) setError(filledFormat(Messages::emptyPackProperties, column()));
+  if (failed()) return;
+  readPropertyList(*properties);
+  if (failed()) return;
+  if (const OptionalStringView crypt = spaceBothEndsTrimmed(xml.valueOfAttribute(C_CRYPT))) {
+    _crypted = asciiLowerCase(*crypt) == C_TRUE;
+  }
+}
+
+void QXDAOPack::readPropertyList(std::string_view properties) {
+  const auto count = 1 + static_cast<std::size_t>(std::count(properties.begin(), properties.end(), ','));
+  if (count < fewestProperties) {
+    setError(filledFormat(Messages::tooFewPackProperties, column()));
+    return;
+  }
+  _propertyList.emplace();
+  _propertyList->reserve(count);
+  for (OptionalStringView rest = properties; rest;) {
+    _propertyList->emplace_back(spaceBothEndsTrimmed(takePiece(rest, ',')));
+  }
+}
+
+}  // namespace korvex

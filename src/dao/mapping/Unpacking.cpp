@@ -1,0 +1,174 @@
+// Packed column values back into objects; docs/packed-format.md gives the bytes.
+#include <algorithm>
+#include <cstring>
+#include <span>
+
+#include "dao/mapping/PackEncode.h"
+#include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPackReader.h"
+
+namespace korvex {
+
+namespace {
+
+// Finds the entries that records belong to.
+class EntryFinder {
+ public:
+  explicit EntryFinder(const QXDAOPackClassInfo& layout)
+      : _entries(layout.properties, static_cast<std::size_t>(layout.count)) {}
+
+  // Records are written in the order of the entries: the entry after the last found, if it tells how its record
+  // begins, or null. A number object's does not, since it has the encode of its value.
+  [[nodiscard]] const QXDAOPackPropertyInfo* expected() const {
+    if (_next == _entries.size()) return nullptr;
+    const QXDAOPackPropertyInfo& entry = _entries[_next];
+    return entry.encode > 0 || entry.encode == QXDAOPackEncodeString ? &entry : nullptr;
+  }
+  void expectedWasFound() { ++_next; }
+
+  // The entry with that name and a field; null when the layout has none.
+  const QXDAOPackPropertyInfo* entryNamed(std::string_view name) {
+    if (!isAt(_next, name)) {
+      _next = placeOf(name);
+      if (!isAt(_next, name)) return nullptr;
+    }
+    return &_entries[_next++];
+  }
+
+ private:
+  [[nodiscard]] bool isAt(std::size_t place, std::string_view name) const {
+    return place < _entries.size() && _entries[place].name && _entries[place].length == name.size() &&
+           sameBytes(_entries[place].name, name.data(), name.size());
+  }
+
+  // Where the name is or would be.
+  [[nodiscard]] std::size_t placeOf(std::string_view name) const {
+    const QXDAOPackPropertyInfo pseudoInfo{.name = name.data(),
+                                           .length = static_cast<QXDAOPackNameLengthType>(name.size())};
+    const auto found =
+        std::lower_bound(_entries.begin(), _entries.end(), pseudoInfo,
+                         [](const auto& entry, const auto& wanted) { return property_info_cmp(entry, wanted) < 0; });
+    return static_cast<std::size_t>(found - _entries.begin());
+  }
+
+  std::span<const QXDAOPackPropertyInfo> _entries;
+  std::size_t _next = 0;
+};
+
+template <typename Bytes>
+std::uint64_t readAs(const char* bytes) {
+  Bytes read;
+  std::memcpy(&read, bytes, sizeof read);
+  return read;
+}
+
+std::uint64_t unusualBits(std::string_view bytes) {
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, bytes.data(), std::min(bytes.size(), sizeof bits));
+  return bits;
+}
+
+// A scalar's bytes in the low bytes, zeros above; of more than eight bytes the first eight. Read by
+// its own width and widened in a register: written into a wider variable it would be read back from
+// two stores, which the processor waits for.
+std::uint64_t scalarBits(std::string_view bytes) {
+  switch (bytes.size()) {
+    case sizeof(std::uint8_t):
+      return readAs<std::uint8_t>(bytes.data());
+    case sizeof(std::uint16_t):
+      return readAs<std::uint16_t>(bytes.data());
+    case sizeof(std::uint32_t):
+      return readAs<std::uint32_t>(bytes.data());
+    case sizeof(std::uint64_t):
+      return readAs<std::uint64_t>(bytes.data());
+    default:
+      return unusualBits(bytes);
+  }
+}
+
+// The type codes of numbers in the order of the encodes' type indexes.
+constexpr std::string_view numberTypeCodes = "BcCsSiIqQfd";
+
+// A bool takes any byte but 0 as true, since it can hold nothing else; of a longer value the low
+// bytes are taken.
+std::uint64_t bitsFor(QXDAOPackEncode encode, std::uint64_t bits) {
+  const std::uint64_t kept = bits & (~std::uint64_t{0} >> (64 - 8 * valueBytes(encode)));
+  return encode == QXDAOPackEncodeBOOL && kept != 0 ? 1 : kept;
+}
+
+// The number of a record; absent for an encode that is none of the known scalars.
+OptionalNumber numberOf(QXDAOPackEncode encode, std::uint64_t bits) {
+  const auto index = static_cast<std::size_t>(encode) >> 4U;
+  if (index >= numberTypeCodes.size() || convertEncode(numberTypeCodes[index]) != encode) return std::nullopt;
+  return NumberObject::fromBits(numberTypeCodes[index], bitsFor(encode, bits));
+}
+
+// The field's own width decides: a shorter value is extended by zeros.
+void storeScalar(char* field, QXDAOPackEncode encode, std::uint64_t bits) {
+  bits = bitsFor(encode, bits);
+  copyScalar(field, &bits, valueBytes(encode));
+}
+
+char* fieldOf(ModelObject& object, const QXDAOPackPropertyInfo& entry) {
+  return reinterpret_cast<char*>(&object) + entry.offset;
+}
+
+void storeText(void* field, const QXDAOPackPropertyInfo& entry, std::string_view bytes) {
+  entry.field->text.set(field, isValidUTF8(bytes) ? OptionalStringView(bytes) : std::nullopt);
+}
+
+// A record of the entry's own encode, and so of the field's own width.
+void storeValue(ModelObject& object, const QXDAOPackPropertyInfo& entry, std::string_view bytes) {
+  char* field = fieldOf(object, entry);
+  if (entry.encode == QXDAOPackEncodeString) {
+    storeText(field, entry, bytes);
+  } else if (entry.encode == QXDAOPackEncodeBOOL) {
+    *field = static_cast<char>(bytes.front() != 0);
+  } else {
+    copyScalar(field, bytes.data(), bytes.size());
+  }
+}
+
+// A record of whatever encode: strings and other values do not replace each other.
+void storeRecord(ModelObject& object, const QXDAOPackPropertyInfo& entry, const QXDAOPackRecord& record) {
+  char* field = fieldOf(object, entry);
+  if (record.encode == QXDAOPackEncodeString) {
+    if (entry.encode == QXDAOPackEncodeString) storeText(field, entry, record.bytes);
+  } else if (entry.encode == QXDAOPackEncodeNumber) {
+    entry.field->number.set(field, numberOf(record.encode, scalarBits(record.bytes)));
+  } else if (entry.encode > 0) {
+    storeScalar(field, entry.encode, scalarBits(record.bytes));
+  }
+}
+
+// Unpacks the next record if it begins as the expected entry's does, which is then found by one comparison.
+bool unpackExpected(ModelObject& object, EntryFinder& finder, QXDAOPackReader& reader) {
+  const QXDAOPackPropertyInfo* entry = finder.expected();
+  std::string_view bytes;
+  if (!entry || !reader.nextWithHead({entry->head, headBytes(entry->length)}, entry->encode, bytes)) return false;
+  storeValue(object, *entry, bytes);
+  finder.expectedWasFound();
+  return true;
+}
+
+// Unpacks the next record, whatever it is; false when there is none.
+bool unpackNext(ModelObject& object, EntryFinder& finder, QXDAOPackReader& reader) {
+  QXDAOPackRecord record;
+  if (reader.next(record) != QXDAOPackReadStatus::Record) return false;
+  if (const auto* entry = finder.entryNamed(record.name)) storeRecord(object, *entry, record);
+  return true;
+}
+
+}  // namespace
+
+void QXDAOPack::unpackWithObject(ModelObject* object, std::string_view data) const {
+  if (data.empty()) return;
+  const QXDAOPackClassInfo* layout = getClassInfoWithObject(object);
+  if (!layout) return;
+  EntryFinder finder(*layout);
+  QXDAOPackReader reader(data);
+  while (unpackExpected(*object, finder, reader) || unpackNext(*object, finder, reader)) {
+  }
+}
+
+}  // namespace korvex

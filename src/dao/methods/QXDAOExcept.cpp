@@ -1,0 +1,17 @@
+#include "dao/core/Messages.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+void QXDAOExcept::initWithXML(const XMLNode& xml, QXDAOTry* tryElement) {
+  QXDAOElement::initWithXML(xml);
+  const OptionalStringView methodName = tryElement->parentMethod()->name();
+  if (tryElement->exceptElement()) setError(filledFormat(Messages::tooManyExcepts, methodName));
+  if (xml.hasAttributes()) setError(filledFormat(Messages::invalidExcept, methodName));
+  if (failed()) return;
+  tryElement->setExceptElement(this);
+  _tryElement = tryElement;
+  processNodes(xml);
+}
+
+}  // namespace korvex

@@ -1,0 +1,12 @@
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+void QXDAOMethodStep::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
+  QXDAOElement::initWithXML(xml);
+  _parentMethod = parentMethod;
+  _resumable = booleanAttributeValue(xml.valueOfAttribute(C_RESUMABLE));
+  processNodes(xml);
+}
+
+}  // namespace korvex

@@ -1,0 +1,26 @@
+#include "dao/core/Messages.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+void QXDAOTry::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
+  QXDAOElement::initWithXML(xml);
+  _parentMethod = parentMethod;
+  _parentMethod->setTryBlock(true);
+  if (xml.hasAttributes()) {
+    setError(filledFormat(Messages::invalidTry, _parentMethod->name()));
+    return;
+  }
+  processNodes(xml);
+  if (failed()) {
+    _exceptElement = nullptr;  // it went with the walk's children
+    return;
+  }
+  if (!endsWithExcept()) setError(filledFormat(Messages::invalidTry, _parentMethod->name()));
+}
+
+bool QXDAOTry::endsWithExcept() const {
+  return _exceptElement != nullptr && children()->back().get() == _exceptElement;
+}
+
+}  // namespace korvex

@@ -1,0 +1,174 @@
+#include "korvex/QXDAOEvaluator.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace korvex {
+
+namespace {
+
+// What a character can be part of; a table, since every character of every condition is looked up.
+enum CharacterClass : std::uint8_t {
+  Digit = 1U << 0U,
+  NameStart = 1U << 1U,
+  WhiteSpace = 1U << 2U,
+  Quote = 1U << 3U,
+  Bracket = 1U << 4U,
+  Point = 1U << 5U,
+  Operator = 1U << 6U,
+  NotASCII = 1U << 7U,
+};
+
+// Longer operators first, so that the first match is the longest.
+constexpr std::array<std::string_view, 28> operators = {"===", "!==", "==", "!=", "<>", "<=", ">=", "&&", "||", "<<",
+                                                        ">>",  "+",   "-",  "*",  "/",  "%",  "=",  "<",  ">",  "!",
+                                                        "?",   ":",   ",",  "~",  "&",  "|",  "^",  "."};
+
+constexpr auto classesOfCharacters = [] {
+  std::array<std::uint8_t, 256> table{};
+  const auto add = [&table](std::string_view characters, std::uint8_t classes) {
+    for (const char character : characters) table[static_cast<unsigned char>(character)] |= classes;
+  };
+  add("0123456789", Digit);
+  add("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_$", NameStart);
+  add(" \t\n\v\f\r", WhiteSpace);
+  add("'\"", Quote);
+  add("()[]{}", Bracket);
+  add(".", Point);
+  for (const std::string_view symbol : operators) add(symbol, Operator);
+  for (std::size_t byte = 0x80; byte < table.size(); ++byte) table[byte] = NameStart | NotASCII;
+  return table;
+}();
+
+template <unsigned classes>
+bool is(char character) {
+  return (classesOfCharacters[static_cast<unsigned char>(character)] & classes) != 0;
+}
+
+template <typename Predicate>
+std::size_t countWhile(std::string_view text, std::size_t from, Predicate predicate) {
+  std::size_t end = from;
+  while (end < text.size() && predicate(text[end])) ++end;
+  return end - from;
+}
+
+bool characterAt(std::string_view text, std::size_t at, std::string_view wanted) {
+  return at < text.size() && wanted.find(text[at]) != std::string_view::npos;
+}
+
+template <unsigned classes>
+bool classAt(std::string_view text, std::size_t at) {
+  return at < text.size() && is<classes>(text[at]);
+}
+
+// Characters that word processors put in place of spaces and quotes. As part of a name they would
+// go unseen.
+constexpr std::array<std::string_view, 5> lookalikes = {"\u00A0", "\u2018", "\u2019", "\u201C", "\u201D"};
+
+bool holdsLookalike(std::string_view name) {
+  if (std::none_of(name.begin(), name.end(), is<NotASCII>)) return false;
+  return std::any_of(lookalikes.begin(), lookalikes.end(),
+                     [name](std::string_view character) { return name.find(character) != std::string_view::npos; });
+}
+
+// Each function below gives the length of its token at the front of the text, which begins with a character that such a
+// token may begin with; 0 when there is none.
+
+std::size_t lengthOfName(std::string_view text) {
+  std::size_t length = 0;
+  while (classAt<NameStart>(text, length)) {
+    length += countWhile(text, length, is<NameStart | Digit>);
+    if (!classAt<Point>(text, length)) return holdsLookalike(text.substr(0, length)) ? 0 : length;
+    ++length;
+  }
+  return 0;  // no name at all, or a dot without a name after it
+}
+
+std::size_t lengthOfExponent(std::string_view text, std::size_t at) {
+  if (!characterAt(text, at, "eE")) return 0;
+  const std::size_t sign = characterAt(text, at + 1, "+-") ? 1 : 0;
+  const std::size_t count = countWhile(text, at + 1 + sign, is<Digit>);
+  return count == 0 ? 0 : 1 + sign + count;
+}
+
+// Of a text that begins with a digit or a point.
+std::size_t lengthOfNumber(std::string_view text) {
+  const std::size_t whole = countWhile(text, 0, is<Digit>);
+  std::size_t length = whole;
+  if (classAt<Point>(text, length)) {
+    const std::size_t fraction = countWhile(text, length + 1, is<Digit>);
+    if (whole + fraction == 0) return 0;
+    length += 1 + fraction;
+  }
+  length += lengthOfExponent(text, length);
+  return classAt<NameStart | Digit | Point>(text, length) ? 0 : length;
+}
+
+std::size_t lengthOfString(std::string_view text) {
+  for (std::size_t at = 1; at < text.size(); ++at) {
+    if (text[at] == '\\') {
+      ++at;
+    } else if (text[at] == text[0]) {
+      return at + 1;
+    }
+  }
+  return 0;
+}
+
+std::size_t lengthOfOperator(std::string_view text) {
+  const auto* found = std::find_if(operators.begin(), operators.end(), [text](std::string_view symbol) {
+    return text.front() == symbol.front() && text.starts_with(symbol);
+  });
+  return found == operators.end() ? 0 : found->size();
+}
+
+std::size_t lengthOfBracket(std::string_view /*text*/) { return 1; }
+
+struct TokenRule {
+  QXDAOTokenType type;
+  unsigned begins;  // the classes of the characters that such a token may begin with
+  std::size_t (*length)(std::string_view text);
+};
+
+constexpr std::array<TokenRule, 5> tokenRules = {{
+    {QXDAOTokenTypeName, NameStart, lengthOfName},
+    {QXDAOTokenTypeNumber, Digit | Point, lengthOfNumber},
+    {QXDAOTokenTypeString, Quote, lengthOfString},
+    {QXDAOTokenTypeOperator, Operator, lengthOfOperator},
+    {QXDAOTokenTypeBracket, Bracket, lengthOfBracket},
+}};
+
+// Moves the first token of the text to the list; false when no rule knows it.
+bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
+  const unsigned classes = classesOfCharacters[static_cast<unsigned char>(text.front())];
+  for (const TokenRule& rule : tokenRules) {
+    if ((classes & rule.begins) == 0) continue;
+    if (const std::size_t length = rule.length(text); length != 0) {
+      tokens.push_back({rule.type, text.substr(0, length)});
+      text.remove_prefix(length);
+      return true;
+    }
+  }
+  return false;
+}
+
+void skipWhiteSpace(std::string_view& text) { text.remove_prefix(countWhile(text, 0, is<WhiteSpace>)); }
+
+// Most people put a space between two tokens.
+std::size_t usualTokenCount(std::string_view expression) {
+  return 1 + static_cast<std::size_t>(std::count(expression.begin(), expression.end(), ' '));
+}
+
+}  // namespace
+
+QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view expression) {
+  QXDAOTokenList tokens;
+  tokens.reserve(usualTokenCount(expression));
+  for (skipWhiteSpace(expression); !expression.empty(); skipWhiteSpace(expression)) {
+    if (!takeToken(expression, tokens)) return {};
+  }
+  return tokens;
+}
+
+}  // namespace korvex

@@ -1,0 +1,91 @@
+#include "loader/Decoding.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "korvex/Strings.h"
+#include "loader/DocumentErrors.h"
+#include "loader/ExpatParser.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+// Two bytes a character: a byte order mark, or a zero byte beside the first character.
+bool looksLikeUTF16(std::string_view bytes) {
+  const std::string_view first = bytes.substr(0, 2);
+  return first == "\xFE\xFF" || first == "\xFF\xFE" || first.find('\0') != std::string_view::npos;
+}
+
+std::string_view xmlDeclaration(std::string_view bytes) {
+  if (!bytes.starts_with("<?xml")) return {};
+  return bytes.substr(0, bytes.find("?>"));
+}
+
+void skipWhiteSpace(std::string_view& text) {
+  text.remove_prefix(std::min(text.find_first_not_of(xmlWhiteSpace), text.size()));
+}
+
+// Whether an XML declaration leaves it at UTF-8. What it says in an unusual way counts as another
+// encoding: then the parser has the last word.
+bool declaresUTF8(std::string_view declaration) {
+  constexpr std::string_view keyword = "encoding";
+  const std::size_t at = declaration.find(keyword);
+  if (at == std::string_view::npos) return true;
+  std::string_view rest = declaration.substr(at + keyword.size());
+  skipWhiteSpace(rest);
+  if (!rest.starts_with('=')) return false;
+  rest.remove_prefix(1);
+  skipWhiteSpace(rest);
+  const std::string value = asciiLowerCase(rest.substr(0, 7));
+  return value == "\"utf-8\"" || value == "'utf-8'";
+}
+
+bool isUTF8(std::string_view bytes) {
+  if (looksLikeUTF16(bytes)) return false;
+  if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
+  // A second mark is no character of a document; the parser says so.
+  return !bytes.starts_with(byteOrderMark) && declaresUTF8(xmlDeclaration(bytes));
+}
+
+// The markup of a document as the parser hands it on, which is always in UTF-8.
+void XMLCALL appendMarkup(void* text, const XML_Char* markup, int length) {
+  static_cast<std::string*>(text)->append(markup, static_cast<std::size_t>(length));
+}
+
+std::string messageOf(XML_Error code) {
+  if (code == XML_ERROR_UNKNOWN_ENCODING) return "unknown encoding; use UTF-8, UTF-16, ISO-8859-1 or US-ASCII";
+  return XML_ErrorString(code);
+}
+
+// The text cannot be shown here, so the parser's own line and column have to do.
+DocumentError errorOf(const ExpatParser& parser) {
+  if (isOutOfMemory(parser)) return outOfMemory();
+  const XMLPosition position{XML_GetCurrentLineNumber(parser.get()), XML_GetCurrentColumnNumber(parser.get()) + 1};
+  return {DocumentErrorKind::Malformed, messageOf(XML_GetErrorCode(parser.get())), position};
+}
+
+// A parser that has nothing but a default handler gives the document back as it is, in UTF-8.
+DecodedText convertedText(std::string_view bytes) {
+  constexpr std::size_t mostGrowth = 2;  // ISO-8859-1: a byte becomes two
+  DecodedText decoded;
+  decoded.text.reserve(mostGrowth * bytes.size());  // now, and not in the parser's handler
+  const ExpatParser parser(XML_ParserCreate(nullptr));
+  XML_SetUserData(parser.get(), &decoded.text);
+  XML_SetDefaultHandler(parser.get(), appendMarkup);
+  if (!parseWhole(parser, bytes)) decoded.error = errorOf(parser);
+  return decoded;
+}
+
+}  // namespace
+
+DecodedText decodedText(std::string bytes) {
+  if (!isUTF8(bytes)) return convertedText(bytes);
+  if (bytes.starts_with(byteOrderMark)) bytes.erase(0, byteOrderMark.size());
+  return {std::move(bytes), std::nullopt};
+}
+
+}  // namespace korvex

@@ -1,0 +1,102 @@
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+#include "korvex/DefinitionLoader.h"
+#include "loader/Decoding.h"
+#include "loader/PugiTree.h"
+#include "loader/StrictPass.h"
+
+namespace korvex {
+
+namespace {
+
+DocumentError unreadable(int errorNumber) {
+  return {DocumentErrorKind::Unreadable, "cannot read the file: " + std::generic_category().message(errorNumber), {}};
+}
+
+DocumentError tooLarge(const LoadOptions& options) {
+  return {
+      DocumentErrorKind::TooLarge, "document is larger than " + std::to_string(options.maximumBytes) + " bytes", {}};
+}
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// Appends what the file holds, but not much more than `limit` bytes.
+void readBytes(const File& file, std::size_t limit, std::string& bytes) {
+  std::array<char, 65536> chunk{};
+  std::size_t count = chunk.size();
+  while (count == chunk.size() && bytes.size() <= limit) {
+    count = std::fread(chunk.data(), 1, chunk.size(), file.get());
+    bytes.append(chunk.data(), count);
+  }
+}
+
+}  // namespace
+
+class Document::Implementation {
+ public:
+  explicit Implementation(std::string text)
+      : _source(std::make_shared<const SourceText>(std::move(text))), _tree(*_source) {}
+
+  static Result load(std::string bytes, const LoadOptions& options) {
+    if (bytes.size() > options.maximumBytes) return {nullptr, tooLarge(options), nullptr};
+    DecodedText decoded = decodedText(std::move(bytes));
+    if (decoded.error) return {nullptr, std::move(decoded.error), nullptr};
+    auto implementation = std::make_unique<Implementation>(std::move(decoded.text));
+    Result result;
+    result.source = implementation->_source;
+    result.error = implementation->build(options);
+    if (!result.error) result.document.reset(new Document(std::move(implementation)));
+    return result;
+  }
+
+  [[nodiscard]] XMLNode root() const { return {_tree, _tree.root()}; }
+  [[nodiscard]] const SourceText& source() const { return *_source; }
+
+ private:
+  // Without the strict pass its rules for a DOCTYPE hold all the same, and it still explains what
+  // the fast parser stumbles over.
+  std::optional<DocumentError> build(const LoadOptions& options) {
+    if (options.strict) {
+      if (auto error = findSyntaxError(*_source)) return error;
+    }
+    auto parseError = _tree.parse(options);
+    if (parseError && parseError->kind == DocumentErrorKind::OutOfMemory) return parseError;
+    if (!options.strict && (parseError || _tree.hasInternalSubset())) {
+      if (auto error = findSyntaxError(*_source)) return error;
+    }
+    return parseError ? std::move(parseError) : _tree.arrange(options);
+  }
+
+  std::shared_ptr<const SourceText> _source;
+  PugiTree _tree;
+};
+
+Document::Document(std::unique_ptr<Implementation> implementation) : _implementation(std::move(implementation)) {}
+
+Document::~Document() = default;
+
+Document::Result Document::fromBytes(std::string bytes, const LoadOptions& options) {
+  return Implementation::load(std::move(bytes), options);
+}
+
+Document::Result Document::fromFile(const std::string& path, const LoadOptions& options) {
+  const File file(std::fopen(path.c_str(), "rb"));
+  if (!file) return {nullptr, unreadable(errno), nullptr};
+  std::string bytes;
+  readBytes(file, options.maximumBytes, bytes);
+  if (std::ferror(file.get()) != 0) return {nullptr, unreadable(errno), nullptr};
+  return Implementation::load(std::move(bytes), options);
+}
+
+XMLNode Document::root() const { return _implementation->root(); }
+
+const SourceText& Document::source() const { return _implementation->source(); }
+
+}  // namespace korvex

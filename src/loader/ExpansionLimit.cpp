@@ -1,0 +1,81 @@
+#include "loader/ExpansionLimit.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "dao/core/Reading.h"
+#include "korvex/QXDAOElement.h"
+
+namespace korvex {
+
+namespace {
+
+bool isMark(char character) { return character == ',' || character == '*'; }
+
+std::size_t expandedLength(std::string_view text) {
+  return text.find('%') == std::string_view::npos ? 0 : QXDAOText::expandedLength(text);
+}
+
+std::string_view asWritten(std::string_view text) { return text; }
+
+std::size_t lengthOfTexts(const XMLNode& element) {
+  std::size_t length = 0;
+  for (const XMLNode& node : element.children()) {
+    if (const OptionalStringView text = node.text()) length += expandedLength(spaceNewLineTabBothEndsTrimmed(*text));
+  }
+  return length;
+}
+
+// What the texts of an element itself expand to, by the way in which it reads them.
+std::size_t expandedLengthOf(const XMLNode& element) {
+  const OptionalStringView tag = element.name();
+  if (tag == C_CONST) return expandedLength(element.onlyAttribute().stringValue().value_or(std::string_view()));
+  if (tag == C_SQL) return expandedLength(plainTextOf(element, spaceNewLineTabBothEndsTrimmed).text());
+  if (tag == C_FOREACH) return expandedLength(plainTextOf(element, asWritten).text());
+  return lengthOfTexts(element);
+}
+
+DocumentError oversized(const XMLNode& element, const LoadOptions& options) {
+  return {DocumentErrorKind::TooLarge,
+          "list references expand to more than " + std::to_string(options.maximumExpandedBytes) + " bytes",
+          element.position().value_or(XMLPosition())};
+}
+
+}  // namespace
+
+void ExpansionBound::addText(std::string_view text) {
+  if (!_holdsSymbol) {
+    text.remove_prefix(std::min(text.find('%'), text.size()));
+    _holdsSymbol = !text.empty();
+  }
+  _runLength += text.size();
+  _runMarks += static_cast<std::size_t>(std::count_if(text.begin(), text.end(), isMark));
+}
+
+// Each star stands for one format, each "*" for all stars; a separator adds two bytes to a star.
+void ExpansionBound::endRun() {
+  if (_holdsSymbol) _bytes += (_runMarks + 1) * (_runLength + 2);
+  _holdsSymbol = false;
+  _runLength = 0;
+  _runMarks = 0;
+}
+
+std::optional<DocumentError> findOversizedExpansion(const XMLNode& root, const LoadOptions& options) {
+  std::size_t length = 0;
+  std::vector<XMLNode> elements = {root};  // those that are still to be looked at, the next one last
+  while (!elements.empty()) {
+    const XMLNode element = elements.back();
+    elements.pop_back();
+    length += expandedLengthOf(element);
+    if (length > options.maximumExpandedBytes) return oversized(element, options);
+    const auto firstChild = static_cast<std::ptrdiff_t>(elements.size());
+    for (const XMLNode& node : element.children()) {
+      if (node.kind() == XMLNodeKind::Element) elements.push_back(node);
+    }
+    std::reverse(elements.begin() + firstChild, elements.end());
+  }
+  return std::nullopt;
+}
+
+}  // namespace korvex

@@ -1,0 +1,15 @@
+// The vocabulary in words, as Markdown.
+#pragma once
+
+#include <string>
+
+#include "language/Vocabulary.h"
+
+namespace korvex::lsp {
+
+// What the element is for, its attributes and what may stand inside.
+[[nodiscard]] std::string descriptionOf(const ElementEntry& element);
+// What the attribute is for and which values it takes.
+[[nodiscard]] std::string descriptionOf(const AttributeEntry& attribute, const ElementEntry& element);
+
+}  // namespace korvex::lsp

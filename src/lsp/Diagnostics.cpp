@@ -1,0 +1,97 @@
+#include "lsp/Diagnostics.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+#include "checks/DocumentCheck.h"
+#include "korvex/DefinitionLoader.h"
+
+namespace korvex::lsp {
+
+namespace {
+
+constexpr int severityError = 1;
+constexpr int severityWarning = 2;
+constexpr std::size_t mostDiagnostics = 1000;
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+// The bytes of the mark in front of a text, which the loader drops.
+std::size_t sizeOfMark(std::string_view text) { return text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0; }
+
+// What an editor hands over is UTF-8, whatever its declaration says the file is: the encoding's place is filled with
+// spaces, so that every offset stays.
+std::string withoutEncoding(std::string text) {
+  const std::size_t end = text.find("?>");
+  const std::size_t begin = text.find(" encoding");
+  const bool declared = std::string_view(text).substr(sizeOfMark(text)).starts_with("<?xml");
+  if (!declared || end == std::string::npos || begin > end) return text;
+  const std::size_t quote = std::min(text.find_first_of("\"'", begin), end);
+  const std::size_t close = text.find(text[quote], quote + 1);
+  if (close < end) text.replace(begin, close + 1 - begin, close + 1 - begin, ' ');
+  return text;
+}
+
+// Editors show a message on one line.
+std::string messageOf(const Finding& finding) {
+  return finding.help.empty() ? finding.message : finding.message + " (" + finding.help + ")";
+}
+
+// Findings of a document for the protocol.
+class DiagnosticWriter {
+ public:
+  DiagnosticWriter(const TextDocument& text, const SourceText& source, bool withRelated)
+      : _text(text), _source(source), _withRelated(withRelated), _shift(sizeOfMark(text.text())) {}
+
+  [[nodiscard]] Json diagnostic(const Finding& finding) const {
+    Json result = {{"range", rangeOf(finding.position, finding.end)},
+                   {"severity", finding.severity == Severity::Error ? severityError : severityWarning},
+                   {"code", finding.rule->name},
+                   {"source", "korvex-dao"},
+                   {"message", messageOf(finding)}};
+    if (_withRelated && !finding.related.empty()) result["relatedInformation"] = relatedTo(finding);
+    return result;
+  }
+
+ private:
+  // Where the other places of a finding begin; all of them are in this document.
+  [[nodiscard]] Json relatedTo(const Finding& finding) const {
+    Json related = Json::array();
+    for (const Related& other : finding.related) {
+      related.push_back({{"location", {{"uri", _text.uri()}, {"range", rangeOf(other.position, other.position)}}},
+                         {"message", other.message}});
+    }
+    return related;
+  }
+
+  [[nodiscard]] Json rangeOf(const XMLPosition& begin, const XMLPosition& end) const {
+    return _text.rangeOf({_shift + _source.offset(begin), _shift + _source.offset(end)});
+  }
+
+  const TextDocument& _text;
+  const SourceText& _source;
+  bool _withRelated;
+  std::size_t _shift;  // from the source, which lacks the mark, to the text
+};
+
+std::vector<Finding> findingsIn(const Document::Result& result) {
+  if (result.error) return {findingOf({}, *result.error, result.source.get())};
+  return findingsOf({}, *result.document, loadDefinitions(*result.document));
+}
+
+}  // namespace
+
+Json diagnosticsOf(const MarkedDocument& document, bool withRelated) {
+  static const SourceText noSource{""};  // of a text that was refused unread
+  const Document::Result result = Document::fromBytes(withoutEncoding(document.text().text()));
+  const DiagnosticWriter writer(document.text(), result.source ? *result.source : noSource, withRelated);
+  Json diagnostics = Json::array();
+  for (const Finding& finding : findingsIn(result)) {
+    diagnostics.push_back(writer.diagnostic(finding));
+    if (diagnostics.size() == mostDiagnostics) break;
+  }
+  return diagnostics;
+}
+
+}  // namespace korvex::lsp

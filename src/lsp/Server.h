@@ -1,0 +1,69 @@
+// A language server for definition documents: the Language Server Protocol 3.17 over two streams.
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+
+#include "lsp/Json.h"
+#include "lsp/MessageStream.h"
+#include "lsp/Workspace.h"
+
+namespace korvex::lsp {
+
+class Server {
+ public:
+  static constexpr std::size_t usualMaximumBytes = std::size_t{64} * 1024 * 1024;
+
+  // The streams are not owned. Messages of more than `maximumBytes` are answered by an error.
+  Server(std::istream& in, std::ostream& out, std::size_t maximumBytes = usualMaximumBytes)
+      : _reader(in, maximumBytes), _out(out) {}
+
+  // Serves until the client says "exit" or its end of the pipe closes. True when the client asked for "shutdown" first,
+  // which the protocol makes the difference between the exit codes 0 and 1. No message ends it.
+  [[nodiscard]] bool run();
+
+ private:
+  struct Request;
+  struct Notification;
+  static const Request requests[];
+  static const Notification notifications[];
+
+  void take(const Frame& frame);
+  void takeMessage(const Json& message);
+  void answer(const Json& id, const std::string& method, const Json& params);
+  void notice(const std::string& method, const Json& params);
+
+  template <Json (Server::*answer)(const Json& params)>
+  [[nodiscard]] std::string asText(const Json& params);
+  [[nodiscard]] Json initialize(const Json& params);
+  [[nodiscard]] Json shutdown(const Json& params);
+  [[nodiscard]] Json complete(const Json& params);
+  [[nodiscard]] Json hover(const Json& params);
+  [[nodiscard]] Json findDefinition(const Json& params);
+  [[nodiscard]] Json findReferences(const Json& params);
+  [[nodiscard]] std::string listSymbols(const Json& params);
+
+  void didOpen(const Json& params);
+  void didChange(const Json& params);
+  void didClose(const Json& params);
+  void exit(const Json& params);
+
+  void publishDiagnostics(const MarkedDocument& document);
+  // The open document that the parameters name; null when there is none.
+  [[nodiscard]] MarkedDocument* documentIn(const Json& params);
+
+  void send(Json message);
+  void sendError(const Json& id, int code, const std::string& message);
+
+  enum class State { Started, Initialized, ShutDown, Ended };
+
+  MessageReader _reader;
+  std::ostream& _out;
+  Workspace _workspace;
+  State _state = State::Started;
+  bool _snippets = false;  // whether the client understands them, and the other places of a finding
+  bool _relatedInformation = false;
+  bool _orderly = false;
+};
+
+}  // namespace korvex::lsp

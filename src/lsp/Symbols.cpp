@@ -1,0 +1,130 @@
+#include "lsp/Symbols.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "korvex/QXDAOElement.h"
+#include "korvex/Strings.h"
+#include "lsp/Json.h"
+#include "platform/Tables.h"
+
+namespace korvex::lsp {
+
+namespace {
+
+// Numbers of the protocol's SymbolKind.
+constexpr int kindClass = 5;
+constexpr int kindMethod = 6;
+constexpr int kindVariable = 13;
+constexpr int kindConstant = 14;
+constexpr int kindString = 15;
+constexpr int kindKey = 20;
+constexpr int kindStruct = 23;
+
+constexpr std::string_view nothing;
+
+struct SymbolKind {
+  std::string_view tag;
+  int kind;
+  std::string_view nameAttribute;    // empty: the name of the first attribute is the name
+  std::string_view detailAttribute;  // what stands beside the name
+};
+
+constexpr std::array<SymbolKind, 10> symbolKinds = {{
+    {C_SELECT, kindMethod, C_ID, C_RESULT},
+    {C_UPDATE, kindMethod, C_ID, nothing},
+    {C_INSERT, kindMethod, C_ID, nothing},
+    {C_DELETE, kindMethod, C_ID, nothing},
+    {C_UPGRADE, kindMethod, C_TO_VERSION, nothing},
+    {C_SQL, kindString, C_ID, nothing},
+    {C_CONST, kindConstant, nothing, nothing},
+    {C_MAP, kindClass, C_ID, C_RESULT},
+    {C_CRYPT, kindKey, C_PROPERTY, C_CLASS},
+    {C_PACK, kindStruct, C_AS, C_PROPERTIES},
+}};
+
+const MarkupAttribute* attributeNamed(const Markup& markup, const MarkupElement& element, std::string_view name) {
+  for (const MarkupAttribute& attribute : element.attributes) {
+    if (attribute.value && (name.empty() || markup.textOf(attribute.name) == name)) return &attribute;
+  }
+  return nullptr;
+}
+
+// Writes symbols as JSON.
+class SymbolWriter {
+ public:
+  explicit SymbolWriter(const MarkedDocument& document) : _document(document) {}
+
+  [[nodiscard]] const std::string& text() const { return _text; }
+
+  void writeDefinition(const MarkupElement& element, const SymbolKind& tag) {
+    const Markup& markup = _document.markup();
+    const MarkupAttribute* naming = attributeNamed(markup, element, tag.nameAttribute);
+    Span place = element.name;
+    if (naming) place = tag.nameAttribute.empty() ? naming->name : *naming->value;
+    // The protocol does not allow an empty name.
+    const std::string_view written = markup.textOf(place);
+    beginSymbol(naming && !written.empty() ? written : tag.tag, tag.kind, element.whole, place);
+    std::string detail(tag.tag);
+    if (const auto more = markup.valueOf(element, tag.detailAttribute)) detail.append(" ").append(*more);
+    _text.append(R"(,"detail":)").append(textOf(detail)).append(R"(,"children":[)");
+    writeArguments(element);
+    _text.append("]}");
+  }
+
+ private:
+  // Of a method that declares some; empty pieces, which the loader refuses, are left out.
+  void writeArguments(const MarkupElement& element) {
+    const MarkupAttribute* declaration = attributeNamed(_document.markup(), element, C_ARGUMENTS);
+    if (!declaration) return;
+    const std::string_view text = _document.markup().textOf(*declaration->value);
+    for (const std::string_view piece : splitAt(text, ',')) {
+      std::string_view name = spaceBothEndsTrimmed(piece);
+      if (name.starts_with('$')) name.remove_prefix(1);
+      if (name.empty()) continue;
+      const std::size_t begin = declaration->value->begin + static_cast<std::size_t>(name.data() - text.data());
+      const Span span{begin, begin + name.size()};
+      beginSymbol(name, kindVariable, span, span);
+      _text.append("}");
+    }
+  }
+
+  void beginSymbol(std::string_view name, int kind, Span whole, Span selection) {
+    if (_text.ends_with('}')) _text.append(",");
+    _text.append(R"({"name":)").append(textOf(name)).append(R"(,"kind":)").append(std::to_string(kind));
+    writeRange(R"(,"range":)", whole);
+    writeRange(R"(,"selectionRange":)", selection);
+  }
+
+  void writeRange(std::string_view key, Span span) {
+    _text.append(key).append(R"({"start":)");
+    writePosition(_document.text().positionOf(span.begin));
+    _text.append(R"(,"end":)");
+    writePosition(_document.text().positionOf(span.end));
+    _text.append("}");
+  }
+
+  void writePosition(const Position& position) {
+    _text.append(R"({"line":)").append(std::to_string(position.line));
+    _text.append(R"(,"character":)").append(std::to_string(position.character)).append("}");
+  }
+
+  const MarkedDocument& _document;
+  std::string _text;
+};
+
+}  // namespace
+
+std::string symbolsOf(const MarkedDocument& document) {
+  SymbolWriter writer(document);
+  for (const MarkupElement& element : document.markup().elements()) {
+    const MarkupElement* parent = document.markup().parentOf(element);
+    const bool mayDefine = !parent || parent->parent == MarkupElement::none;
+    const SymbolKind* tag = rowWith(symbolKinds, &SymbolKind::tag, document.markup().nameOf(element));
+    if (mayDefine && tag) writer.writeDefinition(element, *tag);
+  }
+  return "[" + writer.text() + "]";
+}
+
+}  // namespace korvex::lsp

@@ -1,0 +1,138 @@
+#include "lsp/TextDocument.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvex::lsp {
+
+namespace {
+
+constexpr std::size_t bytesOfBlock = 1024;
+
+bool beginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
+
+// The UTF-16 units of a character, told by its first byte.
+std::size_t unitsOf(char firstByte) { return static_cast<unsigned char>(firstByte) >= 0xF0U ? 2 : 1; }
+
+// Of the characters that begin in the text.
+std::size_t countUnits(std::string_view text) {
+  std::size_t units = 0;
+  for (const char byte : text) units += beginsCharacter(byte) ? unitsOf(byte) : 0;
+  return units;
+}
+
+std::size_t beginOfCharacter(std::string_view text, std::size_t at) {
+  while (at < text.size() && !beginsCharacter(text[at])) ++at;
+  return at;
+}
+
+std::size_t numberOf(const Json& value) { return value.is_number_unsigned() ? value.get<std::size_t>() : 0; }
+
+Position positionOfJson(const Json& json) {
+  return {numberOf(member(json, "line")), numberOf(member(json, "character"))};
+}
+
+// Member by member: an answer has thousands of them, and in braces each member would be a list first.
+Json jsonOf(const Position& position) {
+  Json json = Json::object();
+  json["line"] = position.line;
+  json["character"] = position.character;
+  return json;
+}
+
+}  // namespace
+
+Json jsonOf(const Range& range) {
+  Json json = Json::object();
+  json["start"] = jsonOf(range.begin);
+  json["end"] = jsonOf(range.end);
+  return json;
+}
+
+Position positionIn(const Json& params) { return positionOfJson(member(params, "position")); }
+
+TextDocument::TextDocument(std::string uri, std::string text) : _uri(std::move(uri)) { replace({0, 0}, text); }
+
+void TextDocument::change(const Json& contentChange) {
+  const std::string replacement = stringOf(member(contentChange, "text"));
+  const Json& range = member(contentChange, "range");
+  if (!range.is_object()) return replace({0, _text.size()}, replacement);
+  const std::size_t begin = offsetOf(positionOfJson(member(range, "start")));
+  const std::size_t end = offsetOf(positionOfJson(member(range, "end")));
+  replace({begin, std::max(begin, end)}, replacement);
+}
+
+void TextDocument::replace(Span span, std::string_view replacement) {
+  _text.replace(span.begin, span.end - span.begin, replacement);
+  _unitsBeforeBlock.clear();
+  findLines(span, span.begin + replacement.size());
+}
+
+// A line ends with LF, CR LF or a CR alone, as in the loader. Lines that begin in front of what was replaced and behind
+// it stay. One that begins with it does not: a CR in front may be half of a line end now.
+void TextDocument::findLines(Span replaced, std::size_t end) {
+  const auto changed = std::lower_bound(_lineStarts.begin() + 1, _lineStarts.end(), replaced.begin);
+  const auto behind = std::upper_bound(changed, _lineStarts.end(), replaced.end);
+  for (auto start = behind; start != _lineStarts.end(); ++start) *start = *start - replaced.end + end;
+  const std::string_view text = std::string_view(_text).substr(0, end);
+  std::vector<std::size_t> found;
+  std::size_t at = text.find_first_of("\r\n", replaced.begin - std::min(replaced.begin, std::size_t{1}));
+  while (at != std::string_view::npos) {
+    at += _text.compare(at, 2, "\r\n") == 0 ? 2 : 1;
+    if (at <= end) found.push_back(at);
+    at = text.find_first_of("\r\n", at);
+  }
+  _lineStarts.insert(_lineStarts.erase(changed, behind), found.begin(), found.end());
+}
+
+// Counted in blocks, since a whole document may be one line.
+std::size_t TextDocument::unitsBefore(std::size_t offset) const {
+  const std::string_view text = _text;
+  if (_unitsBeforeBlock.empty()) {
+    std::size_t units = 0;
+    for (std::size_t begin = 0; begin <= text.size(); begin += bytesOfBlock) {
+      _unitsBeforeBlock.push_back(units);
+      units += countUnits(text.substr(begin, bytesOfBlock));
+    }
+  }
+  const std::size_t block = offset / bytesOfBlock;
+  return _unitsBeforeBlock[block] + countUnits(text.substr(block * bytesOfBlock, offset % bytesOfBlock));
+}
+
+std::size_t TextDocument::unitsBetween(std::size_t begin, std::size_t end) const {
+  if (end - begin > bytesOfBlock) return unitsBefore(end) - unitsBefore(begin);
+  return countUnits(std::string_view(_text).substr(begin, end - begin));
+}
+
+std::size_t TextDocument::endOfLine(std::size_t line) const {
+  std::size_t end = line + 1 < _lineStarts.size() ? _lineStarts[line + 1] : _text.size();
+  while (end > _lineStarts[line] && (_text[end - 1] == '\n' || _text[end - 1] == '\r')) --end;
+  return end;
+}
+
+std::size_t TextDocument::offsetOf(const Position& position) const {
+  if (position.line >= _lineStarts.size()) return _text.size();
+  const std::size_t begin = _lineStarts[position.line];
+  const std::size_t end = endOfLine(position.line);
+  std::size_t near = begin;  // at the wanted place or in front of it, by a block at the most
+  for (std::size_t far = end; far - near > bytesOfBlock;) {
+    const std::size_t middle = near + (far - near) / 2;
+    (unitsBetween(begin, middle) <= position.character ? near : far) = middle;
+  }
+  std::size_t at = near == begin ? begin : beginOfCharacter(_text, near);
+  for (std::size_t units = unitsBetween(begin, at); at < end; at = beginOfCharacter(_text, at + 1)) {
+    units += unitsOf(_text[at]);
+    if (units > position.character) break;
+  }
+  return std::min(at, end);
+}
+
+Position TextDocument::positionOf(std::size_t offset) const {
+  offset = std::min(offset, _text.size());
+  const auto line = std::upper_bound(_lineStarts.begin(), _lineStarts.end(), offset) - 1;
+  return {static_cast<std::size_t>(line - _lineStarts.begin()), unitsBetween(*line, offset)};
+}
+
+Json TextDocument::rangeOf(Span span) const { return jsonOf(placesOf(span)); }
+
+}  // namespace korvex::lsp

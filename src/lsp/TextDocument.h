@@ -1,0 +1,59 @@
+// A text that an editor has open.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "language/Markup.h"
+#include "lsp/Json.h"
+
+namespace korvex::lsp {
+
+// A place as the protocol counts: line and character from 0, characters in UTF-16 code units.
+struct Position {
+  std::size_t line = 0;
+  std::size_t character = 0;
+};
+
+struct Range {
+  Position begin;
+  Position end;
+};
+
+class TextDocument {
+ public:
+  TextDocument(std::string uri, std::string text);
+
+  [[nodiscard]] const std::string& uri() const { return _uri; }
+  [[nodiscard]] const std::string& text() const { return _text; }
+
+  // Replaces the whole text, or the range that a content change names.
+  void change(const Json& contentChange);
+
+  // Past the end of a line its end is meant, past the last line the end of the text.
+  [[nodiscard]] std::size_t offsetOf(const Position& position) const;
+  [[nodiscard]] Position positionOf(std::size_t offset) const;
+  [[nodiscard]] Range placesOf(Span span) const { return {positionOf(span.begin), positionOf(span.end)}; }
+  [[nodiscard]] Json rangeOf(Span span) const;
+
+ private:
+  void replace(Span span, std::string_view replacement);
+  // After a replacement that ends at `end` now.
+  void findLines(Span replaced, std::size_t end);
+  // Without its line end.
+  [[nodiscard]] std::size_t endOfLine(std::size_t line) const;
+  [[nodiscard]] std::size_t unitsBefore(std::size_t offset) const;
+  [[nodiscard]] std::size_t unitsBetween(std::size_t begin, std::size_t end) const;
+
+  std::string _uri;
+  std::string _text;
+  std::vector<std::size_t> _lineStarts{0};
+  mutable std::vector<std::size_t> _unitsBeforeBlock;  // empty until a long line is measured
+};
+
+[[nodiscard]] Json jsonOf(const Range& range);
+[[nodiscard]] Position positionIn(const Json& params);
+
+}  // namespace korvex::lsp

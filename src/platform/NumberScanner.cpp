@@ -1,0 +1,58 @@
+#include "platform/NumberScanner.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <system_error>
+
+namespace korvex {
+
+namespace {
+
+constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+constexpr std::string_view digits = "0123456789";
+
+std::string_view withoutWhiteSpaceAround(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(whiteSpace);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
+}
+
+// Removes the digits at the front of the text and tells how many there were.
+std::size_t takeDigits(std::string_view& text) {
+  const std::size_t count = std::min(text.find_first_not_of(digits), text.size());
+  text.remove_prefix(count);
+  return count;
+}
+
+bool takeAnyOf(std::string_view& text, std::string_view characters) {
+  if (text.empty() || characters.find(text.front()) == std::string_view::npos) return false;
+  text.remove_prefix(1);
+  return true;
+}
+
+bool isUnsignedDecimal(std::string_view text) {
+  std::size_t mantissa = takeDigits(text);
+  if (takeAnyOf(text, ".")) mantissa += takeDigits(text);
+  if (mantissa == 0) return false;
+  if (takeAnyOf(text, "eE")) {
+    takeAnyOf(text, "+-");
+    if (takeDigits(text) == 0) return false;
+  }
+  return text.empty();
+}
+
+}  // namespace
+
+std::optional<double> scanDecimalNumber(std::string_view text) {
+  text = withoutWhiteSpaceAround(text);
+  const bool negative = !text.empty() && text.front() == '-';
+  takeAnyOf(text, "+-");
+  if (!isUnsignedDecimal(text)) return std::nullopt;
+  double value = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (result.ec != std::errc{}) return std::nullopt;
+  return negative ? -value : value;
+}
+
+}  // namespace korvex

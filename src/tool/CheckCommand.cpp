@@ -1,0 +1,128 @@
+#include "tool/CheckCommand.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <system_error>
+
+#include "checks/DocumentCheck.h"
+#include "checks/RuleNames.h"
+#include "tool/Counted.h"
+#include "tool/InputFiles.h"
+#include "tool/OutOfMemory.h"
+
+namespace korvex {
+namespace {
+
+bool colorWanted(ColorMode mode, const Console& console) {
+  if (mode != ColorMode::Auto) return mode == ColorMode::Always;
+  return console.outIsTerminal && !console.noColor;
+}
+
+// A directory is taken for all documents that belong together.
+bool holdsWholeSet(const std::vector<std::string>& paths) {
+  return std::any_of(paths.begin(), paths.end(), [](const std::string& path) {
+    std::error_code error;
+    return path != standardInput && std::filesystem::is_directory(path, error);
+  });
+}
+
+WarningSelection selectionOf(const CheckOptions& options) {
+  WarningSelection selection;
+  if (holdsWholeSet(options.paths)) selection.want(*ruleNamed(RuleNames::undefinedMap), true);
+  for (const std::string& name : options.warnings) selection.want(*ruleNamed(name), true);
+  for (const std::string& name : options.noWarnings) selection.want(*ruleNamed(name), false);
+  if (options.warningsAreErrors) selection.takeForErrors();
+  return selection;
+}
+
+// One run of the command.
+class Check {
+ public:
+  Check(const CheckOptions& options, const Console& console)
+      : _options(options),
+        _console(console),
+        _report(makeCheckReport(options.format, console.out, colorWanted(options.color, console))),
+        _set(selectionOf(options)) {
+    if (holdsWholeSet(options.paths)) _set.takeForWhole();
+  }
+
+  ExitCode run() {
+    const InputFiles inputs = findInputFiles(_options.paths);
+    for (const UnreadablePath& path : inputs.unreadable) addUnreadable(path);
+    for (const std::string& file : inputs.files) checkFile(file);
+    for (const Finding& finding : _set.finish()) addFinding(finding, _sources.at(finding.path).get());
+    finish();
+    if (_unreadable > 0) return ExitCodeTrouble;
+    return _totals.errors > 0 ? ExitCodeSomethingFound : ExitCodeNothingFound;
+  }
+
+ private:
+  void checkFile(const std::string& file) {
+    const std::string path = shownPath(file);
+    const InputInProgress input(path);
+    const Document::Result result = readDocument(file, _console.in, _options.load);
+    if (result.document) {
+      checkDocument(path, result);
+    } else if (!blamesDocument(result.error->kind)) {
+      addUnreadable({path, result.error->message});
+    } else {
+      ++_totals.files;
+      _set.addUnread();
+      addFinding(findingOf(path, *result.error, result.source.get()), result.source.get());
+    }
+  }
+
+  void checkDocument(const std::string& path, const Document::Result& result) {
+    const std::vector<Definition> definitions = loadDefinitions(*result.document);
+    ++_totals.files;
+    _totals.definitions += definitions.size();
+    for (const Finding& finding : _set.check(path, *result.document, definitions)) {
+      addFinding(finding, result.source.get());
+    }
+    if (_set.hasMoreAbout(path)) _sources.emplace(path, result.source);
+  }
+
+  void addFinding(const Finding& finding, const SourceText* source) {
+    ++(finding.severity == Severity::Error ? _totals.errors : _totals.warnings);
+    if (!_unexplained && finding.rule->severity == Severity::Error && finding.help.empty()) _unexplained = finding.rule;
+    _report->add(finding, source);
+  }
+
+  void addUnreadable(const UnreadablePath& path) {
+    _set.addUnread();
+    ++_unreadable;
+    _report->addUnreadable(path);
+    printUnreadable(_console.err, path);
+  }
+
+  void finish() {
+    _report->finish(_totals);
+    _console.out.flush();
+    if (_unexplained && _options.format == CheckFormat::Text) {
+      _console.err << "korvex-dao explain NAME tells more, such as: korvex-dao explain " << _unexplained->name << '\n';
+    }
+    _console.err << counted(_totals.definitions, "definition") << " in " << counted(_totals.files, "file") << ", "
+                 << counted(_totals.errors, "error");
+    if (_totals.warnings > 0) _console.err << ", " << counted(_totals.warnings, "warning");
+    if (_unreadable > 0) _console.err << ", " << counted(_unreadable, "unreadable path");
+    _console.err << '\n';
+  }
+
+  const CheckOptions& _options;
+  const Console& _console;
+  std::unique_ptr<CheckReport> _report;
+  SetCheck _set;
+  std::map<std::string, std::shared_ptr<const SourceText>> _sources;  // of documents that have findings to come
+  CheckTotals _totals;
+  const Rule* _unexplained = nullptr;  // the first error that has no help of its own
+  std::size_t _unreadable = 0;
+};
+
+}  // namespace
+
+ExitCode runCheck(const CheckOptions& options, const Console& console) { return Check(options, console).run(); }
+
+}  // namespace korvex

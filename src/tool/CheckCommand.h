@@ -1,0 +1,28 @@
+// korvex-dao check: what is wrong with definition documents.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "korvex/DefinitionLoader.h"
+#include "tool/CheckReport.h"
+#include "tool/Tool.h"
+
+namespace korvex {
+
+enum class ColorMode { Auto, Always, Never };
+
+struct CheckOptions {
+  std::vector<std::string> paths;
+  CheckFormat format = CheckFormat::Text;
+  ColorMode color = ColorMode::Auto;  // of the text format
+  LoadOptions load;
+  std::vector<std::string> warnings;    // names of those to give, beside those that are given anyway
+  std::vector<std::string> noWarnings;  // and of those not to give
+  bool warningsAreErrors = false;
+};
+
+// Findings go to `console.out`; a summary line and inputs that cannot be read to `console.err`.
+[[nodiscard]] ExitCode runCheck(const CheckOptions& options, const Console& console);
+
+}  // namespace korvex

@@ -1,0 +1,93 @@
+#include "tool/CheckReport.h"
+
+#include <ostream>
+#include <vector>
+
+#include "tool/FindingJson.h"
+#include "tool/FindingLines.h"
+#include "tool/FindingSarif.h"
+#include "tool/FindingText.h"
+
+namespace korvex {
+namespace {
+
+class TextReport final : public CheckReport {
+ public:
+  TextReport(std::ostream& out, bool color) : _out(out), _color(color) {}
+  void add(const Finding& finding, const SourceText* source) override { printFinding(_out, finding, source, _color); }
+
+ private:
+  std::ostream& _out;
+  bool _color;
+};
+
+class ShortReport final : public CheckReport {
+ public:
+  explicit ShortReport(std::ostream& out) : _out(out) {}
+  void add(const Finding& finding, const SourceText* /*source*/) override { printShortFinding(_out, finding); }
+
+ private:
+  std::ostream& _out;
+};
+
+class GithubReport final : public CheckReport {
+ public:
+  explicit GithubReport(std::ostream& out) : _out(out) {}
+  void add(const Finding& finding, const SourceText* /*source*/) override { printGithubFinding(_out, finding); }
+  void addUnreadable(const UnreadablePath& path) override { printGithubUnreadable(_out, path); }
+
+ private:
+  std::ostream& _out;
+};
+
+class JsonReport final : public CheckReport {
+ public:
+  explicit JsonReport(std::ostream& out) : _out(out) {}
+  void add(const Finding& finding, const SourceText* /*source*/) override { _findings.push_back(findingJson(finding)); }
+  void addUnreadable(const UnreadablePath& path) override {
+    _unreadable.push_back({{"path", path.path}, {"message", path.message}});
+  }
+  void finish(const CheckTotals& totals) override {
+    const Json report = {{"findings", _findings}, {"unreadable", _unreadable}, {"definitions", totals.definitions},
+                         {"files", totals.files}, {"errors", totals.errors},   {"warnings", totals.warnings}};
+    _out << jsonText(report) << '\n';
+  }
+
+ private:
+  std::ostream& _out;
+  Json _findings = Json::array();
+  Json _unreadable = Json::array();
+};
+
+class SarifReport final : public CheckReport {
+ public:
+  explicit SarifReport(std::ostream& out) : _out(out) {}
+  void add(const Finding& finding, const SourceText* /*source*/) override { _findings.push_back(finding); }
+  void addUnreadable(const UnreadablePath& path) override { _unreadable.push_back(path); }
+  void finish(const CheckTotals& /*totals*/) override { _out << jsonText(sarifLog(_findings, _unreadable)) << '\n'; }
+
+ private:
+  std::ostream& _out;
+  std::vector<Finding> _findings;
+  std::vector<UnreadablePath> _unreadable;
+};
+
+}  // namespace
+
+std::unique_ptr<CheckReport> makeCheckReport(CheckFormat format, std::ostream& out, bool color) {
+  switch (format) {
+    case CheckFormat::Text:
+      return std::make_unique<TextReport>(out, color);
+    case CheckFormat::Short:
+      return std::make_unique<ShortReport>(out);
+    case CheckFormat::Json:
+      return std::make_unique<JsonReport>(out);
+    case CheckFormat::Sarif:
+      return std::make_unique<SarifReport>(out);
+    case CheckFormat::Github:
+      return std::make_unique<GithubReport>(out);
+  }
+  return nullptr;
+}
+
+}  // namespace korvex

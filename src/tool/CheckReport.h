@@ -1,0 +1,40 @@
+// Where the findings of a check go, in each of the formats.
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <memory>
+
+#include "checks/Finding.h"
+#include "korvex/SourceText.h"
+#include "tool/InputFiles.h"
+
+namespace korvex {
+
+enum class CheckFormat { Text, Short, Json, Sarif, Github };
+
+struct CheckTotals {
+  std::size_t definitions = 0;
+  std::size_t files = 0;  // that could be read
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+};
+
+// One report, written to the stream that it was made with: as the findings come, or all at once at the end.
+class CheckReport {
+ public:
+  CheckReport() = default;
+  CheckReport(const CheckReport&) = delete;
+  CheckReport& operator=(const CheckReport&) = delete;
+  virtual ~CheckReport() = default;
+
+  // `source` is null where the text could not be read.
+  virtual void add(const Finding& finding, const SourceText* source) = 0;
+  // An input that could not be read; standard error tells of it too.
+  virtual void addUnreadable(const UnreadablePath& /*path*/) {}
+  virtual void finish(const CheckTotals& /*totals*/) {}
+};
+
+[[nodiscard]] std::unique_ptr<CheckReport> makeCheckReport(CheckFormat format, std::ostream& out, bool color);
+
+}  // namespace korvex

@@ -1,0 +1,143 @@
+#include "tool/Database.h"
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <system_error>
+
+namespace korvex {
+namespace {
+
+using Failure = std::optional<std::string>;
+
+constexpr int longestWait = 1000;  // for a lock, in milliseconds
+
+struct Close {
+  void operator()(sqlite3* database) const { sqlite3_close(database); }
+};
+struct Finalize {
+  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+using Connection = std::unique_ptr<sqlite3, Close>;
+using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+// SQLite looks for a meaning in names such as "", ":memory:" and "file:x?mode=rw", but not behind
+// a directory.
+std::string plainPath(const std::string& path) { return path.starts_with('/') ? path : "./" + path; }
+
+std::string quotedName(const std::string& name) {
+  std::string quoted = "\"";
+  for (const char character : name) {
+    if (character == '"') quoted += '"';
+    quoted += character;
+  }
+  return quoted + '"';
+}
+
+// SQLite's message for a database whose journal must be dealt with first is about a write that
+// nobody has asked for.
+std::string failureOf(sqlite3& database) {
+  if (sqlite3_errcode(&database) != SQLITE_READONLY) return sqlite3_errmsg(&database);
+  return "cannot be read without writing: it has a write-ahead log, or a change to it was interrupted";
+}
+
+// The system's reason says more than that a file cannot be opened.
+std::string openFailure(sqlite3* database) {
+  if (!database) return sqlite3_errstr(SQLITE_NOMEM);
+  const int reason = sqlite3_system_errno(database);
+  return reason != 0 ? std::generic_category().message(reason) : sqlite3_errmsg(database);
+}
+
+Failure open(const std::string& path, Connection& connection) {
+  sqlite3* database = nullptr;
+  const int code = sqlite3_open_v2(plainPath(path).c_str(), &database, SQLITE_OPEN_READONLY, nullptr);
+  connection.reset(database);
+  if (code != SQLITE_OK) return openFailure(database);
+  sqlite3_busy_timeout(database, longestWait);
+  // Without this, a quoted name that is no column would be taken for a text.
+  sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);  // NOLINT(cppcoreguidelines-pro-type-vararg)
+  return std::nullopt;
+}
+
+Failure prepare(sqlite3& database, const std::string& sql, Statement& statement) {
+  sqlite3_stmt* prepared = nullptr;
+  const char* rest = nullptr;
+  const int code = sqlite3_prepare_v2(&database, sql.c_str(), -1, &prepared, &rest);
+  statement.reset(prepared);
+  if (code != SQLITE_OK) return failureOf(database);
+  if (*rest != '\0') return "the condition is more than a condition";
+  return std::nullopt;
+}
+
+// On lines of its own, so that a comment at its end stays a comment.
+std::string parenthesised(const std::string& condition) { return "(\n" + condition + "\n)"; }
+
+// A condition can stand where a value can. Text that closes the parenthesis to go on with SQL of
+// its own, such as a UNION, can not stand both there and behind WHERE.
+Failure checkCondition(sqlite3& database, const ColumnQuery& query) {
+  Statement unused;
+  return prepare(database, "SELECT " + parenthesised(*query.where) + " FROM " + quotedName(query.table), unused);
+}
+
+std::string selection(const ColumnQuery& query, const std::string& rowid) {
+  std::string sql = "SELECT " + rowid + ", " + quotedName(query.column) + " FROM " + quotedName(query.table);
+  if (query.where) sql += " WHERE " + parenthesised(*query.where);
+  return sql + " ORDER BY 1";
+}
+
+Failure prepareSelection(sqlite3& database, const ColumnQuery& query, Statement& statement) {
+  Failure failure = prepare(database, selection(query, "_rowid_"), statement);
+  if (sqlite3_errcode(&database) != SQLITE_ERROR) return failure;
+  // Once more, as for a table without rowids: every other mistake is still there.
+  return prepare(database, selection(query, "NULL"), statement);
+}
+
+constexpr const char* storageName(int type) {
+  switch (type) {
+    case SQLITE_BLOB:
+      return "blob";
+    case SQLITE_NULL:
+      return "null";
+    case SQLITE_TEXT:
+      return "text";
+    case SQLITE_INTEGER:
+      return "integer";
+    default:
+      return "real";
+  }
+}
+
+std::optional<std::int64_t> rowidOf(sqlite3_stmt& statement) {
+  if (sqlite3_column_type(&statement, 0) == SQLITE_NULL) return std::nullopt;
+  return sqlite3_column_int64(&statement, 0);
+}
+
+ColumnCell cellOf(sqlite3_stmt& statement) {
+  const int type = sqlite3_column_type(&statement, 1);
+  if (type != SQLITE_BLOB) return {rowidOf(statement), storageName(type), ""};
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(&statement, 1));  // null when empty
+  const auto size = static_cast<std::size_t>(sqlite3_column_bytes(&statement, 1));
+  return {rowidOf(statement), storageName(type), {bytes, size}};
+}
+
+Failure visitRows(sqlite3& database, sqlite3_stmt& statement, const std::function<void(const ColumnCell&)>& visit) {
+  int code = SQLITE_ROW;
+  while ((code = sqlite3_step(&statement)) == SQLITE_ROW) visit(cellOf(statement));
+  if (code != SQLITE_DONE) return failureOf(database);
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> readColumn(const ColumnQuery& query, const std::function<void(const ColumnCell&)>& visit) {
+  Connection connection;
+  Statement statement;
+  if (Failure failure = open(query.path, connection)) return failure;
+  if (query.where) {
+    if (Failure failure = checkCondition(*connection, query)) return failure;
+  }
+  if (Failure failure = prepareSelection(*connection, query, statement)) return failure;
+  return visitRows(*connection, *statement, visit);
+}
+
+}  // namespace korvex

@@ -1,0 +1,20 @@
+// korvex-dao explain: what a rule means, and how to keep it.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "tool/Tool.h"
+
+namespace korvex {
+
+enum class ExplainFormat { Text, Markdown };
+
+struct ExplainOptions {
+  std::optional<std::string> what;  // the name of a rule, a message or a finding; absent for a list of all rules
+  ExplainFormat format = ExplainFormat::Text;
+};
+
+[[nodiscard]] ExitCode runExplain(const ExplainOptions& options, const Console& console);
+
+}  // namespace korvex

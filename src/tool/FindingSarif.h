@@ -1,0 +1,21 @@
+// Findings as a log in the Static Analysis Results Interchange Format, version 2.1.0.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "checks/Finding.h"
+#include "tool/ElementJson.h"
+#include "tool/InputFiles.h"
+
+namespace korvex {
+
+// A log of one run. It describes every rule, found or not; inputs that could not be read are
+// notifications of the run and make it unsuccessful.
+[[nodiscard]] Json sarifLog(const std::vector<Finding>& findings, const std::vector<UnreadablePath>& unreadable);
+
+// The path as a reference that is relative where the path is; bytes that cannot stand in one are percent-encoded.
+[[nodiscard]] std::string uriReference(std::string_view path);
+
+}  // namespace korvex

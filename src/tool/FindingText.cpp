@@ -1,0 +1,54 @@
+#include "tool/FindingText.h"
+
+#include <ostream>
+
+#include "tool/Excerpt.h"
+#include "tool/VisibleText.h"
+
+namespace korvex {
+namespace {
+
+// Escape sequences that switch the terminal's style; empty without colour.
+struct Style {
+  const char* bold = "";
+  const char* red = "";
+  const char* magenta = "";
+  const char* cyan = "";
+  const char* green = "";
+  const char* plain = "";
+};
+constexpr Style colorless;
+constexpr Style colored = {"\x1b[1m", "\x1b[1;31m", "\x1b[1;35m", "\x1b[1;36m", "\x1b[1;32m", "\x1b[0m"};
+
+void printPlace(std::ostream& out, const std::string& path, const XMLPosition& position, const Style& style) {
+  out << style.bold << visibleText(path) << ':' << position.line << ':' << position.column << ": " << style.plain;
+}
+
+void printSeverity(std::ostream& out, Severity severity, const Style& style) {
+  out << (severity == Severity::Error ? style.red : style.magenta) << severityName(severity) << ": " << style.plain;
+}
+
+void printExcerpt(std::ostream& out, const Excerpt& excerpt, const Style& style) {
+  out << excerpt.line << '\n' << style.green << excerpt.caretLine << style.plain << '\n';
+}
+
+void printRelated(std::ostream& out, const Related& related, const Style& style) {
+  printPlace(out, related.path, related.position, style);
+  out << style.cyan << "note: " << style.plain << visibleText(related.message) << '\n';
+}
+
+}  // namespace
+
+void printFinding(std::ostream& out, const Finding& finding, const SourceText* source, bool color) {
+  const Style& style = color ? colored : colorless;
+  printPlace(out, finding.path, finding.position, style);
+  printSeverity(out, finding.severity, style);
+  out << style.bold << visibleText(finding.message) << style.plain;
+  if (finding.rule->severity == Severity::Warning) out << " [" << finding.rule->name << ']';
+  out << '\n';
+  if (source) printExcerpt(out, excerptOf(*source, finding.position), style);
+  if (!finding.help.empty()) out << style.cyan << "help: " << style.plain << visibleText(finding.help) << '\n';
+  for (const Related& related : finding.related) printRelated(out, related, style);
+}
+
+}  // namespace korvex

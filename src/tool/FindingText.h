@@ -1,0 +1,15 @@
+// Findings for people and for the tools that read what compilers print.
+#pragma once
+
+#include <iosfwd>
+
+#include "checks/Finding.h"
+#include "korvex/SourceText.h"
+
+namespace korvex {
+
+// "path:line:column: error: message" on one line, whatever the message holds, behind a warning's the name of its rule;
+// then the source line and a caret, when there is a source, a line of help, and a line for each related place.
+void printFinding(std::ostream& out, const Finding& finding, const SourceText* source, bool color);
+
+}  // namespace korvex

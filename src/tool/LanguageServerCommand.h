@@ -1,0 +1,18 @@
+// korvex-dao lsp: the language server, for editors to start.
+#pragma once
+
+#include <cstddef>
+
+#include "lsp/Server.h"
+#include "tool/Tool.h"
+
+namespace korvex {
+
+struct LanguageServerOptions {
+  std::size_t maximumBytes = lsp::Server::usualMaximumBytes;  // of a message
+};
+
+// Serves on `console.in` and `console.out` until the client says "exit", or is gone.
+[[nodiscard]] ExitCode runLanguageServer(const LanguageServerOptions& options, const Console& console);
+
+}  // namespace korvex

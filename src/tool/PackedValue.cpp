@@ -1,0 +1,167 @@
+#include "tool/PackedValue.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "platform/Tables.h"
+#include "tool/Hex.h"
+#include "tool/VisibleText.h"
+
+namespace korvex {
+namespace {
+
+// -------------------------------------------------------------------------------------------
+// Scalars
+
+template <typename Scalar>
+Scalar scalarOf(std::string_view bytes) {
+  Scalar scalar;
+  std::memcpy(&scalar, bytes.data(), sizeof scalar);
+  return scalar;
+}
+
+// What JSON and people call the numbers that have no digits; null for any other.
+template <typename Float>
+const char* nameOfSpecial(Float number) {
+  if (std::isnan(number)) return "NaN";
+  if (std::isinf(number)) return number < 0 ? "-Infinity" : "Infinity";
+  return nullptr;
+}
+
+template <typename Scalar>
+Json json(std::string_view bytes) {
+  const auto scalar = scalarOf<Scalar>(bytes);
+  if constexpr (std::is_floating_point_v<Scalar>) {
+    if (const char* name = nameOfSpecial(scalar)) return name;
+  }
+  return scalar;
+}
+
+template <typename Scalar>
+std::string text(std::string_view bytes) {
+  const auto scalar = scalarOf<Scalar>(bytes);
+  if constexpr (std::is_floating_point_v<Scalar>) {
+    if (const char* name = nameOfSpecial(scalar)) return name;
+  }
+  std::array<char, 32> digits{};
+  return {digits.data(), std::to_chars(digits.begin(), digits.end(), scalar).ptr};
+}
+
+// Any byte but 0 is true, but only 1 is ever written.
+template <>
+Json json<bool>(std::string_view bytes) {
+  return bytes.front() != 0;
+}
+
+template <>
+std::string text<bool>(std::string_view bytes) {
+  if (bytes.front() == 0) return "false";
+  return bytes.front() == 1 ? "true" : "true (" + hexText(bytes) + ')';
+}
+
+struct ScalarType {
+  QXDAOPackEncode encode;
+  const char* name;
+  Json (*json)(std::string_view bytes);
+  std::string (*text)(std::string_view bytes);
+};
+
+constexpr std::array<ScalarType, 11> scalarTypes = {{
+    {QXDAOPackEncodeBOOL, "boolean", json<bool>, text<bool>},
+    {QXDAOPackEncodeInt8, "signed 8-bit", json<std::int8_t>, text<std::int8_t>},
+    {QXDAOPackEncodeUInt8, "unsigned 8-bit", json<std::uint8_t>, text<std::uint8_t>},
+    {QXDAOPackEncodeInt16, "signed 16-bit", json<std::int16_t>, text<std::int16_t>},
+    {QXDAOPackEncodeUInt16, "unsigned 16-bit", json<std::uint16_t>, text<std::uint16_t>},
+    {QXDAOPackEncodeInt32, "signed 32-bit", json<std::int32_t>, text<std::int32_t>},
+    {QXDAOPackEncodeUInt32, "unsigned 32-bit", json<std::uint32_t>, text<std::uint32_t>},
+    {QXDAOPackEncodeInt64, "signed 64-bit", json<std::int64_t>, text<std::int64_t>},
+    {QXDAOPackEncodeUInt64, "unsigned 64-bit", json<std::uint64_t>, text<std::uint64_t>},
+    {QXDAOPackEncodeFloat, "single precision", json<float>, text<float>},
+    {QXDAOPackEncodeDouble, "double precision", json<double>, text<double>},
+}};
+
+const ScalarType* scalarType(QXDAOPackEncode encode) { return rowWith(scalarTypes, &ScalarType::encode, encode); }
+
+std::string stringText(std::string_view bytes) {
+  return isValidUTF8(bytes) ? '"' + visibleText(bytes) + '"' : hexText(bytes, " ") + " (not UTF-8)";
+}
+
+// -------------------------------------------------------------------------------------------
+// Why reading stopped
+
+// The name of the record that could not be read, in quotes.
+std::string quotedName(const QXDAOPackRecord& record) { return '"' + visibleText(record.name) + '"'; }
+
+constexpr const char* partName(QXDAOPackPart part) {
+  constexpr const char* names[] = {"name", "encode", "length of the text", "text", "value"};
+  return names[static_cast<std::size_t>(part)];
+}
+
+std::string reasonOf(QXDAOPackReadStatus status, QXDAOPackPart part, const QXDAOPackRecord& record) {
+  if (status == QXDAOPackReadStatus::Stopped) {
+    return "encode " + std::to_string(record.encode) + " of " + quotedName(record) + " has no known length";
+  }
+  const std::string place = std::string("the value ends inside the ") + partName(part);
+  return part == QXDAOPackPart::Name ? place + " of a property" : place + " of " + quotedName(record);
+}
+
+// -------------------------------------------------------------------------------------------
+// JSON
+
+// Null when the bytes are not UTF-8: JSON has no text for them.
+Json utf8Json(std::string_view bytes) { return isValidUTF8(bytes) ? Json(bytes) : Json(); }
+
+Json jsonContent(const QXDAOPackRecord& record) {
+  if (record.encode == QXDAOPackEncodeString) return utf8Json(record.bytes);
+  const ScalarType* type = scalarType(record.encode);
+  return type ? type->json(record.bytes) : Json();
+}
+
+Json recordJson(const QXDAOPackRecord& record) {
+  return {{"property", utf8Json(record.name)},     {"propertyBytes", hexText(record.name)},
+          {"type", packedTypeName(record.encode)}, {"encode", record.encode},
+          {"value", jsonContent(record)},          {"offset", record.bytesOffset},
+          {"bytes", hexText(record.bytes)}};
+}
+
+Json stopJson(const std::optional<PackedStop>& stop) {
+  if (!stop) return {};
+  return {{"offset", stop->offset}, {"reason", stop->reason}};
+}
+
+}  // namespace
+
+PackedValue readPackedValue(std::string_view value) {
+  PackedValue read;
+  read.size = value.size();
+  QXDAOPackReader reader(value);
+  QXDAOPackRecord record;
+  QXDAOPackReadStatus status = reader.next(record);
+  for (; status == QXDAOPackReadStatus::Record; status = reader.next(record)) read.records.push_back(record);
+  if (status != QXDAOPackReadStatus::End) {
+    read.stop = PackedStop{reader.offset(), reasonOf(status, reader.part(), record)};
+  }
+  return read;
+}
+
+std::string packedTypeName(QXDAOPackEncode encode) {
+  if (encode == QXDAOPackEncodeString) return "string";
+  const ScalarType* type = scalarType(encode);
+  return type ? type->name : "unknown (" + std::to_string(encode) + ')';
+}
+
+std::string packedContentText(const QXDAOPackRecord& record) {
+  if (record.encode == QXDAOPackEncodeString) return stringText(record.bytes);
+  const ScalarType* type = scalarType(record.encode);
+  return type ? type->text(record.bytes) : hexText(record.bytes, " ");
+}
+
+Json packedValueJson(const PackedValue& value) {
+  Json records = Json::array();
+  for (const QXDAOPackRecord& record : value.records) records.push_back(recordJson(record));
+  return {{"size", value.size}, {"records", records}, {"stop", stopJson(value.stop)}};
+}
+
+}  // namespace korvex

@@ -1,0 +1,121 @@
+#include "tool/RuleText.h"
+
+#include <array>
+#include <ostream>
+#include <sstream>
+
+namespace korvex {
+namespace {
+
+constexpr std::size_t width = 80;
+constexpr std::string_view indentation = "  ";
+
+// Errors cannot be switched off: a definition that broke such a rule is not there.
+std::string_view defaultOf(const Rule& rule) {
+  if (rule.severity == Severity::Error) return "always on";
+  return rule.onByDefault ? "on" : "off";
+}
+
+// The words of a text in lines that fit, each with the indentation in front.
+void printWrapped(std::ostream& out, std::string_view text, std::string_view indent) {
+  std::istringstream words{std::string(text)};
+  std::string line;
+  for (std::string word; words >> word;) {
+    if (!line.empty() && indent.size() + line.size() + 1 + word.size() > width) {
+      out << indent << line << '\n';
+      line.clear();
+    }
+    line.append(line.empty() ? "" : " ").append(word);
+  }
+  out << indent << line << '\n';
+}
+
+void printIndented(std::ostream& out, std::string_view text) {
+  std::istringstream lines{std::string(text)};
+  for (std::string line; std::getline(lines, line);) out << indentation << line << '\n';
+}
+
+std::string_view markdownEscape(char character) {
+  switch (character) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '*':
+      return "\\*";
+    case '|':
+      return "\\|";
+    default:
+      return {};
+  }
+}
+
+std::string markdownText(std::string_view text) {
+  std::string result;
+  for (const char character : text) {
+    const std::string_view escape = markdownEscape(character);
+    result += escape.empty() ? std::string_view(&character, 1) : escape;
+  }
+  return result;
+}
+
+std::string code(std::string_view text) { return std::string("`").append(text).append("`"); }
+
+}  // namespace
+
+std::string filledIn(std::string_view message) {
+  constexpr std::string_view place = "%@";
+  const std::size_t at = message.find(place);
+  if (at == std::string_view::npos) return std::string(message);
+  return std::string(message.substr(0, at)).append("...").append(message.substr(at + place.size()));
+}
+
+std::string messageWithHelp(const Finding& finding) {
+  return finding.help.empty() ? finding.message : finding.message + '\n' + finding.help;
+}
+
+void printRule(std::ostream& out, const Rule& rule) {
+  out << rule.name << " (" << severityName(rule.severity) << ", " << defaultOf(rule) << ")\n\n";
+  printWrapped(out, filledIn(rule.message), indentation);
+  out << '\n';
+  printWrapped(out, rule.meaning, {});
+  out << '\n';
+  printWrapped(out, rule.help, {});
+  out << "\nWrong:\n\n";
+  printIndented(out, rule.wrong);
+  out << "\nRight:\n\n";
+  printIndented(out, rule.right);
+}
+
+void printRules(std::ostream& out, std::span<const Rule> rules) {
+  for (const Rule& rule : rules) {
+    out << rule.name << " (" << severityName(rule.severity) << ", " << defaultOf(rule) << ")\n";
+    printWrapped(out, rule.help, indentation);
+  }
+}
+
+std::string markdownOf(const Rule& rule) {
+  std::ostringstream out;
+  out << code(filledIn(rule.message)) << " (" << severityName(rule.severity) << ", " << defaultOf(rule) << ")\n\n"
+      << markdownText(rule.meaning) << "\n\n"
+      << markdownText(rule.help) << "\n\nWrong:\n\n```xml\n"
+      << rule.wrong << "\n```\n\nRight:\n\n```xml\n"
+      << rule.right << "\n```\n";
+  return out.str();
+}
+
+std::string markdownOf(std::span<const Rule> rules) {
+  std::ostringstream out;
+  out << "# Rules\n\nWhat `korvex-dao check` finds, by the names of the rules that are violated. "
+         "`korvex-dao explain RULE` tells the same\nof one rule; this page is what "
+         "`korvex-dao explain --format markdown` prints.\n\n"
+      << "| Rule | Severity | Default | In short |\n|---|---|---|---|\n";
+  for (const Rule& rule : rules) {
+    out << "| [" << rule.name << "](#" << rule.name << ") | " << severityName(rule.severity) << " | " << defaultOf(rule)
+        << " | " << markdownText(rule.help) << " |\n";
+  }
+  for (const Rule& rule : rules) out << "\n## " << rule.name << "\n\n" << markdownOf(rule);
+  return out.str();
+}
+
+}  // namespace korvex

@@ -1,0 +1,28 @@
+// Rules and what they say, for people.
+#pragma once
+
+#include <iosfwd>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "checks/Finding.h"
+#include "checks/Rules.h"
+
+namespace korvex {
+
+// "..." for the place of a message that is filled.
+[[nodiscard]] std::string filledIn(std::string_view message);
+// The message of a finding, and on a line of its own the help, when there is any.
+[[nodiscard]] std::string messageWithHelp(const Finding& finding);
+
+// Everything about a rule, in lines of at most 80 characters.
+void printRule(std::ostream& out, const Rule& rule);
+// The name of each rule, whether it is on, and one sentence.
+void printRules(std::ostream& out, std::span<const Rule> rules);
+
+// The same two in Markdown.
+[[nodiscard]] std::string markdownOf(const Rule& rule);
+[[nodiscard]] std::string markdownOf(std::span<const Rule> rules);
+
+}  // namespace korvex

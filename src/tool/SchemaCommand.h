@@ -1,0 +1,18 @@
+// korvex-dao schema: prints a schema of the language.
+#pragma once
+
+#include <string>
+
+#include "schema/Schema.h"
+#include "tool/Tool.h"
+
+namespace korvex {
+
+struct SchemaOptions {
+  schema::Format format = schema::Format::RelaxNgCompact;
+  std::string root;  // the tag of the root; empty for the usual
+};
+
+[[nodiscard]] ExitCode runSchema(const SchemaOptions& options, const Console& console);
+
+}  // namespace korvex

@@ -1,0 +1,26 @@
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string_view>
+
+#include "tool/OutOfMemory.h"
+#include "tool/Tool.h"
+
+namespace {
+
+// By convention an empty NO_COLOR says nothing.
+bool noColorWanted() {
+  const char* value = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): before any thread runs
+  return value != nullptr && !std::string_view(value).empty();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  korvex::endWhenMemoryRunsOut();
+  // With buffers of their own the streams notice every failed read and write.
+  std::ios::sync_with_stdio(false);
+  return korvex::runTool({argv + (argc > 0 ? 1 : 0), argv + argc},
+                         {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1, noColorWanted()});
+}

@@ -1,0 +1,306 @@
+// The rules by name, and what the checks find.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+#include "benchmarks/Documents.h"
+#include "checks/DocumentCheck.h"
+#include "checks/NearMiss.h"
+
+namespace korvex {
+namespace {
+
+const std::string root = KORVEX_SOURCE_DIR "/";
+
+TEST(Rules, HaveNamesOfTheirOwn) {
+  for (const Rule& rule : rules()) {
+    EXPECT_EQ(ruleNamed(rule.name), &rule) << rule.name;
+    EXPECT_EQ(rule.name.find_first_not_of("abcdefghijklmnopqrstuvwxyz-"), std::string_view::npos) << rule.name;
+  }
+  EXPECT_EQ(ruleNamed("no-such-rule"), nullptr);
+}
+
+TEST(Rules, EveryErrorOfADefinitionHasOne) {
+  const auto read = Document::fromFile(root + "examples/faults.xml");
+  std::set<std::string_view> violated;
+  for (const Definition& definition : loadDefinitions(*read.document)) {
+    violated.insert(ruleOfError(*definition.error).name);
+  }
+  const DocumentError unreadable{DocumentErrorKind::Unreadable, {}, {}};
+  for (const Rule& rule : rules()) {
+    if (rule.name == ruleOfError(unreadable).name) break;
+    EXPECT_TRUE(violated.contains(rule.name)) << rule.name;
+  }
+  EXPECT_EQ(ruleOfError(DocumentError{DocumentErrorKind::OutOfMemory, {}, {}}).name, "out-of-memory");
+}
+
+// -------------------------------------------------------------------------------------------
+// Warnings
+
+using Texts = std::vector<std::string>;
+
+WarningSelection everyWarning() {
+  WarningSelection selection;
+  for (const std::string_view name : warningNames()) selection.want(*ruleNamed(name), true);
+  return selection;
+}
+
+// "path:line:column: rule" for each finding of documents that are checked together, named "1", "2" and so on.
+Texts findingsIn(const Texts& documents, const WarningSelection& selection = everyWarning(), bool whole = false) {
+  SetCheck set(selection);
+  if (whole) set.takeForWhole();
+  Texts found;
+  const auto add = [&found](const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings) {
+      found.push_back(finding.path + ":" + std::to_string(finding.position.line) + ":" +
+                      std::to_string(finding.position.column) + ": " + std::string(finding.rule->name));
+    }
+  };
+  for (const std::string& text : documents) {
+    const auto read = Document::fromBytes(text);
+    EXPECT_TRUE(read.document) << text;
+    const std::string path = std::to_string(1 + static_cast<std::size_t>(&text - documents.data()));
+    if (read.document) add(set.check(path, *read.document, loadDefinitions(*read.document)));
+  }
+  add(set.finish());
+  return found;
+}
+
+std::string wrapped(std::string_view definitions) { return "<d>" + std::string(definitions) + "</d>"; }
+
+TEST(Warnings, AreGivenForWhatTheirRulesCallWrong) {
+  for (const std::string_view name : warningNames()) {
+    const Rule& rule = *ruleNamed(name);
+    const Texts wrong = findingsIn({wrapped(rule.wrong)});
+    ASSERT_EQ(wrong.size(), 1U) << name << testing::PrintToString(wrong);
+    EXPECT_TRUE(wrong[0].ends_with(": " + std::string(name))) << name << wrong[0];
+    EXPECT_EQ(findingsIn({wrapped(rule.right)}), Texts()) << name;
+  }
+}
+
+TEST(Warnings, StandWhereTheyAreSeen) {
+  const std::pair<const char*, Texts> cases[] = {
+      {"<select id='a' result='int' x='1' xml:lang='x' xmlns='u' y:z='1'>a</select>", {"1:1:32: unread-attribute"}},
+      {"<update id='a' result='int' resumable='1'><where prefix='x'/></update>",
+       {"1:1:19: unread-attribute", "1:1:32: unread-attribute", "1:1:53: unread-attribute"}},
+      {"<update id='a' arguments='b' foreach='b.c' resumable='1'>x</update>", {}},
+      {"<map id='m' result='P' x='1'><result column='a' property='b' x='1'/></map>",
+       {"1:1:27: unread-attribute", "1:1:65: unread-attribute"}},
+      // In definitions that are refused: what is sure nevertheless, and nothing about what was not built.
+      {"<update id='a'><step x='1' resumable='1'>%{</step><if/></update>",
+       {"1:1:25: unread-attribute", "1:1:54: condition-format"}},
+      {"<select id='a' result='int'><sql id='a' x='1'/></select>", {"1:1:32: unknown-element"}},
+      {"<nope id='a' x='1'/>", {"1:1:4: unknown-definition"}},
+      {"<upgrade toVersion='1'><!-- --><step resumable='yes'><if true='a'/></step></upgrade>",
+       {"1:1:41: lost-resumable"}},
+      {"<update id='a'><step resumable='no'>x</step></update>", {}},
+      {"<map id='m' result='P'><result column='a' property='b'/> <result property='c' column='a'>\n<x/></result></map>",
+       {"1:1:90: duplicate-column", "1:2:1: ignored-content"}},
+      {"<update id='a'><format prefix='a' pairs='b' join='c'> x </format></update>", {"1:1:58: ignored-content"}},
+      {"<update id='a' arguments='$a, b, a ,&#98;'>x</update>",
+       {"1:1:30: duplicate-argument", "1:1:30: duplicate-argument"}},
+      {"<pack as='a' properties='b, c,, c,b,'/>", {"1:1:36: repeated-property", "1:1:38: repeated-property"}},
+      {"<update id='a'><if true='x'><otherwise>x</otherwise></if></update>", {"1:1:32: misplaced-when"}},
+      {"<update id='a'><choose><otherwise><when true='x'/></otherwise></choose></update>", {"1:1:38: misplaced-when"}},
+      // Values
+      {"<select id='a' result='int' parallel='on' profile=' No' assignedTable='0'>x</select>",
+       {"1:1:42: doubtful-value"}},
+      {"<select id='a' result='int' parallel='Disabled' profile='falsch' assignedTable='+00'>x</select>", {}},
+      {"<update id='a' profile='ja' resumable='on' x='on'><where onVoid='Quit'/><where onVoid='none'/></update>",
+       {"1:1:28: doubtful-value", "1:1:32: unread-attribute", "1:1:47: unread-attribute", "1:1:69: doubtful-value"}},
+      {"<pack as='a' properties='b, c' crypt='yes'/><pack as='a' properties='b, c' crypt='true'/>",
+       {"1:1:42: doubtful-value"}},
+      {"<select id='a' result='[Product'>x</select><select id='b' result=':Product]'>x</select>",
+       {"1:1:27: doubtful-value", "1:1:70: doubtful-value", "1:1:71: undefined-map"}},
+      {"<select id='a' result='[Int]'>x</select><select id='b' result=' bool'>x</select>",
+       {"1:1:27: doubtful-value", "1:1:67: doubtful-value"}},
+      {"<select id='a' result='Integer'>x</select><select id='b' result='[text]'>x</select>",
+       {"1:1:27: doubtful-value", "1:1:69: doubtful-value"}},
+      {"<select id='a' result='Text'>x</select><select id='b' result='[Strings]'>x</select>", {}},
+      {"<select id='a' result='long long'>x</select><select id='b' result='[{}]'>x</select>", {}},
+      // Content and places
+      {"<pack as='a' properties='b, c'>\r\n \n  x</pack>", {"1:3:3: ignored-content"}},
+      {"<pack as='a' properties='b,\r\n c,\n\tc,\tb'/>", {"1:3:2: repeated-property", "1:3:5: repeated-property"}},
+      // List references
+      {"<update id='a'>x %{'*', a, b} y %{'*', c</update>", {"1:1:36: unfinished-list-reference"}},
+      {"<update id='a'>x %{a, b} y %{'*', c}</update>", {"1:1:21: unfinished-list-reference"}},
+      {"<update id='a'>a = '%{x}' AND b IN (%{'*', 1, 2})</update>", {"1:1:24: unfinished-list-reference"}},
+      {"<update id='a'>a LIKE '%{x}%' OR \"%{\" = '' OR %{'*', a, b}</update>", {"1:1:27: unfinished-list-reference"}},
+      {"<update id='a'>a LIKE '%{x}%' OR \"%{\" = ''</update>", {}},
+      {"<update id='a'><![CDATA[<>]]> x &#37;{'*', a</update>", {"1:1:19: unfinished-list-reference"}},
+      {"<sql id='a'>%{'*', a, b} <!-- %{ --> %{'*'</sql>", {"1:1:34: unfinished-list-reference"}},
+      {"<update id='a'>-- %{\n a /* %{ */ `%{` [%{] b -- it's %{</update>", {}},
+      {"<update id='a'>-- it's %{\n a [ %{'*'</update>", {"1:2:6: unfinished-list-reference"}},
+      {"<update id='a'>a IN (%{'*'}) /* %{x '*', b} */</update>", {"1:1:25: unfinished-list-reference"}},
+      {"<update id='a'>-- %{x '*', b}\n %{ '*' , b} '%{'*', c}' %{'{*,}',}</update>", {}},
+      {"<update id='a'>-- don't %{ x\n '*', b}</update>", {"1:1:28: unfinished-list-reference"}},
+      {"<update id='a'>%{'*', a} %{'*' x, a}</update>", {"1:1:29: unfinished-list-reference"}},
+      {"<update id='a'>%{'*', 'a', b}</update>", {"1:1:19: unfinished-list-reference"}},
+      {"<const A='a %{b'/>", {"1:1:16: unfinished-list-reference"}},
+      {"<update id='a'><foreach item='i' collection='%{'>%{i</foreach></update>",
+       {"1:1:53: unfinished-list-reference"}},
+  };
+  for (const auto& [definitions, expected] : cases) {
+    EXPECT_EQ(findingsIn({wrapped(definitions)}), expected) << definitions;
+  }
+}
+
+TEST(Warnings, AboutNamesInSeveralDocuments) {
+  const std::string one = "<d><select id='a' result=':m'>x</select>\n<map id='n' result='P'/><const C='1'/></d>";
+  const std::pair<Texts, Texts> cases[] = {
+      {{one, "<d><map id='m'/></d>"}, {"2:1:4: missing-map-result"}},
+      {{one}, {"1:1:28: undefined-map"}},
+      {{one, "<insert id='a'>x</insert>", "<select id='a' result='[:nn]'>x</select>"},
+       {"2:1:13: duplicate-name", "3:1:13: duplicate-name", "1:1:28: undefined-map", "3:1:26: undefined-map"}},
+      {{"<d><map id='m' result='P'/></d>", one, "<d><sql id='a'/><const n='1'/><const C='2'/></d>"},
+       {"3:1:38: duplicate-name"}},
+      {{"<d><upgrade toVersion='1'>x</upgrade><upgrade toVersion='1'>x</upgrade><select id='a'/><select id='a'/></d>"},
+       {"1:1:72: missing-result", "1:1:88: missing-result"}},
+  };
+  for (const auto& [documents, expected] : cases) EXPECT_EQ(findingsIn(documents), expected) << documents.back();
+
+  SetCheck set(everyWarning());
+  const auto read = Document::fromBytes(one);
+  const auto definitions = loadDefinitions(*read.document);
+  EXPECT_EQ(set.check("a.xml", *read.document, definitions).size(), 0U);
+  const std::vector<Finding> again = set.check("b.xml", *read.document, definitions);
+  ASSERT_EQ(again.size(), 3U);
+  EXPECT_EQ(again[0].related.at(0).path, "a.xml");
+  EXPECT_EQ(again[0].related.at(0).position, (XMLPosition{1, 4}));
+  EXPECT_EQ(again[0].definition->tag, "select");
+  const std::vector<Finding> late = set.finish();
+  ASSERT_EQ(late.size(), 2U);
+  EXPECT_EQ(late[0].help, "did you mean 'n'?");
+  EXPECT_EQ(late[0].end, (XMLPosition{1, 29}));
+
+  SetCheck incomplete(everyWarning());
+  static_cast<void>(incomplete.check("a.xml", *read.document, definitions));
+  incomplete.addUnread();
+  EXPECT_TRUE(incomplete.finish().empty());
+}
+
+TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
+  const std::string allow = "<!-- korvex: allow unread-attribute -->";
+  const std::string wrong = "<sql id='a' x=''/>";
+  const std::string missing = "<select id='a' result=':m'>x</select>";
+  const std::pair<std::string, Texts> cases[] = {
+      {allow + wrong, {}},
+      {"<!--korvex:\tallow\nunread-attribute-->\n <!-- why -->\n" + wrong, {}},
+      {allow + "<!-- korvex: allow duplicate-column -->" + wrong, {"1:1:43: unused-silence"}},
+      {wrong + allow, {"1:1:16: unread-attribute", "1:1:22: unused-silence"}},
+      {allow + "x" + wrong, {"1:1:4: unused-silence", "1:1:56: unread-attribute"}},
+      {allow + "<update id='u'><step x=''/></update>", {"1:1:4: unused-silence", "1:1:64: unread-attribute"}},
+      {"<update id='u'>a" + allow + "<where x=''/></update>", {}},
+      {"<update id='u'><![CDATA[" + allow + "]]><where x=''/></update>", {"1:1:77: unread-attribute"}},
+      {"<!-- korvex: allow condition-format --><update id='u'><if/></update>",
+       {"1:1:4: unknown-warning", "1:1:58: condition-format"}},
+      {"<!-- korvex: allow a b -->" + wrong, {"1:1:4: unknown-warning", "1:1:42: unread-attribute"}},
+      {"<!-- korvex: allow -->" + wrong, {"1:1:38: unread-attribute"}},
+      {"<!-- korvex: allow lost-resumable --><update id='u'>" + allow + "<if/></update>", {"1:1:95: condition-format"}},
+      {"<!-- korvex: allow duplicate-name --><update id='u'>" + allow + "<where/></update>",
+       {"1:1:56: unused-silence"}},
+      {"<!-- korvex: allow undefined-map -->" + missing, {}},
+      {"<!-- korvex: allow undefined-map -->" + missing + "<map id='m' result='P'/>", {"1:1:4: unused-silence"}},
+  };
+  for (const auto& [definitions, expected] : cases) {
+    EXPECT_EQ(findingsIn({wrapped(definitions)}), expected) << definitions;
+  }
+  EXPECT_EQ(findingsIn({wrapped("<!-- korvex: allow undefined-map -->" + missing)}, {}), Texts());
+}
+
+TEST(Warnings, OfUnusedSilencesAboutNamesWaitForTheWholeSet) {
+  const std::string allow = "<!-- korvex: allow duplicate-name -->";
+  const std::string other = "<d><delete id='a'>x</delete></d>";
+  const Texts unused = {"1:1:4: unused-silence"};
+  const std::tuple<Texts, Texts> cases[] = {
+      {{"<d>" + allow + "<update id='a'>x</update></d>"}, unused},
+      {{"<d>" + allow + "<update id='a'>x</update></d>", other}, {"2:1:16: duplicate-name"}},
+      {{other, "<d>" + allow + "<update id='a'>x</update></d>"}, {}},
+      {{"<d>" + allow + "<update id='a'>x</update></d>", "<d><sql id='a'>x</sql></d>"}, unused},
+      {{"<d>" + allow + "<update id='a'>x</update></d>", "<d><delete id='a'><if/></delete></d>"},
+       {"2:1:19: condition-format"}},
+      {{"<d>" + allow + "<const A=''/><const A='' B=''/></d>"}, {"1:1:54: const-format"}},
+      {{"<d>" + allow + "<upgrade toVersion='1'>x</upgrade></d>"}, unused},
+  };
+  for (const auto& [documents, expected] : cases) {
+    EXPECT_EQ(findingsIn(documents, everyWarning(), true), expected) << documents.back();
+  }
+}
+
+TEST(Warnings, DoNotTroubleDocumentsThatAreRight) {
+  for (const char* example : {"addressbook", "faults", "mistakes"}) {
+    const auto read = Document::fromFile(root + "examples/" + example + ".xml");
+    for (const Finding& finding : findingsOf("", *read.document, loadDefinitions(*read.document))) {
+      EXPECT_EQ(finding.severity, Severity::Error) << example << finding.position.line << finding.message;
+    }
+  }
+  // Chance chooses the names in this one.
+  WarningSelection selection;
+  for (const char* name : {"duplicate-argument", "duplicate-column", "repeated-property"})
+    selection.want(*ruleNamed(name), false);
+  EXPECT_EQ(findingsIn({benchmarks::believableDocument(2000)}, selection), Texts());
+}
+
+TEST(Errors, ComeWithWhatMayBeMeant) {
+  const std::string inUpdate = "<update id='u'>";
+  const std::pair<std::string, const char*> cases[] = {
+      {"<cont A='1'/>", "no definition is called 'cont'; did you mean 'const'?"},
+      {"<query/>", "no definition is called 'query'"},
+      {"<sql ID='a'>x</sql>", "'sql' has no attribute 'ID'; did you mean 'id'?"},
+      {"<sql name='a'>x</sql>", ""},
+      {"<Select id='a' result='int'/>", "did you mean 'select'?"},
+      {inUpdate + "<Where/></update>", "did you mean 'where'?"},
+      {inUpdate + "<sql id='a'/></update>", ""},
+      {"<map id='m' result='P'><reslt column='a' property='b'/></map>", ""},
+      {"<map id='m' result='P'><result colum='a' property='b'/></map>",
+       "'result' has no attribute 'colum'; did you mean 'column'?"},
+      {inUpdate + "<foreach item='i' collection='c' seperator=','>x</foreach></update>",
+       "'foreach' has no attribute 'seperator'; did you mean 'separator'?"},
+      {inUpdate + "<if test='a'>x</if></update>", ""},
+      {inUpdate + "<if ture='a'>x</if></update>", "'if' has no attribute 'ture'; did you mean 'true'?"},
+      {inUpdate + "<if true='a' flase='b'>x</if></update>", ""},
+      {inUpdate + "<trim prefix='p' prefixOveride='a'>x</trim></update>",
+       "'trim' has no attribute 'prefixOveride'; did you mean 'prefixOverrides'?"},
+      {"<select id='a' Result='int'>x</select>", "'select' has no attribute 'Result'; did you mean 'result'?"},
+      {"<upgrade toversion='1'>x</upgrade>", "'upgrade' has no attribute 'toversion'; did you mean 'toVersion'?"},
+      {"<pack as='a' propertys='b, c'/>", "'pack' has no attribute 'propertys'; did you mean 'properties'?"},
+  };
+  for (const auto& [definition, help] : cases) {
+    const auto read = Document::fromBytes(wrapped(definition));
+    const std::vector<Finding> findings = findingsOf("", *read.document, loadDefinitions(*read.document));
+    const auto error = std::find_if(findings.begin(), findings.end(),
+                                    [](const Finding& finding) { return finding.severity == Severity::Error; });
+    ASSERT_NE(error, findings.end()) << definition;
+    EXPECT_EQ(error->help, help) << definition;
+  }
+}
+
+// The parser counts in another text than the one that is there to be shown.
+TEST(Errors, DoNotEndBeforeTheyBegin) {
+  const DocumentError error{DocumentErrorKind::Malformed, "not well-formed", {1, 32}};
+  EXPECT_EQ(findingOf("", error, nullptr).end, (XMLPosition{1, 32}));
+}
+
+TEST(NearMiss, FindsSlipsOfTheFingers) {
+  const std::string veryLong = std::string(65, 'x') + "y";
+  const std::string longer = std::string(65, 'x');
+  const std::string_view words[] = {"id", "parallel", "profile", "assignedTable", "resumable", longer};
+  const std::pair<const char*, const char*> cases[] = {
+      {"paralell", "parallel"},
+      {"PARALLEL", "parallel"},
+      {"porfile", "profile"},
+      {"Id", "id"},
+      {"ids", "id"},
+      {"assignTable", "assignedTable"},
+      {"x", ""},
+      {"", ""},
+      {"columns", ""},
+      {veryLong.c_str(), ""},
+  };
+  for (const auto& [written, meant] : cases) EXPECT_EQ(nearestOf(written, words), meant) << written;
+}
+
+}  // namespace
+}  // namespace korvex

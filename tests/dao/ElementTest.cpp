@@ -1,0 +1,169 @@
+// Element trees over hand-built documents: the factory's contract, node kinds that parsers seldom
+// deliver, links inside a tree, and trees built on several threads.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "korvex/QXDAOElement.h"
+#include "tests/support/HandBuiltTree.h"
+
+namespace korvex {
+namespace {
+
+using Attributes = decltype(Hand::attributes);
+
+Hand select(std::vector<Hand> children) {
+  return Hand::element("select", {{"id", "s"}, {"result", "int"}}, std::move(children));
+}
+Hand update(std::vector<Hand> children) { return Hand::element("update", {{"id", "u"}}, std::move(children)); }
+Hand cdata() { return Hand::leaf(XMLNodeKind::CDATASection, "cdata"); }
+Hand instruction() { return Hand::leaf(XMLNodeKind::ProcessingInstruction, "pi"); }
+Hand comment() { return Hand::leaf(XMLNodeKind::Comment, "note"); }
+
+std::string messageOf(const Hand& definition) {
+  const HandBuiltTree tree(definition);
+  std::optional<QXDAOError> error;
+  return QXDAOElement::elementWithXML(tree.root(), &error) ? "built" : std::string(error->message());
+}
+
+// The element of a definition that must build, as its class; the tree may go, elements copy.
+template <typename T>
+std::unique_ptr<T> built(const Hand& definition) {
+  auto element = QXDAOElement::elementWithXML(HandBuiltTree(definition).root());
+  T* cast = QXDAOElementCast<T>(element.get());
+  EXPECT_NE(cast, nullptr);
+  return std::unique_ptr<T>(cast ? static_cast<T*>(element.release()) : new T);
+}
+
+TEST(Factory, ErrorRecord) {
+  const HandBuiltTree tree(update({Hand::element("where", {}, {Hand::element("nope")})}));
+  std::optional<QXDAOError> error;
+  EXPECT_EQ(QXDAOElement::elementWithXML(tree.root(), &error), nullptr);
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->domain, "korvex.dao");
+  EXPECT_EQ(error->code, 0);
+  ASSERT_EQ(error->userInfo.size(), 2U);
+  EXPECT_EQ(std::get<std::string>(error->userInfo.at("error")), "Unknown element with type nope.");
+  EXPECT_EQ(std::get<XMLNode>(error->userInfo.at("xml")), tree.root());
+  EXPECT_EQ(error->origin, tree.root().firstChild().firstChild());
+  EXPECT_EQ(QXDAOElement::elementWithXML(tree.root()), nullptr);
+  error.emplace().code = 7;  // a record that was there is replaced
+  EXPECT_EQ(QXDAOElement::elementWithXML(tree.root(), &error), nullptr);
+  EXPECT_EQ(error->code, 0);
+  EXPECT_EQ(QXDAOError().message(), "");
+  EXPECT_FALSE(QXDAOError().xml());
+}
+
+TEST(Factory, LeavesTheSlotAloneOnSuccess) {
+  const HandBuiltTree tree(update({Hand::text("x")}));
+  std::optional<QXDAOError> error;
+  error.emplace().code = 7;
+  EXPECT_NE(QXDAOElement::elementWithXML(tree.root(), &error), nullptr);
+  EXPECT_EQ(error->code, 7);
+}
+
+TEST(Elements, NodeKindsThatAreNeitherElementTextNorComment) {
+  const Attributes id = {{"id", "x"}};
+  const Attributes loop = {{"item", "i"}, {"collection", "c"}};
+  const std::vector<std::pair<Hand, const char*>> cases = {
+      {select({cdata(), instruction(), comment()}), "built"},
+      {Hand::element("sql", id, {comment(), cdata()}), "Sql block 'x' is of wrong format."},
+      {Hand::element("map", {{"id", "x"}, {"result", "A"}}, {cdata()}), "Map 'x' is of wrong format."},
+      {Hand::element("map", {{"id", "x"}, {"result", "A"}}, {Hand::text(" \n")}), "Map 'x' is of wrong format."},
+      {update({Hand::element("foreach", loop, {cdata()})}), "Foreach should only contain iterator expression as text."},
+      {update({Hand::element("choose", {}, {cdata(), Hand::text(" \n"), comment()})}), "built"},
+      {Hand::element("const", {{"A", "1"}}, {Hand::text(" ")}), "Invalid constant declaration ' '."},
+      {Hand::element("const", {{"A", "1"}}, {instruction()}), "Invalid constant declaration ''."},
+      {Hand::element("crypt", {{"class", "A"}, {"property", "p"}}, {Hand::text("\n")}),
+       "Invalid crypt property declaration '\n'."},
+      // Nameless nodes: an absent tag reads "(null)", an absent attribute name is no name.
+      {Hand::element(std::nullopt, id), "Unknown root node type '(null)'."},
+      {update({Hand::element(std::nullopt)}), "Unknown element with type (null)."},
+      {update({Hand::element("if", {{std::nullopt, "a"}})}), "Condition 'if' is of wrong format."},
+      {update({Hand::element("if", {{"true", std::nullopt}})}), "Condition 'if' is of wrong format."},
+      {Hand::element("const", {{"", "1"}}), "Invalid constant declaration ''."},
+      {Hand::element("const", {{std::nullopt, "1"}}), "Invalid constant declaration ''."},
+      {Hand::element("sql", {{"id", std::nullopt}}), "Element name(id attribute) is empty."},
+      {{XMLNodeKind::Text, "sql", "text", {{"id", "x"}}, {}}, "Element name(id attribute) is empty."},
+  };
+  for (const auto& [definition, message] : cases) EXPECT_EQ(messageOf(definition), message);
+}
+
+TEST(Elements, StepsAreLinkedOrDissolved) {
+  const Hand step = Hand::element("step", {{"resumable", "yes"}}, {Hand::text("A")});
+  const auto stepped = built<QXDAOMethod>(update({step, comment(), Hand::text("\n"), Hand::element("step")}));
+  ASSERT_EQ(stepped->children()->size(), 2U);
+  EXPECT_TRUE(stepped->steped());
+  const auto* first = QXDAOElementCast<QXDAOMethodStep>(stepped->children()->front().get());
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(first->parentMethod(), stepped.get());
+  EXPECT_TRUE(first->resumable());
+
+  const auto dissolved = built<QXDAOMethod>(update({step}));
+  ASSERT_EQ(dissolved->children()->size(), 1U);
+  EXPECT_EQ(QXDAOElementCast<QXDAOText>(dissolved->children()->front().get())->expression(), "A");
+  EXPECT_FALSE(dissolved->steped());
+  EXPECT_TRUE(built<QXDAOMethod>(update({Hand::element("step")}))->children()->empty());
+}
+
+TEST(Elements, TryAndExceptAreLinked) {
+  const auto method = built<QXDAOMethod>(select(
+      {Hand::text(" "), Hand::element("try", {}, {Hand::text("A"), Hand::element("except"), Hand::text("\n")})}));
+  EXPECT_TRUE(method->tryBlock());
+  const auto* block = QXDAOElementCast<QXDAOTry>(method->children()->front().get());
+  ASSERT_NE(block, nullptr);
+  EXPECT_EQ(block->parentMethod(), method.get());
+  EXPECT_EQ(block->exceptElement(), block->children()->back().get());
+  EXPECT_EQ(block->exceptElement()->tryElement(), block);
+}
+
+TEST(Elements, EngineSlotsStartEmptyAndKeepWhatTheyGet) {
+  struct Plan : QXDAOEngineValue {};
+  const auto method = built<QXDAOMethod>(update({Hand::text("A")}));
+  EXPECT_FALSE(method->_ignoreCounter || method->_counter || method->_cls || method->_mappingInfo || method->module());
+  EXPECT_EQ(method->_mappingSequence, 0);
+  auto* text = QXDAOElementCast<QXDAOText>(method->children()->front().get());
+  auto list = std::make_unique<QXDAOEngineList>();
+  list->push_back(std::make_unique<Plan>());
+  text->setSpeedyList(std::move(list));
+  EXPECT_EQ(text->speedyList()->size(), 1U);
+  EXPECT_TRUE(method->arguments() && method->arguments()->empty());
+  EXPECT_FALSE(QXDAOMethodArgument().notNull());
+}
+
+// Engines store these numbers and are built apart from this library.
+TEST(Elements, NumbersOfEnumeratorsNeverChange) {
+  const std::vector<std::vector<std::uint64_t>> enumerations = {
+      {QXDAOOperationSelect, QXDAOOperationUpdate, QXDAOOperationInsert, QXDAOOperationDelete, QXDAOOperationUpgrade},
+      {QXDAOSelectResultTypeInt, QXDAOSelectResultTypeLongLong, QXDAOSelectResultTypeBool, QXDAOSelectResultTypeDouble,
+       QXDAOSelectResultTypeString, QXDAOSelectResultTypeBinary, QXDAOSelectResultTypeColumnMap,
+       QXDAOSelectResultTypeObject, QXDAOSelectResultTypeMappedObject},
+      {QXDAOConditionTypeIf, QXDAOConditionTypeWhen, QXDAOConditionTypeOtherwise},
+      {QXDAOTrimOnVoidTypeNone, QXDAOTrimOnVoidTypeQuit, QXDAOTrimOnVoidTypeIgnoreAfter},
+      {QXDAOTextSpeedyStatusNone, QXDAOTextSpeedyStatusValid, QXDAOTextSpeedyStatusInvalid},
+      {QXDAOTokenTypeName, QXDAOTokenTypeNumber, QXDAOTokenTypeString, QXDAOTokenTypeOperator, QXDAOTokenTypeBracket},
+  };
+  for (const auto& numbers : enumerations) {
+    for (std::size_t number = 0; number < numbers.size(); ++number) EXPECT_EQ(numbers[number], number);
+  }
+}
+
+TEST(Elements, TreesAreBuiltOnSeveralThreadsFromOneDocument) {
+  const HandBuiltTree tree(update(
+      {Hand::text("SELECT %{'*', a, b}"), Hand::element("where", {}, {Hand::element("if", {{"true", "a > 1"}})})}));
+  const auto build = [&tree] {
+    for (int turn = 0; turn < 500; ++turn) ASSERT_NE(QXDAOElement::elementWithXML(tree.root()), nullptr);
+  };
+  std::vector<std::thread> threads;
+  for (int count = 0; count < 4; ++count) threads.emplace_back(build);
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(MappingSequence, CountsUp) {
+  EXPECT_EQ(GetQXDAOMappingSequence(), 0);
+  IncreaseQXDAOMappingSequence();
+  EXPECT_EQ(GetQXDAOMappingSequence(), 1);
+}
+
+}  // namespace
+}  // namespace korvex

@@ -1,0 +1,27 @@
+// An engine that links korvex::dao with its own evaluator: what tokenises is for that to say.
+#include <gtest/gtest.h>
+
+#include "korvex/QXDAOElement.h"
+#include "tests/support/HandBuiltTree.h"
+
+namespace korvex {
+
+QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view expression) {
+  if (expression != "#") return {};
+  return {{QXDAOTokenTypeOperator, "mine"}};
+}
+
+namespace {
+
+bool builds(const char* expression) {
+  const HandBuiltTree tree(Hand::element("update", {{"id", "u"}}, {Hand::element("if", {{"true", expression}})}));
+  return QXDAOElement::elementWithXML(tree.root()) != nullptr;
+}
+
+TEST(OwnEvaluator, Decides) {
+  EXPECT_TRUE(builds(" # "));
+  EXPECT_FALSE(builds("a > 1"));
+}
+
+}  // namespace
+}  // namespace korvex

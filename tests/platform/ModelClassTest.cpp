@@ -1,0 +1,140 @@
+// Model classes at run time: what a description declares, and fields under their ownership rules.
+#include <gtest/gtest.h>
+
+#include "korvex/ModelClass.h"
+#include "tests/support/Models.h"
+
+namespace korvex {
+namespace {
+
+// A second base in front, so that the ModelObject does not begin the object.
+struct Observer {
+  virtual ~Observer() = default;
+  int notices = 0;
+};
+
+class Holder : public Observer, public Model<Holder> {
+ public:
+  static void describe(ModelDescription<Holder>& model) {
+    model.property("strong", &Holder::strong);
+    model.property("weak", &Holder::weak);
+    model.property("raw", &Holder::raw);
+    model.property("list", &Holder::list);
+    model.property("crypted", &Holder::crypted);
+    model.propertyWithoutField<double>("ratio");
+  }
+
+  std::shared_ptr<Person> strong;
+  std::weak_ptr<Person> weak;
+  Person* raw = nullptr;
+  std::vector<int> list;
+  bool crypted = false;
+};
+
+std::shared_ptr<ModelObject> objectIn(const ModelObject& object, const char* fieldName) {
+  const ObjectValue value = getObjectField(object, *getField(getClass(object), fieldName));
+  const auto* held = std::get_if<std::shared_ptr<ModelObject>>(&value);
+  EXPECT_TRUE(!held || *held);  // no object is absent, not a null one
+  return held ? *held : nullptr;
+}
+
+TEST(ModelClass, TellsPropertiesAndFields) {
+  const ModelClass& holder = getClass(Holder());
+  EXPECT_EQ(&holder, &Holder::describedClass());
+  const std::vector<std::pair<const char*, const char*>> attributes = {
+      {"crypted", "TB,N,V_crypted"}, {"ratio", "Td,N"}, {"strong", "T@,N,V_strong"}, {"list", "T@,N,V_list"}};
+  for (const auto& [name, expected] : attributes) {
+    const ModelProperty* property = getProperty(holder, name);
+    ASSERT_NE(property, nullptr) << name;
+    EXPECT_STREQ(getPropertyName(*property), name);
+    EXPECT_STREQ(getPropertyAttributes(*property), expected);
+  }
+  EXPECT_EQ(getProperty(holder, "Crypted"), nullptr);
+  EXPECT_EQ(getField(holder, "crypted"), nullptr);
+  const ModelClass& types = AllTypes::describedClass();
+  EXPECT_STREQ(getPropertyAttributes(*getProperty(types, "text")), "T@\"String\",N,V_text");
+  EXPECT_STREQ(getFieldTypeEncoding(*getField(types, "_number")), "@\"Number\"");
+  EXPECT_STREQ(getPropertyAttributes(*getProperty(Person::describedClass(), "age")), "Ti,N,Vyears");
+}
+
+TEST(ModelClass, InheritsFromItsBase) {
+  const Employee employee;
+  const ModelClass& cls = getClass(employee);
+  EXPECT_EQ(cls.superclass, &Person::describedClass());
+  EXPECT_EQ(getProperty(cls, "nickname"), getProperty(Person::describedClass(), "nickname"));
+  EXPECT_NE(getField(cls, "_salary"), nullptr);
+  EXPECT_EQ(getField(Person::describedClass(), "_salary"), nullptr);
+}
+
+TEST(ModelClass, OffsetsHoldBehindAnotherBase) {
+  Holder holder;
+  holder.crypted = true;
+  const ModelObject& object = holder;
+  const std::ptrdiff_t offset = getFieldOffset(*getField(getClass(object), "_crypted"));
+  EXPECT_EQ(reinterpret_cast<const char*>(&object) + offset, reinterpret_cast<const char*>(&holder.crypted));
+}
+
+TEST(ModelClass, FieldsKeepTheirOwnershipRule) {
+  Holder holder;
+  const auto set = [&holder](const char* name, const ObjectValue& value) {
+    setObjectField(holder, *getField(getClass(holder), name), value);
+  };
+  auto person = std::make_shared<Employee>();
+  const std::weak_ptr<Employee> watch = person;
+  for (const char* name : {"_strong", "_weak", "_raw"}) {
+    set(name, person);
+    EXPECT_EQ(objectIn(holder, name), person) << name;
+  }
+  EXPECT_EQ(person.use_count(), 2);  // the strong field's and this one
+  for (const char* name : {"_strong", "_weak", "_raw"}) {
+    set(name, std::make_shared<Holder>());  // not a Person
+    EXPECT_EQ(objectIn(holder, name), nullptr) << name;
+    for (const ObjectValue& other : {ObjectValue(std::string_view("text")), ObjectValue(std::shared_ptr<Person>())}) {
+      set(name, person);
+      set(name, other);
+      EXPECT_EQ(objectIn(holder, name), nullptr) << name;
+    }
+  }
+  set("_weak", person);
+  person.reset();
+  EXPECT_TRUE(watch.expired());
+  EXPECT_EQ(objectIn(holder, "_weak"), nullptr);
+  set("_list", std::string_view("text"));
+  set("_crypted", NumberObject(true));
+  EXPECT_FALSE(holder.crypted || objectIn(holder, "_list"));
+}
+
+TEST(ModelClass, TextsAndNumbersAreReplaced) {
+  AllTypes object;
+  object.fill();
+  const auto set = [&object](const char* name, const ObjectValue& value) {
+    const ModelField& field = *getField(getClass(object), name);
+    setObjectField(object, field, value);
+    return getObjectField(object, field);
+  };
+  const ObjectValue text = std::string_view("t");
+  const ObjectValue number = NumberObject(1.5);
+  EXPECT_EQ(set("_text", text), text);
+  EXPECT_EQ(set("_plain", text), text);
+  EXPECT_EQ(set("_number", number), number);
+  // A value of another kind counts as absent; a std::string has no such state.
+  EXPECT_EQ(set("_text", number), ObjectValue());
+  EXPECT_EQ(set("_plain", number), ObjectValue(std::string_view()));
+  EXPECT_EQ(set("_number", text), ObjectValue());
+}
+
+TEST(NumberObject, RemembersItsType) {
+  EXPECT_EQ(NumberObject(5L).typeCode(), 'q');
+  EXPECT_EQ(NumberObject('a').typeCode(), 'c');
+  EXPECT_EQ(NumberObject(5UL).value<unsigned long long>(), 5ULL);
+  EXPECT_EQ(NumberObject(5).value<long>(), std::nullopt);
+  EXPECT_EQ(NumberObject(5L), NumberObject(5LL));
+  EXPECT_FALSE(NumberObject(5) == NumberObject(5L));
+  EXPECT_EQ(NumberObject(0.0), NumberObject(-0.0));
+  EXPECT_EQ(NumberObject(0.0F), NumberObject(-0.0F));
+  EXPECT_FALSE(NumberObject(true) == NumberObject(false));
+  EXPECT_FALSE(NumberObject(256) == NumberObject(512));
+}
+
+}  // namespace
+}  // namespace korvex

@@ -1,0 +1,120 @@
+// Every rule says what it means by examples that are tried out here.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "checks/DocumentCheck.h"
+#include "tests/support/RunTool.h"
+
+namespace korvex {
+namespace {
+
+std::string wrapped(std::string_view example) { return "<korvex>\n" + std::string(example) + "\n</korvex>"; }
+
+// An example cannot be as large as a limit is, so the limit comes down to it: what is right just keeps it.
+LoadOptions limitsFor(const Rule& rule) {
+  LoadOptions options;
+  if (rule.name == "oversized-document") options.maximumBytes = wrapped(rule.right).size();
+  if (rule.name == "oversized-expansion") options.maximumExpandedBytes = 100;
+  if (rule.name == "deep-document") options.maximumDepth = 4;
+  return options;
+}
+
+std::vector<Finding> findingsIn(const Rule& rule, std::string_view example) {
+  const auto result = Document::fromBytes(wrapped(example), limitsFor(rule));
+  if (!result.document) return {findingOf("example", *result.error, result.source.get())};
+  WarningSelection everyWarning;
+  for (const std::string_view name : warningNames()) everyWarning.want(*ruleNamed(name), true);
+  SetCheck set(everyWarning);
+  std::vector<Finding> findings = set.check("example", *result.document, loadDefinitions(*result.document));
+  for (Finding& finding : set.finish()) findings.push_back(std::move(finding));
+  return findings;
+}
+
+TEST(Rules, ExamplesViolateTheirRuleAndNoOther) {
+  for (const Rule& rule : rules()) {
+    SCOPED_TRACE(rule.name);
+    EXPECT_TRUE(!rule.help.empty() && !rule.meaning.empty());
+    if (rule.severity == Severity::Warning) continue;                                  // ChecksTest tries these out
+    if (rule.name == "unreadable-document" || rule.name == "out-of-memory") continue;  // about no text
+    const std::vector<Finding> wrong = findingsIn(rule, rule.wrong);
+    EXPECT_FALSE(wrong.empty());
+    for (const Finding& finding : wrong) EXPECT_EQ(finding.rule->name, rule.name) << finding.message;
+    for (const Finding& finding : findingsIn(rule, rule.right)) ADD_FAILURE() << finding.message;
+  }
+}
+
+TEST(Rules, MessagesLeadToTheirRules) {
+  const Outcome short_ = run({"check", "--format", "short", KORVEX_SOURCE_DIR "/examples/faults.xml"});
+  std::istringstream lines(short_.out);
+  std::size_t count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    const std::string name = line.substr(line.rfind('[') + 1, line.size() - line.rfind('[') - 2);
+    const std::string message = line.substr(0, line.rfind(" ["));
+    for (const std::string& what :
+         {name, line, message, message.substr(message.find(": error: ") + 9), "\n  " + message + "\r\n<select>\n^\n",
+          message.substr(0, message.find_last_not_of('.') + 1)}) {
+      const Outcome explained = run({"explain", what});
+      EXPECT_TRUE(explained.out.starts_with(name + " (error, always on)\n")) << what << explained.err;
+    }
+  }
+  EXPECT_EQ(count, 34U);
+  for (const char* document : {"",
+                               "<",
+                               "<a>",
+                               "<a></b>",
+                               "<a/><b/>",
+                               "<a b='' b=''/>",
+                               "<a>&x;</a>",
+                               "<a>\x01</a>",
+                               "</a>",
+                               "<a>\xFF</a>",
+                               "<a><!--</a>",
+                               "<a b=<></a>",
+                               "<a>&</a>",
+                               "<a>]]></a>",
+                               "x",
+                               "<a>&#0;</a>",
+                               "<?xml version='1.0' encoding='x'?><a/>",
+                               "<!DOCTYPE a [<!ENTITY b ''>]><a/>",
+                               "< a/>",
+                               "<a b c='d'/>",
+                               "<a b=c/>",
+                               "<a b='c'd='e'/>",
+                               "<a b='c', d='e'/>",
+                               "<a b='c' <d/></a>",
+                               "<a / b>",
+                               "<a>\uFFFE</a>",
+                               "<a b='\n<c d='e'/></a>"}) {
+    const std::string out = run({"check", "-"}, document).out;
+    EXPECT_TRUE(run({"explain", out}).out.starts_with("malformed-document ")) << out;
+  }
+}
+
+TEST(Rules, UnknownOnesAreToldWithAGuess) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"conditon-format", "; did you mean 'condition-format'?"},
+      {"Condition-Format", "; did you mean 'condition-format'?"},
+      {"\n x\ty [z] \nmore", "no rule and no message 'x\\ty [z]'\n"},
+      {"main.cpp:1:2: error: expected ';' before '}' token", "no message 'main.cpp"},
+      {"", "no message ''\n"},
+      {"Condition 'if' is wrong", "no message 'Condition 'if' is wrong'\n"},
+  };
+  for (const auto& [what, told] : cases) {
+    const Outcome outcome = run({"explain", what});
+    EXPECT_EQ(outcome.code, ExitCodeTrouble);
+    EXPECT_NE(outcome.err.find(told), std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+  }
+}
+
+TEST(Rules, ExplanationsFitATerminal) {
+  std::string text = run({"explain"}).out;
+  for (const Rule& rule : rules()) text += run({"explain", std::string(rule.name)}).out;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
+}
+
+}  // namespace
+}  // namespace korvex
