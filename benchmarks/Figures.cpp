@@ -7,6 +7,8 @@
 #include <sstream>
 #include <string_view>
 
+#include "korvex/QXDAOPackReader.h"
+
 namespace korvex::benchmarks {
 
 namespace {

@@ -1,12 +1,13 @@
 // What was measured, by name, and the table that is made of it.
 #pragma once
-
 #include <benchmark/benchmark.h>
 
 #include <map>
 #include <ostream>
 #include <string>
 #include <vector>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex::benchmarks {
 

@@ -1,7 +1,8 @@
 // What the program asks the heap for.
 #pragma once
-
 #include <cstdint>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex::benchmarks {
 

@@ -3,6 +3,16 @@
 
 #include "benchmarks/Heap.h"
 #include "benchmarks/Measuring.h"
+#include "korvex/Definition.h"
+#include "korvex/QXDAOChoose.h"
+#include "korvex/QXDAOCondition.h"
+#include "korvex/QXDAOContainerElement.h"
+#include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOExcept.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOMethodStep.h"
+#include "korvex/QXDAOTrim.h"
+#include "korvex/QXDAOTry.h"
 
 namespace korvex::benchmarks {
 

@@ -9,6 +9,7 @@
 
 #include "benchmarks/Documents.h"
 #include "benchmarks/Measuring.h"
+#include "korvex/Definition.h"
 
 namespace korvex::benchmarks {
 

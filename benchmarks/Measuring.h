@@ -13,7 +13,8 @@
 #include <vector>
 
 #include "benchmarks/Figures.h"
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
 
 namespace korvex::benchmarks {
 

@@ -11,6 +11,8 @@
 
 #include "Person.pb.h"
 #include "benchmarks/PackFormat.h"
+#include "korvex/NumberObject.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex::benchmarks {
 

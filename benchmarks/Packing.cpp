@@ -4,6 +4,8 @@
 #include <string_view>
 
 #include "benchmarks/PackFormat.h"
+#include "korvex/QXDAOPack.h"
+#include "korvex/QXDAOPackEncode.h"
 
 namespace korvex::benchmarks {
 

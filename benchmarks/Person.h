@@ -7,6 +7,9 @@
 #include <utility>
 
 #include "korvex/ModelClass.h"
+#include "korvex/NumberObject.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex::benchmarks {
 

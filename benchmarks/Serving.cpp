@@ -7,6 +7,7 @@
 #include "benchmarks/Documents.h"
 #include "benchmarks/Measuring.h"
 #include "checks/DocumentCheck.h"
+#include "korvex/QXDAOPackReader.h"
 #include "lsp/Server.h"
 
 namespace korvex::benchmarks {

@@ -5,6 +5,7 @@
 
 #include "benchmarks/Documents.h"
 #include "benchmarks/Measuring.h"
+#include "korvex/QXDAOText.h"
 
 namespace korvex::benchmarks {
 

@@ -1,7 +1,9 @@
 // Puts people of an address book into a new table of an SQLite file, what the app knows of their
 // work packed into one column: pack_people DATABASE [DEFINITIONS]
-#include <korvex/DefinitionLoader.h>
+#include <korvex/Definition.h>
+#include <korvex/Document.h>
 #include <korvex/ModelClass.h>
+#include <korvex/QXDAOPack.h>
 #include <sqlite3.h>
 
 #include <algorithm>

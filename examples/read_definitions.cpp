@@ -1,4 +1,5 @@
-#include <korvex/DefinitionLoader.h>
+#include <korvex/Definition.h>
+#include <korvex/QXDAOMethod.h>
 
 #include <iostream>
 

@@ -4,6 +4,7 @@
 #include "checks/RuleNames.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
+#include "korvex/Document.h"
 #include "tool/CheckCommand.h"
 #include "tool/DumpCommand.h"
 #include "tool/ElementJson.h"

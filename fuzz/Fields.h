@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "korvex/NumberObject.h"
+#include "korvex/OptionalString.h"
 #include "tests/support/Models.h"
 #include "tool/Hex.h"
 

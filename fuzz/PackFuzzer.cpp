@@ -7,6 +7,9 @@
 #include "fuzz/Disagreement.h"
 #include "fuzz/Fields.h"
 #include "fuzz/Units.h"
+#include "korvex/NumberObject.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tests/support/Packs.h"
 #include "tool/PackedValue.h"
 

@@ -6,9 +6,11 @@
 
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
-#include "korvex/DefinitionLoader.h"
-#include "korvex/Strings.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/XMLNode.h"
 #include "loader/ExpatParser.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 namespace {

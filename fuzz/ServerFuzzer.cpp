@@ -14,6 +14,7 @@
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
 #include "fuzz/Units.h"
+#include "korvex/QXDAOPackReader.h"
 #include "lsp/Server.h"
 
 namespace korvex::lsp {

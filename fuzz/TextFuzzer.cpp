@@ -3,6 +3,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/PlainListReferences.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOText.h"
 #include "tests/support/HandBuiltTree.h"
 
 namespace korvex {

@@ -7,6 +7,8 @@
 #include "fuzz/Fields.h"
 #include "fuzz/Input.h"
 #include "fuzz/Units.h"
+#include "korvex/QXDAOPack.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tests/support/Packs.h"
 #include "tool/PackedTable.h"
 #include "tool/PackedValue.h"

@@ -6,7 +6,8 @@
 #include <memory>
 #include <string_view>
 
-#include "korvex/Strings.h"
+#include "korvex/OptionalString.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

@@ -44,7 +44,8 @@
 
 #include "korvex/Export.h"
 #include "korvex/NumberObject.h"
-#include "korvex/Strings.h"
+#include "korvex/OptionalString.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

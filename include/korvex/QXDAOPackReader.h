@@ -7,6 +7,7 @@
 
 #include "korvex/Export.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPackEncode.h"
 
 namespace korvex {
 

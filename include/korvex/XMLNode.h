@@ -14,7 +14,8 @@
 #include <string_view>
 
 #include "korvex/Export.h"
-#include "korvex/Strings.h"
+#include "korvex/OptionalString.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

@@ -9,6 +9,13 @@
 #include "checks/Places.h"
 #include "checks/RuleNames.h"
 #include "checks/Silences.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOError.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/SourceText.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 

@@ -8,7 +8,10 @@
 #include "checks/Finding.h"
 #include "checks/SetNames.h"
 #include "checks/WarningSelection.h"
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/SourceText.h"
 
 namespace korvex {
 

@@ -9,8 +9,12 @@
 #include "checks/NearMiss.h"
 #include "checks/RuleNames.h"
 #include "dao/core/Reading.h"
-#include "korvex/Strings.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/XMLNode.h"
 #include "language/Vocabulary.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

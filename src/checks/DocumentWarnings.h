@@ -2,7 +2,7 @@
 #pragma once
 
 #include "checks/WarningList.h"
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
 
 namespace korvex {
 

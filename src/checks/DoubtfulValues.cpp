@@ -4,8 +4,10 @@
 #include <array>
 
 #include "checks/NearMiss.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
-#include "korvex/Strings.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

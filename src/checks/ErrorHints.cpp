@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "checks/NearMiss.h"
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 #include "language/Vocabulary.h"
 #include "platform/Tables.h"

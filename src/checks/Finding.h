@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "checks/Rules.h"
+#include "korvex/OptionalString.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {

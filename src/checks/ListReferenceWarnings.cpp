@@ -8,7 +8,12 @@
 #include "checks/SqlSkipping.h"
 #include "dao/core/Reading.h"
 #include "dao/fragments/ListReferenceScan.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/QXDAOText.h"
+#include "korvex/XMLNode.h"
 #include "platform/Tables.h"
 
 namespace korvex {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "checks/WarningList.h"
+#include "korvex/XMLNode.h"
 #include "language/Vocabulary.h"
 
 namespace korvex {

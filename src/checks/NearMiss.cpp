@@ -4,7 +4,7 @@
 #include <numeric>
 #include <vector>
 
-#include "korvex/Strings.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
 #include "language/Markup.h"

@@ -4,8 +4,10 @@
 #include <span>
 #include <string_view>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOError.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

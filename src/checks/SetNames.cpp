@@ -3,6 +3,11 @@
 #include <algorithm>
 
 #include "checks/RuleNames.h"
+#include "korvex/Definition.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOElement.h"
+#include "korvex/XMLNode.h"
 #include "platform/Tables.h"
 
 namespace korvex {

@@ -9,6 +9,9 @@
 #include <vector>
 
 #include "checks/WarningList.h"
+#include "korvex/Definition.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "checks/WarningList.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

@@ -1,9 +1,10 @@
 // Where SQL says nothing: strings, quoted names and comments.
 #pragma once
-
 #include <array>
 #include <cstddef>
 #include <string_view>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

@@ -1,5 +1,9 @@
 #include "checks/WarningList.h"
 
+#include "korvex/Definition.h"
+#include "korvex/Keywords.h"
+#include "korvex/XMLNode.h"
+
 namespace korvex {
 
 Finding::InDefinition inDefinition(const Definition& definition) {

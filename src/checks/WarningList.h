@@ -8,6 +8,9 @@
 
 #include "checks/Finding.h"
 #include "checks/Places.h"
+#include "korvex/Definition.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "checks/Rules.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

@@ -7,6 +7,8 @@
 #include <system_error>
 #include <utility>
 
+#include "korvex/QXDAOPackReader.h"
+
 namespace korvex {
 namespace {
 

@@ -4,6 +4,8 @@
 #include <array>
 #include <unordered_map>
 
+#include "korvex/QXDAOPackReader.h"
+
 namespace korvex {
 
 namespace {

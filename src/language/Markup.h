@@ -3,11 +3,12 @@
 // Not a parser: it refuses nothing, so that there are completions and symbols while tags and quotes are still open.
 // What is wrong with the text the loader says.
 #pragma once
-
 #include <cstddef>
 #include <optional>
 #include <string_view>
 #include <vector>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 
 namespace korvex {

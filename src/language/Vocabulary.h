@@ -3,9 +3,10 @@
 // For those who help people write definitions: schemas, editors, documents. Whether a definition is right the elements
 // of DAO/ decide; tests hold this table against them.
 #pragma once
-
 #include <span>
 #include <string_view>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

@@ -4,9 +4,10 @@
 #include <string_view>
 #include <utility>
 
-#include "korvex/Strings.h"
+#include "korvex/XMLNode.h"
 #include "loader/DocumentErrors.h"
 #include "loader/ExpatParser.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

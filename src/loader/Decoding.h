@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
 
 namespace korvex {
 

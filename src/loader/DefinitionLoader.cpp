@@ -1,8 +1,13 @@
-#include "korvex/DefinitionLoader.h"
-
 #include <algorithm>
 #include <array>
 #include <utility>
+
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/Keywords.h"
+#include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOError.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 

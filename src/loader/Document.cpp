@@ -1,10 +1,12 @@
+#include "korvex/Document.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
 #include <utility>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/QXDAOPackReader.h"
 #include "loader/Decoding.h"
 #include "loader/PugiTree.h"
 #include "loader/StrictPass.h"

@@ -1,7 +1,7 @@
 // Reasons for having no document that several steps of loading give.
 #pragma once
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
 
 namespace korvex {
 

@@ -5,7 +5,10 @@
 #include <vector>
 
 #include "dao/core/Reading.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOText.h"
 
 namespace korvex {
 

@@ -6,7 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {

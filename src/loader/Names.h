@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "korvex/Strings.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

@@ -6,8 +6,10 @@
 #include <cstring>
 #include <type_traits>
 
-#include "korvex/Strings.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
 #include "loader/DocumentErrors.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

@@ -7,7 +7,9 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
 #include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
 #include "loader/ExpansionLimit.h"

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "korvex/QXDAOPackReader.h"
+
 namespace korvex {
 
 namespace {

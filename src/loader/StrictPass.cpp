@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "korvex/QXDAOPackReader.h"
 #include "loader/DocumentErrors.h"
 #include "loader/ExpatParser.h"
 #include "loader/SyntaxErrors.h"

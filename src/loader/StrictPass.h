@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
 #include "korvex/SourceText.h"
 
 namespace korvex {

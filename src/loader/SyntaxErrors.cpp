@@ -6,10 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "korvex/Strings.h"
+#include "korvex/QXDAOPackReader.h"
 #include "loader/ExpatParser.h"
 #include "loader/Names.h"
 #include "loader/TagFaults.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

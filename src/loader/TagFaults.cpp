@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "korvex/QXDAOPackReader.h"
 #include "loader/Names.h"
 #include "platform/Tables.h"
 

@@ -6,7 +6,9 @@
 #include <string_view>
 #include <utility>
 
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPackReader.h"
 #include "lsp/Descriptions.h"
 #include "lsp/Navigation.h"
 #include "lsp/Place.h"

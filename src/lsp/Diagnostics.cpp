@@ -5,7 +5,11 @@
 #include <string_view>
 
 #include "checks/DocumentCheck.h"
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/SourceText.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex::lsp {
 

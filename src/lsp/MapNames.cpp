@@ -3,6 +3,7 @@
 #include <optional>
 #include <string_view>
 
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 
 namespace korvex::lsp {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "language/Markup.h"
 #include "lsp/TextDocument.h"
 

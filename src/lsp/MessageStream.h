@@ -1,11 +1,12 @@
 // The framing of the Language Server Protocol: a header with the length of a message, an empty line, the message
 // (https://microsoft.github.io/language-server-protocol, "Base Protocol").
 #pragma once
-
 #include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex::lsp {
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "korvex/QXDAOPackReader.h"
 #include "lsp/Workspace.h"
 
 namespace korvex::lsp {

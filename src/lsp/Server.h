@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iosfwd>
 
+#include "korvex/QXDAOPackReader.h"
 #include "lsp/Json.h"
 #include "lsp/MessageStream.h"
 #include "lsp/Workspace.h"

@@ -4,9 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
-#include "korvex/Strings.h"
+#include "korvex/QXDAOPackReader.h"
 #include "lsp/Json.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex::lsp {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "language/Markup.h"
 #include "lsp/Json.h"
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "language/Markup.h"
 #include "lsp/MapNames.h"
 #include "lsp/TextDocument.h"

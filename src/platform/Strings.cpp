@@ -1,4 +1,4 @@
-#include "korvex/Strings.h"
+#include "platform/Strings.h"
 
 #include <algorithm>
 #include <array>

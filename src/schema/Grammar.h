@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "language/Vocabulary.h"
 
 namespace korvex::schema {

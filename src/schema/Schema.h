@@ -4,9 +4,10 @@
 // documents for which it is not so. RELAX NG says more than XML Schema, which has no root of any name and no attributes
 // that depend on each other.
 #pragma once
-
 #include <string>
 #include <string_view>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex::schema {
 

@@ -9,6 +9,9 @@
 
 #include "checks/DocumentCheck.h"
 #include "checks/RuleNames.h"
+#include "korvex/Definition.h"
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/SourceText.h"
 #include "tool/Counted.h"
 #include "tool/InputFiles.h"
 #include "tool/OutOfMemory.h"

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tool/CheckReport.h"
 #include "tool/Tool.h"
 

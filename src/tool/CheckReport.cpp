@@ -3,6 +3,7 @@
 #include <ostream>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "tool/FindingJson.h"
 #include "tool/FindingLines.h"
 #include "tool/FindingSarif.h"

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "checks/Finding.h"
+#include "korvex/QXDAOPackReader.h"
 #include "korvex/SourceText.h"
 #include "tool/InputFiles.h"
 

@@ -1,9 +1,10 @@
 // What the command can do, read from the description that parses its arguments: the one source of the
 // completions and the man page.
 #pragma once
-
 #include <string>
 #include <vector>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace CLI {
 class App;

@@ -4,6 +4,8 @@
 #include <ostream>
 
 #include "checks/DocumentCheck.h"
+#include "korvex/Definition.h"
+#include "korvex/SourceText.h"
 #include "tool/ElementJson.h"
 #include "tool/ElementTree.h"
 #include "tool/FindingText.h"

@@ -3,7 +3,8 @@
 
 #include <string>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tool/Tool.h"
 
 namespace korvex {

@@ -6,6 +6,22 @@
 #include <span>
 #include <type_traits>
 
+#include "korvex/QXDAOCondition.h"
+#include "korvex/QXDAOConst.h"
+#include "korvex/QXDAOContainerElement.h"
+#include "korvex/QXDAOCryptProperty.h"
+#include "korvex/QXDAOEvaluator.h"
+#include "korvex/QXDAOForeach.h"
+#include "korvex/QXDAOKeyValueFormatter.h"
+#include "korvex/QXDAOMap.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOMethodArgument.h"
+#include "korvex/QXDAOMethodStep.h"
+#include "korvex/QXDAOPack.h"
+#include "korvex/QXDAOSqlBlock.h"
+#include "korvex/QXDAOText.h"
+#include "korvex/QXDAOTrim.h"
+
 namespace korvex {
 namespace {
 

@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <ostream>
 
+#include "korvex/Keywords.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {

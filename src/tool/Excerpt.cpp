@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "korvex/XMLNode.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "korvex/SourceText.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 

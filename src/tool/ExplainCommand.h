@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "korvex/QXDAOPackReader.h"
 #include "tool/Tool.h"
 
 namespace korvex {

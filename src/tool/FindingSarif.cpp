@@ -4,6 +4,7 @@
 
 #include "checks/Rules.h"
 #include "files/Uri.h"
+#include "korvex/XMLNode.h"
 #include "tool/RuleText.h"
 
 namespace korvex {

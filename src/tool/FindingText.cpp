@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "korvex/XMLNode.h"
 #include "tool/Excerpt.h"
 #include "tool/VisibleText.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "files/FileSearch.h"
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Document.h"
 
 namespace korvex {
 

@@ -1,7 +1,8 @@
 // What the command does when memory runs out.
 #pragma once
-
 #include <string>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

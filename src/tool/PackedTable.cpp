@@ -4,6 +4,7 @@
 #include <array>
 #include <ostream>
 
+#include "korvex/QXDAOPackReader.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "korvex/QXDAOPackEncode.h"
 #include "platform/Tables.h"
 #include "tool/Hex.h"
 #include "tool/VisibleText.h"

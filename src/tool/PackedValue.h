@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "korvex/QXDAOPackEncode.h"
 #include "korvex/QXDAOPackReader.h"
 #include "tool/ElementJson.h"
 

@@ -9,6 +9,8 @@
 
 #include "checks/NearMiss.h"
 #include "checks/Rules.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tool/CheckCommand.h"
 #include "tool/CommandDescription.h"
 #include "tool/Completion.h"

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <ostream>
 
+#include "korvex/QXDAOPackReader.h"
 #include "tool/Counted.h"
 #include "tool/Hex.h"
 #include "tool/InputFiles.h"

@@ -8,6 +8,9 @@
 #include "benchmarks/Documents.h"
 #include "checks/DocumentCheck.h"
 #include "checks/NearMiss.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 namespace {

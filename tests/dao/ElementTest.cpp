@@ -4,7 +4,20 @@
 
 #include <thread>
 
+#include "korvex/MappingSequence.h"
+#include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOEngineValue.h"
+#include "korvex/QXDAOError.h"
+#include "korvex/QXDAOEvaluator.h"
+#include "korvex/QXDAOExcept.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOMethodArgument.h"
+#include "korvex/QXDAOMethodStep.h"
+#include "korvex/QXDAOText.h"
+#include "korvex/QXDAOTrim.h"
+#include "korvex/QXDAOTry.h"
+#include "korvex/XMLNode.h"
 #include "tests/support/HandBuiltTree.h"
 
 namespace korvex {

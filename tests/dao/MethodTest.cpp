@@ -1,7 +1,12 @@
 // What the attributes of a method become: attributes → one line that tells them.
 #include <gtest/gtest.h>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOMethodArgument.h"
+#include "korvex/QXDAOMethodStep.h"
 
 namespace korvex {
 namespace {

@@ -10,7 +10,13 @@
 #include <set>
 #include <thread>
 
+#include "dao/mapping/PackLayout.h"
+#include "korvex/ModelClass.h"
+#include "korvex/NumberObject.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPack.h"
+#include "korvex/QXDAOPackEncode.h"
 #include "korvex/QXDAOPackReader.h"
 #include "tests/support/Models.h"
 #include "tests/support/Packs.h"

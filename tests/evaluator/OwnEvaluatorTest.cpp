@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOEvaluator.h"
 #include "tests/support/HandBuiltTree.h"
 
 namespace korvex {

@@ -6,7 +6,9 @@
 #include <cstdlib>
 #include <limits>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tests/support/Models.h"
 #include "tests/support/Packs.h"
 

@@ -1,7 +1,9 @@
 // Every message of the language with the place it points at: definition → message at line:column.
 #include <gtest/gtest.h>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 namespace {

@@ -7,7 +7,12 @@
 #include <fstream>
 #include <thread>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOText.h"
+#include "korvex/SourceText.h"
+#include "korvex/XMLNode.h"
 
 namespace korvex {
 namespace {

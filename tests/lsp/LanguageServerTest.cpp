@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "lsp/Server.h"
 
 namespace korvex::lsp {

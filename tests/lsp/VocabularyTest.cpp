@@ -1,6 +1,7 @@
 // Holds the vocabulary against the elements, by changing a document that uses the whole language.
 #include <gtest/gtest.h>
 
+#include "korvex/Keywords.h"
 #include "tests/support/AddressBook.h"
 
 namespace korvex {

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "korvex/ModelClass.h"
+#include "korvex/NumberObject.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tests/support/Models.h"
 
 namespace korvex {

@@ -6,9 +6,11 @@
 #include <thread>
 #include <tuple>
 
+#include "korvex/OptionalString.h"
 #include "korvex/SpinLock.h"
-#include "korvex/Strings.h"
+#include "korvex/XMLNode.h"
 #include "platform/NumberScanner.h"
+#include "platform/Strings.h"
 #include "tests/support/HandBuiltTree.h"
 
 namespace korvex {

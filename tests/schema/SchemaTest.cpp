@@ -9,6 +9,8 @@
 #include <regex>
 #include <set>
 
+#include "korvex/Keywords.h"
+#include "korvex/QXDAOPackReader.h"
 #include "schema/Schema.h"
 #include "schema/Writers.h"
 #include "tests/support/AddressBook.h"

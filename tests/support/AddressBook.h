@@ -6,7 +6,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
 #include "language/Markup.h"
 #include "language/Vocabulary.h"
 

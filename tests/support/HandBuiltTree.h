@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {

@@ -6,6 +6,9 @@
 #include <string>
 
 #include "korvex/ModelClass.h"
+#include "korvex/NumberObject.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

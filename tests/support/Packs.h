@@ -5,6 +5,7 @@
 #include <string>
 
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPack.h"
 #include "tests/support/HandBuiltTree.h"
 
 namespace korvex {

@@ -1,9 +1,10 @@
 // A directory for the files of one test.
 #pragma once
-
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

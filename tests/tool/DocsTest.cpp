@@ -8,7 +8,11 @@
 #include <utility>
 
 #include "checks/DocumentCheck.h"
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
+#include "korvex/Keywords.h"
+#include "korvex/QXDAOText.h"
+#include "korvex/XMLNode.h"
 #include "language/Vocabulary.h"
 
 namespace korvex {

@@ -3,6 +3,7 @@
 
 #include <sstream>
 
+#include "korvex/XMLNode.h"
 #include "tool/FindingLines.h"
 
 namespace korvex {

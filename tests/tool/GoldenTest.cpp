@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "korvex/QXDAOPackReader.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace {

@@ -5,6 +5,8 @@
 #include <sstream>
 
 #include "checks/DocumentCheck.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
 #include "tests/support/RunTool.h"
 
 namespace korvex {

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "korvex/QXDAOPackReader.h"
+#include "korvex/SourceText.h"
 #include "tests/support/RunTool.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tool/ElementJson.h"

@@ -10,6 +10,8 @@
 #include <thread>
 #include <tuple>
 
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
 #include "tests/support/Models.h"
 #include "tests/support/Packs.h"
 #include "tests/support/RunTool.h"

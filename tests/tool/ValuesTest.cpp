@@ -1,7 +1,8 @@
 // What single attributes and contents become: definition → one value of its element's JSON.
 #include <gtest/gtest.h>
 
-#include "korvex/DefinitionLoader.h"
+#include "korvex/Definition.h"
+#include "korvex/Document.h"
 #include "tool/ElementJson.h"
 
 namespace korvex {

@@ -1,7 +1,21 @@
+#include "korvex/QXDAOContainerElement.h"
+
 #include <array>
 
 #include "dao/core/Messages.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOChoose.h"
+#include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOExcept.h"
+#include "korvex/QXDAOForeach.h"
+#include "korvex/QXDAOKeyValueFormatter.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOMethodStep.h"
+#include "korvex/QXDAOText.h"
+#include "korvex/QXDAOTrim.h"
+#include "korvex/QXDAOTry.h"
 #include "platform/Tables.h"
 
 namespace korvex {

@@ -3,6 +3,14 @@
 #include <array>
 
 #include "dao/core/Messages.h"
+#include "korvex/Keywords.h"
+#include "korvex/QXDAOConst.h"
+#include "korvex/QXDAOCryptProperty.h"
+#include "korvex/QXDAOError.h"
+#include "korvex/QXDAOMap.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOPack.h"
+#include "korvex/QXDAOSqlBlock.h"
 #include "platform/Tables.h"
 
 namespace korvex {

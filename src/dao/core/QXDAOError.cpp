@@ -1,3 +1,5 @@
+#include "korvex/QXDAOError.h"
+
 #include "korvex/QXDAOElement.h"
 
 namespace korvex {

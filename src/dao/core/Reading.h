@@ -5,8 +5,9 @@
 #include <string_view>
 
 #include "korvex/Export.h"
-#include "korvex/Strings.h"
+#include "korvex/QXDAOPackReader.h"
 #include "korvex/XMLNode.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

@@ -6,7 +6,9 @@
 #include <cstddef>
 #include <string_view>
 
-#include "korvex/Strings.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOPackReader.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

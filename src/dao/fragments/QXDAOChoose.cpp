@@ -1,7 +1,12 @@
+#include "korvex/QXDAOChoose.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include "dao/core/Messages.h"
+#include "korvex/Keywords.h"
+#include "korvex/QXDAOCondition.h"
+#include "korvex/QXDAOContainerElement.h"
 #include "korvex/QXDAOElement.h"
 
 namespace korvex {

@@ -1,5 +1,8 @@
+#include "korvex/QXDAOConst.h"
+
 #include "dao/core/Messages.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOText.h"
 
 namespace korvex {
 

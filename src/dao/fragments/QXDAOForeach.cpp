@@ -1,8 +1,12 @@
+#include "korvex/QXDAOForeach.h"
+
 #include <array>
 
 #include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOText.h"
 #include "platform/Tables.h"
 
 namespace korvex {

@@ -1,4 +1,7 @@
+#include "korvex/QXDAOKeyValueFormatter.h"
+
 #include "dao/core/Messages.h"
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 
 namespace korvex {

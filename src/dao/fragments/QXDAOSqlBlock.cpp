@@ -1,6 +1,10 @@
+#include "korvex/QXDAOSqlBlock.h"
+
 #include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOText.h"
 
 namespace korvex {
 

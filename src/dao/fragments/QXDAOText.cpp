@@ -1,8 +1,11 @@
+#include "korvex/QXDAOText.h"
+
 #include <algorithm>
 #include <cstddef>
 
 #include "dao/fragments/ListReferenceScan.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

@@ -1,6 +1,9 @@
+#include "korvex/QXDAOTrim.h"
+
 #include <array>
 
 #include "dao/core/Messages.h"
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 #include "platform/Tables.h"
 

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPackEncode.h"
 
 namespace korvex {
 

@@ -1,5 +1,7 @@
 // The layouts of a pack: for each class it has met, the packed properties with their fields and
 // type codes, sorted by name.
+#include "dao/mapping/PackLayout.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -8,7 +10,11 @@
 #include <span>
 
 #include "dao/mapping/PackEncode.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPack.h"
+#include "korvex/QXDAOPackEncode.h"
+#include "korvex/SpinLock.h"
 
 namespace korvex {
 

@@ -4,7 +4,14 @@
 #include <span>
 
 #include "dao/mapping/PackEncode.h"
+#include "dao/mapping/PackLayout.h"
+#include "korvex/ModelClass.h"
+#include "korvex/NumberObject.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOPack.h"
+#include "korvex/QXDAOPackEncode.h"
+#include "korvex/QXDAOPackReader.h"
 
 namespace korvex {
 

@@ -1,5 +1,8 @@
+#include "korvex/QXDAOMap.h"
+
 #include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 
 namespace korvex {

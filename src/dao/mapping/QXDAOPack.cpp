@@ -1,6 +1,9 @@
+#include "korvex/QXDAOPack.h"
+
 #include <algorithm>
 
 #include "dao/core/Messages.h"
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 
 namespace korvex {

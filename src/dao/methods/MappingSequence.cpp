@@ -1,3 +1,5 @@
+#include "korvex/MappingSequence.h"
+
 #include <atomic>
 
 #include "korvex/QXDAOElement.h"

@@ -1,5 +1,10 @@
+#include "korvex/QXDAOExcept.h"
+
 #include "dao/core/Messages.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOTry.h"
 
 namespace korvex {
 

@@ -1,9 +1,15 @@
+#include "korvex/QXDAOMethod.h"
+
 #include <algorithm>
 #include <array>
 
 #include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
+#include "korvex/Keywords.h"
+#include "korvex/QXDAOContainerElement.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOMethodArgument.h"
+#include "korvex/QXDAOMethodStep.h"
 #include "platform/NumberScanner.h"
 #include "platform/Tables.h"
 

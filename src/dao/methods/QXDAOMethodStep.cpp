@@ -1,4 +1,8 @@
+#include "korvex/QXDAOMethodStep.h"
+
+#include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOMethod.h"
 
 namespace korvex {
 

@@ -1,5 +1,9 @@
+#include "korvex/QXDAOTry.h"
+
 #include "dao/core/Messages.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOExcept.h"
+#include "korvex/QXDAOMethod.h"
 
 namespace korvex {
 

@@ -3,7 +3,9 @@
 #include <array>
 
 #include "dao/core/Messages.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOMethod.h"
 #include "platform/Tables.h"
 
 namespace korvex {

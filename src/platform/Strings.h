@@ -1,7 +1,6 @@
-// Absent-aware strings and the small text rules that every element shares.
+// The small text rules that every element shares.
 //
-// All text is UTF-8. A string that may be absent is an OptionalString: absent (nullopt) is something
-// other than empty, and both have length 0 for isEmpty(). None of these functions keeps a reference
+// All text is UTF-8. None of these functions keeps a reference
 // to its argument, depends on the locale or touches shared state; all may run on any thread.
 #pragma once
 
@@ -13,23 +12,12 @@
 #include <vector>
 
 #include "korvex/Export.h"
+#include "korvex/OptionalString.h"
 
 namespace korvex {
 
-using OptionalString = std::optional<std::string>;
-using OptionalStringView = std::optional<std::string_view>;
-
 // What XML counts as white space.
 inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
-
-// True for an absent string and for one of length 0.
-[[nodiscard]] inline bool isEmpty(const OptionalString& text) { return !text || text->empty(); }
-[[nodiscard]] inline bool isEmpty(OptionalStringView text) { return !text || text->empty(); }
-
-// Copies a view into an owned string; absent stays absent.
-[[nodiscard]] inline OptionalString ownedString(OptionalStringView text) {
-  return text ? OptionalString(std::in_place, *text) : std::nullopt;
-}
 
 // The text in single quotes, for a message.
 [[nodiscard]] inline std::string quoted(std::string_view text) { return std::string("'").append(text).append("'"); }

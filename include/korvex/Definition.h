@@ -1,0 +1,32 @@
+// The definitions of a document, each built or refused.
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "korvex/Document.h"
+#include "korvex/Export.h"
+#include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOError.h"
+#include "korvex/XMLNode.h"
+
+namespace korvex {
+
+// One definition of a document, built or refused.
+struct Definition {
+  XMLNode xml;                            // valid while the document lives, and with it what is read through it
+  std::unique_ptr<QXDAOElement> element;  // null when it was refused
+  std::unique_ptr<QXDAOError> error;      // null when it was built; its nodes are the document's
+
+  [[nodiscard]] std::string_view tag() const { return xml.name().value_or(std::string_view()); }
+  // Where its start tag begins.
+  [[nodiscard]] XMLPosition position() const { return xml.position().value_or(XMLPosition()); }
+};
+
+// Builds every definition of a document, in document order, also after refused ones. Definitions
+// are the child elements of the root; a root that is itself a definition (select, sql, map…) is
+// the only one. The elements outlive the document.
+[[nodiscard]] KORVEX_EXPORT std::vector<Definition> loadDefinitions(const Document& document);
+
+}  // namespace korvex

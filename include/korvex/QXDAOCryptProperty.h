@@ -1,0 +1,32 @@
+#pragma once
+
+#include "korvex/CompactString.h"
+#include "korvex/Export.h"
+#include "korvex/OptionalString.h"
+#include "korvex/QXDAOElement.h"
+#include "korvex/XMLNode.h"
+
+namespace korvex {
+
+// <crypt>: one property of one class whose stored value the engine encrypts. It has no name.
+class KORVEX_EXPORT QXDAOCryptProperty final : public QXDAOElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindCryptProperty;
+  QXDAOCryptProperty() : QXDAOElement(Kind) {}
+
+  void initWithXML(const XMLNode& xml);
+
+  // Neither is empty in a finished element.
+  [[nodiscard]] OptionalStringView className() const { return _className.view(); }
+  void setClassName(OptionalStringView className) { _className = CompactString(className); }
+  [[nodiscard]] OptionalStringView propertyName() const { return _propertyName.view(); }
+  void setPropertyName(OptionalStringView propertyName) { _propertyName = CompactString(propertyName); }
+
+ private:
+  [[nodiscard]] bool validCryptDescription(const XMLNode& xml);
+
+  CompactString _className;
+  CompactString _propertyName;
+};
+
+}  // namespace korvex

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "korvex/Export.h"
+#include "korvex/XMLNode.h"
+
+namespace korvex {
+
+// The domain of every error record.
+inline constexpr std::string_view QXDAO_ERROR_DOMAIN = "korvex.dao";
+
+// Why a definition was refused. Failures differ by their message alone; the code is always 0.
+struct KORVEX_EXPORT QXDAOError {
+  using Value = std::variant<std::string, XMLNode>;
+
+  std::string domain;
+  int code = 0;
+  // Two entries: "error", the message (a string), and "xml", the definition element that was
+  // handed to the factory (a node of the caller's tree: valid while that tree is).
+  std::map<std::string, Value, std::less<>> userInfo;
+  // The node whose own rule failed, at or below "xml": the element at fault, or the parent of a
+  // text at fault. Valid while the caller's tree is.
+  XMLNode origin;
+
+  // The entries of userInfo by type. An empty message or a null node on a record without them.
+  [[nodiscard]] std::string_view message() const;
+  [[nodiscard]] XMLNode xml() const;
+};
+
+}  // namespace korvex

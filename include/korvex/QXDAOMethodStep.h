@@ -1,0 +1,32 @@
+#pragma once
+
+#include "korvex/Export.h"
+#include "korvex/QXDAOContainerElement.h"
+#include "korvex/XMLNode.h"
+
+namespace korvex {
+
+class QXDAOMethod;
+
+// <step>: one of several parts of a method. A method with a single step is built as if the step's
+// content stood in the method itself.
+class KORVEX_EXPORT QXDAOMethodStep final : public QXDAOContainerElement {
+ public:
+  static constexpr QXDAOElementKind Kind = QXDAOElementKindMethodStep;
+  QXDAOMethodStep() : QXDAOContainerElement(Kind) {}
+
+  // The method must not be null and must outlive the step.
+  void initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod);
+
+  [[nodiscard]] QXDAOMethod* parentMethod() const { return _parentMethod; }
+  void setParentMethod(QXDAOMethod* parentMethod) { _parentMethod = parentMethod; }
+  // Recorded for the engine.
+  [[nodiscard]] bool resumable() const { return _resumable; }
+  void setResumable(bool resumable) { _resumable = resumable; }
+
+ private:
+  QXDAOMethod* _parentMethod = nullptr;
+  bool _resumable = false;
+};
+
+}  // namespace korvex
