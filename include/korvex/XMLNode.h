@@ -1,9 +1,9 @@
 // The document tree as the elements read it: handles over somebody else's tree.
 //
 // A parser is plugged in by deriving from XMLTree; nothing of the document is copied. XMLNode and
-// XMLAttribute are small values (two pointers) that name a node of such a tree. They are valid as
-// long as the tree is alive and unchanged; so are the string views that they return. Reading is
-// safe from several threads when the tree's own operations are.
+// XMLAttribute are values that name a node of such a tree and keep what the tree told about it. They
+// are valid as long as the tree is alive and unchanged; so are the string views that they return.
+// Reading is safe from several threads when the tree's own operations are.
 #pragma once
 
 #include <array>
@@ -45,6 +45,19 @@ class KORVEX_EXPORT XMLTree {
   using NodeHandle = const void*;
   using AttributeHandle = const void*;
 
+  // A node, with the handles that lead on from it.
+  struct Node {
+    XMLNodeKind kind{};
+    OptionalStringView content;  // as name() for an element, as text() for a text node; absent for other kinds
+    NodeHandle firstChild = nullptr;
+    NodeHandle nextSibling = nullptr;
+    AttributeHandle firstAttribute = nullptr;
+  };
+  struct Attribute {
+    OptionalStringView name;
+    OptionalStringView value;
+  };
+
   [[nodiscard]] virtual XMLNodeKind kind(NodeHandle node) const = 0;
   // The tag of an element; absent for a node without a name.
   [[nodiscard]] virtual OptionalStringView name(NodeHandle node) const = 0;
@@ -62,6 +75,23 @@ class KORVEX_EXPORT XMLTree {
   // Where the node's markup starts (the "<" of a start tag); absent when the parser does not know.
   [[nodiscard]] virtual std::optional<XMLPosition> position(NodeHandle /*node*/) const { return std::nullopt; }
 
+  // The two operations by which all of a document is read. The defaults ask the ones above; a tree
+  // that can answer in one step is read faster.
+  [[nodiscard]] virtual Node node(NodeHandle node) const {
+    const XMLNodeKind itsKind = kind(node);
+    return {itsKind, itsKind == XMLNodeKind::Element ? name(node) : text(node), firstChild(node), nextSibling(node),
+            firstAttribute(node)};
+  }
+  // Reads up to `room` attributes, beginning with `next`, and returns their number. `next` becomes
+  // the first one that was not read; null after the last.
+  [[nodiscard]] virtual std::size_t readAttributes(AttributeHandle& next, Attribute* result, std::size_t room) const {
+    std::size_t count = 0;
+    for (; next && count < room; next = nextAttribute(next)) {
+      result[count++] = {attributeName(next), attributeValue(next)};
+    }
+    return count;
+  }
+
  protected:
   XMLTree() = default;
   XMLTree(const XMLTree&) = default;
@@ -75,26 +105,26 @@ class KORVEX_EXPORT XMLTree {
 class XMLAttribute {
  public:
   XMLAttribute() = default;
-  XMLAttribute(const XMLTree& tree, XMLTree::AttributeHandle handle) : _tree(&tree), _handle(handle) {}
+  XMLAttribute(const XMLTree& tree, XMLTree::AttributeHandle handle) : _tree(&tree), _handle(handle), _next(handle) {
+    if (handle) static_cast<void>(tree.readAttributes(_next, &_attribute, 1));
+  }
 
   explicit operator bool() const { return _handle != nullptr; }
-  bool operator==(const XMLAttribute&) const = default;
+  // Equal when both name the same attribute of the same tree.
+  bool operator==(const XMLAttribute& other) const { return _tree == other._tree && _handle == other._handle; }
 
   // Absent on a null attribute.
-  [[nodiscard]] OptionalStringView name() const {
-    return _handle ? _tree->attributeName(_handle) : OptionalStringView();
-  }
-  [[nodiscard]] OptionalStringView stringValue() const {
-    return _handle ? _tree->attributeValue(_handle) : OptionalStringView();
-  }
+  [[nodiscard]] OptionalStringView name() const { return _attribute.name; }
+  [[nodiscard]] OptionalStringView stringValue() const { return _attribute.value; }
   // The attribute after this one; null after the last.
-  [[nodiscard]] XMLAttribute next() const {
-    return _handle ? XMLAttribute(*_tree, _tree->nextAttribute(_handle)) : XMLAttribute();
-  }
+  [[nodiscard]] XMLAttribute next() const { return _next ? XMLAttribute(*_tree, _next) : XMLAttribute(); }
+  [[nodiscard]] bool isLast() const { return !_next; }
 
  private:
   const XMLTree* _tree = nullptr;
   XMLTree::AttributeHandle _handle = nullptr;
+  XMLTree::AttributeHandle _next = nullptr;
+  XMLTree::Attribute _attribute;
 };
 
 // The nodes or attributes from a first one on, for range-based loops.
@@ -142,35 +172,42 @@ class XMLRange {
 class KORVEX_EXPORT XMLNode {
  public:
   XMLNode() = default;
-  XMLNode(const XMLTree& tree, XMLTree::NodeHandle handle) : _tree(&tree), _handle(handle) {}
+  XMLNode(const XMLTree& tree, XMLTree::NodeHandle handle) : _tree(&tree), _handle(handle) {
+    if (handle) _node = tree.node(handle);
+  }
 
   explicit operator bool() const { return _handle != nullptr; }
   // Equal when both name the same node of the same tree.
-  bool operator==(const XMLNode&) const = default;
+  bool operator==(const XMLNode& other) const { return _tree == other._tree && _handle == other._handle; }
 
   // A kind that no node has, 0, on a null handle.
-  [[nodiscard]] XMLNodeKind kind() const { return _handle ? _tree->kind(_handle) : XMLNodeKind{}; }
+  [[nodiscard]] XMLNodeKind kind() const { return _node.kind; }
   // The tag of an element; absent for nodes without a name.
-  [[nodiscard]] OptionalStringView name() const { return _handle ? _tree->name(_handle) : OptionalStringView(); }
+  [[nodiscard]] OptionalStringView name() const {
+    return kind() == XMLNodeKind::Element || !_handle ? _node.content : _tree->name(_handle);
+  }
   // The text of a text node; for an element the text of all text nodes below it, in document
   // order (empty when there is none); absent for other nodes. Recurses as deep as the tree.
   [[nodiscard]] OptionalString stringValue() const;
   // The characters of a text node without a copy; absent for every other node.
-  [[nodiscard]] OptionalStringView text() const { return _handle ? _tree->text(_handle) : OptionalStringView(); }
+  [[nodiscard]] OptionalStringView text() const {
+    return kind() == XMLNodeKind::Text ? _node.content : OptionalStringView();
+  }
 
-  [[nodiscard]] XMLNode firstChild() const { return _handle ? XMLNode(*_tree, _tree->firstChild(_handle)) : XMLNode(); }
+  [[nodiscard]] bool hasChildren() const { return _node.firstChild != nullptr; }
+  [[nodiscard]] XMLNode firstChild() const { return nodeAt(_node.firstChild); }
   // The sibling after this node; null after the last.
-  [[nodiscard]] XMLNode next() const { return _handle ? XMLNode(*_tree, _tree->nextSibling(_handle)) : XMLNode(); }
+  [[nodiscard]] XMLNode next() const { return nodeAt(_node.nextSibling); }
   [[nodiscard]] XMLRange<XMLNode> children() const { return XMLRange<XMLNode>(firstChild()); }
   // Counted by walking the children.
   [[nodiscard]] std::size_t childCount() const;
 
   [[nodiscard]] XMLRange<XMLAttribute> attributes() const {
-    return XMLRange(_handle ? XMLAttribute(*_tree, _tree->firstAttribute(_handle)) : XMLAttribute());
+    return XMLRange(hasAttributes() ? XMLAttribute(*_tree, _node.firstAttribute) : XMLAttribute());
   }
   // Counted by walking the attributes.
   [[nodiscard]] std::size_t attributeCount() const;
-  [[nodiscard]] bool hasAttributes() const { return attributes().begin() != attributes().end(); }
+  [[nodiscard]] bool hasAttributes() const { return _node.firstAttribute != nullptr; }
   // The attribute of an element that has exactly one; null otherwise.
   [[nodiscard]] XMLAttribute onlyAttribute() const;
   // Null when the element has no attribute of that name (compared exactly).
@@ -191,10 +228,14 @@ class KORVEX_EXPORT XMLNode {
   [[nodiscard]] std::optional<XMLPosition> position() const;
 
  private:
+  [[nodiscard]] XMLNode nodeAt(XMLTree::NodeHandle handle) const {
+    return handle ? XMLNode(*_tree, handle) : XMLNode();
+  }
   void readAttributes(const std::string_view* names, OptionalStringView* values, std::size_t count) const;
 
   const XMLTree* _tree = nullptr;
   XMLTree::NodeHandle _handle = nullptr;
+  XMLTree::Node _node;
 };
 
 }  // namespace korvex

@@ -228,4 +228,24 @@ std::optional<XMLPosition> PugiTree::position(NodeHandle node) const {
   return _source.position(offsetOf(nodeOf(node)));
 }
 
+XMLTree::Node PugiTree::node(NodeHandle handle) const {
+  const pugi::xml_node node = nodeOf(handle);
+  const XMLTree::NodeHandle next = handleOf(node.next_sibling());
+  const XMLNodeKind kind = typeOf(node).kind;
+  if (kind == XMLNodeKind::Element) {
+    return {kind, node.name(), handleOf(node.first_child()), next, handleOf(node.first_attribute())};
+  }
+  return {kind, text(handle), nullptr, next, nullptr};
+}
+
+std::size_t PugiTree::readAttributes(AttributeHandle& next, Attribute* result, std::size_t room) const {
+  std::size_t count = 0;
+  pugi::xml_attribute attribute = attributeOf(next);
+  for (; attribute && count < room; attribute = attribute.next_attribute()) {
+    result[count++] = {attribute.name(), attribute.value()};
+  }
+  next = handleOf(attribute);
+  return count;
+}
+
 }  // namespace korvex

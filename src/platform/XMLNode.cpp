@@ -1,10 +1,13 @@
 #include "korvex/XMLNode.h"
 
 #include <algorithm>
+#include <array>
 
 namespace korvex {
 
 namespace {
+
+constexpr std::size_t maxBatch = 8;  // attributes that are read at once
 
 // Appends the text of every text node below an element. The recursion is as deep as the document.
 void appendTextBelow(const XMLNode& element, std::string& text) {
@@ -28,7 +31,7 @@ OptionalString XMLNode::stringValue() const {
 
 std::size_t XMLNode::childCount() const {
   std::size_t count = 0;
-  for (XMLNode child = firstChild(); child; child = child.next()) ++count;
+  for (XMLTree::NodeHandle child = _node.firstChild; child; child = _tree->nextSibling(child)) ++count;
   return count;
 }
 
@@ -39,7 +42,7 @@ std::size_t XMLNode::attributeCount() const {
 
 XMLAttribute XMLNode::onlyAttribute() const {
   const XMLAttribute first = *attributes().begin();
-  return first.next() ? XMLAttribute() : first;
+  return first.isLast() ? first : XMLAttribute();
 }
 
 XMLAttribute XMLNode::attributeForName(std::string_view attributeName) const {
@@ -50,13 +53,17 @@ XMLAttribute XMLNode::attributeForName(std::string_view attributeName) const {
 }
 
 OptionalStringView XMLNode::valueOfAttribute(std::string_view attributeName) const {
-  return attributeForName(attributeName).stringValue();
+  return valuesOfAttributes(attributeName).front();
 }
 
 void XMLNode::readAttributes(const std::string_view* names, OptionalStringView* values, std::size_t count) const {
-  for (const XMLAttribute& attribute : attributes()) {
-    const auto place = static_cast<std::size_t>(std::find(names, names + count, attribute.name()) - names);
-    if (place < count && !values[place]) values[place] = attribute.stringValue();
+  std::array<XMLTree::Attribute, maxBatch> batch;
+  for (XMLTree::AttributeHandle next = _node.firstAttribute; next;) {
+    const std::size_t size = _tree->readAttributes(next, batch.data(), batch.size());
+    for (std::size_t at = 0; at < size; ++at) {
+      const auto place = static_cast<std::size_t>(std::find(names, names + count, batch[at].name) - names);
+      if (place < count && !values[place]) values[place] = batch[at].value;
+    }
   }
 }
 

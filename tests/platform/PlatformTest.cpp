@@ -182,6 +182,20 @@ TEST(XMLNode, ReadsATree) {
   EXPECT_EQ(root.firstChild().next().stringValue(), std::nullopt);
   EXPECT_EQ(root.firstChild().next().next().stringValue(), "two ");
   EXPECT_EQ(root, tree.root());
+  EXPECT_NE(root, root.firstChild());
+}
+
+TEST(XMLNode, FindsAttributesHoweverMany) {
+  Hand element = Hand::element("a");
+  for (int number = 0; number < 20; ++number) element.attributes.emplace_back(std::to_string(number), "x");
+  element.attributes.emplace_back("19", "y");
+  element.attributes.emplace_back("last", std::nullopt);
+  const HandBuiltTree tree(std::move(element));
+  const auto [late, last, none] = tree.root().valuesOfAttributes("19", "last", "20");
+  EXPECT_EQ(late, "x") << "the first of two";
+  EXPECT_EQ(last, std::nullopt);
+  EXPECT_EQ(none, std::nullopt);
+  EXPECT_EQ(tree.root().attributeCount(), 22U);
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ bool QXDAOConst::readDeclaration(const XMLNode& xml) {
   if (!attribute) return false;
   setName(attribute.name());
   _text = QXDAOText::elementWithText(attribute.stringValue());
-  return !isEmpty(name()) && xml.childCount() == 0;
+  return !isEmpty(name()) && !xml.hasChildren();
 }
 
 }  // namespace korvex

@@ -17,7 +17,7 @@ bool QXDAOCryptProperty::validCryptDescription(const XMLNode& xml) {
     if (attribute.name() == C_CLASS) setClassName(attribute.stringValue());
     if (attribute.name() == C_PROPERTY) setPropertyName(attribute.stringValue());
   }
-  return !isEmpty(className()) && !isEmpty(propertyName()) && xml.childCount() == 0;
+  return !isEmpty(className()) && !isEmpty(propertyName()) && !xml.hasChildren();
 }
 
 }  // namespace korvex
