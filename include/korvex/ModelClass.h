@@ -6,6 +6,7 @@
 //   class Person : public Model<Person> {
 //    public:
 //     static void describe(ModelDescription<Person>& model) {
+//       model.className("Person");                         // by which definitions speak of it
 //       model.property("nickname", &Person::_nickname);    // backed by the field "_nickname"
 //       model.property("age", &Person::_years, "_years");  // by a field of another name
 //       model.propertyWithoutField<bool>("adult");         // computed
@@ -23,6 +24,7 @@
 //   enumerations of fixed underlying type   scalar, as the underlying type
 //   OptionalString, std::string             string; a std::string takes "absent" as empty
 //   OptionalNumber                          number object
+//   std::vector<std::byte>, also optional   binary; without optional, "absent" is taken as empty
 //   std::shared_ptr<T>, std::weak_ptr<T>,
 //   T* with T a model class                 object, held strongly, weakly, or not at all
 //   any other class                         object that can neither be read nor replaced
@@ -34,7 +36,11 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -59,13 +65,23 @@ class KORVEX_EXPORT ModelObject {
   [[nodiscard]] virtual const ModelClass& modelClass() const = 0;
 };
 
-// The value of an object-valued field: absent (monostate), a string (a view, valid until the field
-// changes), a number, or another model object.
-using ObjectValue = std::variant<std::monostate, std::string_view, NumberObject, std::shared_ptr<ModelObject>>;
+// The bytes of a binary field.
+struct BinaryView {
+  std::string_view bytes;
+
+  bool operator==(const BinaryView&) const = default;
+};
+using OptionalBinaryView = std::optional<BinaryView>;
+
+// The value of an object-valued field: absent (monostate), a string or bytes (views, valid until the
+// field changes), a number, or another model object.
+using ObjectValue =
+    std::variant<std::monostate, std::string_view, NumberObject, std::shared_ptr<ModelObject>, BinaryView>;
 
 // The type codes of the object types that are told apart, and of all others.
 inline constexpr const char* stringTypeCode = "@\"String\"";
 inline constexpr const char* numberTypeCode = "@\"Number\"";
+inline constexpr const char* binaryTypeCode = "@\"Binary\"";
 inline constexpr const char* objectTypeCode = "@";
 
 // How a field that holds a Value is read and replaced; both are null for a field that holds another.
@@ -75,6 +91,15 @@ struct FieldOperations {
   void (*set)(void* field, const Value& value) = nullptr;
 };
 
+// How a scalar field is read and replaced; all are null for other fields. A number is converted to the field's type: in
+// a bool everything but 0 is true, an integer is rounded where the field is a float or double. False, and nothing is
+// changed, when an integer field has no such value: out of range, with a fraction, not a number.
+struct ScalarOperations {
+  NumberObject (*get)(const void* field) = nullptr;
+  bool (*setInteger)(void* field, std::int64_t integer) = nullptr;
+  bool (*setReal)(void* field, double real) = nullptr;
+};
+
 struct ModelField {
   std::string name;
   const char* typeEncoding;
@@ -82,6 +107,8 @@ struct ModelField {
   FieldOperations<OptionalStringView> text;
   FieldOperations<OptionalNumber> number;
   FieldOperations<std::shared_ptr<ModelObject>> object;
+  FieldOperations<OptionalBinaryView> binary;
+  ScalarOperations scalar;
 };
 
 struct ModelProperty {
@@ -94,6 +121,9 @@ struct ModelClass {
   const ModelClass* superclass = nullptr;  // null when no other model class is derived from
   std::vector<ModelProperty> properties;   // both in the order of their names
   std::vector<ModelField> fields;
+  std::string name;  // empty when the class has not given itself one
+  // A new object; null when the class has no public constructor without arguments.
+  std::shared_ptr<ModelObject> (*create)() = nullptr;
 };
 
 // Puts an entry in its place of a class's list; of several of one name the first described counts.
@@ -120,6 +150,18 @@ KORVEX_EXPORT void addEntry(std::vector<ModelField>& fields, ModelField field);
 // another kind than the field's counts as absent; a scalar field is left alone.
 KORVEX_EXPORT void setObjectField(ModelObject& object, const ModelField& field, const ObjectValue& value);
 
+// Beyond these nine, what readers and writers of whole objects want in one step:
+
+// The field that backs a property; null when no such property is declared, or it is computed.
+[[nodiscard]] KORVEX_EXPORT const ModelField* fieldOfProperty(const ModelClass& modelClass, std::string_view property);
+// The value of a scalar field in the field's own type; absent for an object-valued field.
+[[nodiscard]] KORVEX_EXPORT OptionalNumber getScalarField(const ModelObject& object, const ModelField& field);
+// Stores a number as ScalarOperations do; false for an object-valued field, too.
+[[nodiscard]] KORVEX_EXPORT bool setScalarField(ModelObject& object, const ModelField& field, std::int64_t integer);
+[[nodiscard]] KORVEX_EXPORT bool setScalarField(ModelObject& object, const ModelField& field, double real);
+// Whether a class is another one or derives from it.
+[[nodiscard]] KORVEX_EXPORT bool isKindOf(const ModelClass& modelClass, const ModelClass& wanted);
+
 // ---------------------------------------------------------------------------------------------
 // Describing a class
 
@@ -131,6 +173,26 @@ template <typename T>
 concept FixedEnumeration = std::is_enum_v<T> && requires {
   T{0};
 };
+
+// A number as a scalar type, as ScalarOperations say.
+template <BoxableScalar Scalar>
+[[nodiscard]] std::optional<Scalar> convertedTo(std::int64_t integer) {
+  if constexpr (std::is_same_v<Scalar, bool>) return integer != 0;
+  if constexpr (std::is_floating_point_v<Scalar>) return static_cast<Scalar>(integer);
+  const auto scalar = static_cast<Scalar>(integer);
+  const bool same = static_cast<std::int64_t>(scalar) == integer && (std::is_signed_v<Scalar> || integer >= 0);
+  return same ? std::optional(scalar) : std::nullopt;
+}
+template <BoxableScalar Scalar>
+[[nodiscard]] std::optional<Scalar> convertedTo(double real) {
+  if constexpr (std::is_same_v<Scalar, bool>) return real != 0;
+  if constexpr (std::is_floating_point_v<Scalar>) return static_cast<Scalar>(real);
+  // A power of two, which a double holds exactly, and the first value beyond the largest.
+  constexpr double end = 2.0 * static_cast<double>(std::numeric_limits<Scalar>::max() / 2 + 1);
+  const bool inside = real >= static_cast<double>(std::numeric_limits<Scalar>::min()) && real < end;
+  if (!inside || static_cast<double>(static_cast<Scalar>(real)) != real) return std::nullopt;
+  return static_cast<Scalar>(real);
+}
 
 // What a field of type T is to the introspection operations. Where it can be read and replaced
 // through them, `Value` says as what.
@@ -179,6 +241,33 @@ struct FieldAccess<OptionalNumber> {
   static void set(OptionalNumber& field, const Value& value) { field = value; }
 };
 
+template <>
+struct FieldAccess<std::vector<std::byte>> {
+  using Value = OptionalBinaryView;
+  using Bytes = std::vector<std::byte>;
+  static constexpr const char* typeEncoding = binaryTypeCode;
+  static Value get(const Bytes& field) {
+    return BinaryView{{reinterpret_cast<const char*>(field.data()), field.size()}};
+  }
+  static void set(Bytes& field, const Value& value) {
+    const auto bytes = std::as_bytes(std::span(value ? value->bytes : std::string_view()));
+    field.assign(bytes.begin(), bytes.end());
+  }
+};
+
+template <>
+struct FieldAccess<std::optional<std::vector<std::byte>>> {
+  using Value = OptionalBinaryView;
+  using Bytes = FieldAccess<std::vector<std::byte>>;
+  static constexpr const char* typeEncoding = binaryTypeCode;
+  static Value get(const std::optional<Bytes::Bytes>& field) { return field ? Bytes::get(*field) : std::nullopt; }
+  static void set(std::optional<Bytes::Bytes>& field, const Value& value) {
+    if (!value) return field.reset();
+    if (!field) field.emplace();
+    Bytes::set(*field, value);
+  }
+};
+
 // The object when it is a `wanted` or derives from it; null otherwise.
 [[nodiscard]] KORVEX_EXPORT std::shared_ptr<ModelObject> objectOfClass(const std::shared_ptr<ModelObject>& object,
                                                                        const ModelClass& wanted);
@@ -220,6 +309,9 @@ class ModelDescription {
  public:
   explicit ModelDescription(ModelClass& modelClass) : _class(modelClass) {}
 
+  // The name of the class in definitions: in "result", <map> and <crypt>.
+  void className(std::string name) { _class.name = std::move(name); }
+
   // A property backed by a field, a member of Described or of a base of it. The field is named
   // "_" and the property's name unless it is given another name.
   template <typename Type, typename Owner>
@@ -229,7 +321,8 @@ class ModelDescription {
     addEntry(_class.properties, {name, attributesOf<Type>() + ",V" + fieldName});
     addEntry(_class.fields, {std::move(fieldName), FieldAccess<Type>::typeEncoding, offsetOf(member),
                              operations<Type, OptionalStringView>(), operations<Type, OptionalNumber>(),
-                             operations<Type, std::shared_ptr<ModelObject>>()});
+                             operations<Type, std::shared_ptr<ModelObject>>(), operations<Type, OptionalBinaryView>(),
+                             scalarOperations<Type>()});
   }
 
   // A property that is computed.
@@ -250,6 +343,29 @@ class ModelDescription {
               [](void* field, const Value& value) { FieldAccess<Type>::set(*static_cast<Type*>(field), value); }};
     }
     return {};
+  }
+
+  template <typename Type>
+  static ScalarOperations scalarOperations() {
+    if constexpr (BoxableScalar<Type>) {
+      return {[](const void* field) { return NumberObject(*static_cast<const Type*>(field)); },
+              [](void* field, std::int64_t integer) { return store<Type>(field, convertedTo<Type>(integer)); },
+              [](void* field, double real) { return store<Type>(field, convertedTo<Type>(real)); }};
+    } else if constexpr (FixedEnumeration<Type>) {
+      return enumerationOperations<Type, std::underlying_type_t<Type>>();
+    }
+    return {};
+  }
+  template <typename Type, typename Scalar>
+  static ScalarOperations enumerationOperations() {
+    return {[](const void* field) { return NumberObject(static_cast<Scalar>(*static_cast<const Type*>(field))); },
+            [](void* field, std::int64_t integer) { return store<Type>(field, convertedTo<Scalar>(integer)); },
+            [](void* field, double real) { return store<Type>(field, convertedTo<Scalar>(real)); }};
+  }
+  template <typename Type, typename Scalar>
+  static bool store(void* field, std::optional<Scalar> scalar) {
+    if (scalar) *static_cast<Type*>(field) = static_cast<Type>(*scalar);
+    return scalar.has_value();
   }
 
   // Only addresses are worked out over the raw storage; no object is made or read.
@@ -290,6 +406,9 @@ class Model : public Base {
     if constexpr (!std::is_same_v<Base, ModelObject>) modelClass->superclass = &Base::describedClass();
     ModelDescription<Described> description(*modelClass);
     Described::describe(description);
+    if constexpr (std::default_initializable<Described>) {
+      modelClass->create = []() -> std::shared_ptr<ModelObject> { return std::make_shared<Described>(); };
+    }
     return modelClass.release();
   }
 };

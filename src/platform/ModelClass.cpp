@@ -23,10 +23,12 @@ const void* addressOf(const ModelObject& object, const ModelField& field) {
   return reinterpret_cast<const std::byte*>(&object) + field.offset;
 }
 
-bool derivesFrom(const ModelClass& modelClass, const ModelClass& wanted) {
-  const ModelClass* level = &modelClass;
-  while (level && level != &wanted) level = level->superclass;
-  return level != nullptr;
+// The name after ",V" in a property's attributes; absent when the property is computed.
+OptionalStringView backingFieldIn(std::string_view attributes) {
+  const std::size_t mark = attributes.find(",V");
+  if (mark == std::string_view::npos) return std::nullopt;
+  const std::string_view rest = attributes.substr(mark + 2);
+  return rest.substr(0, rest.find(','));
 }
 
 // From what may be absent, an optional or a pointer, to an object value.
@@ -83,6 +85,7 @@ ObjectValue getObjectField(const ModelObject& object, const ModelField& field) {
   if (field.text.get) return objectValue(field.text.get(address));
   if (field.number.get) return objectValue(field.number.get(address));
   if (field.object.get) return objectValue(field.object.get(address));
+  if (field.binary.get) return objectValue(field.binary.get(address));
   return {};
 }
 
@@ -91,10 +94,35 @@ void setObjectField(ModelObject& object, const ModelField& field, const ObjectVa
   if (field.text.set) field.text.set(address, valueAs<std::string_view>(value));
   if (field.number.set) field.number.set(address, valueAs<NumberObject>(value));
   if (field.object.set) field.object.set(address, valueAs<std::shared_ptr<ModelObject>>(value).value_or(nullptr));
+  if (field.binary.set) field.binary.set(address, valueAs<BinaryView>(value));
+}
+
+const ModelField* fieldOfProperty(const ModelClass& modelClass, std::string_view property) {
+  const ModelProperty* found = getProperty(modelClass, property);
+  const OptionalStringView field = found ? backingFieldIn(found->attributes) : std::nullopt;
+  return field ? getField(modelClass, *field) : nullptr;
+}
+
+OptionalNumber getScalarField(const ModelObject& object, const ModelField& field) {
+  return field.scalar.get ? OptionalNumber(field.scalar.get(addressOf(object, field))) : std::nullopt;
+}
+
+bool setScalarField(ModelObject& object, const ModelField& field, std::int64_t integer) {
+  return field.scalar.setInteger && field.scalar.setInteger(const_cast<void*>(addressOf(object, field)), integer);
+}
+
+bool setScalarField(ModelObject& object, const ModelField& field, double real) {
+  return field.scalar.setReal && field.scalar.setReal(const_cast<void*>(addressOf(object, field)), real);
+}
+
+bool isKindOf(const ModelClass& modelClass, const ModelClass& wanted) {
+  const ModelClass* level = &modelClass;
+  while (level && level != &wanted) level = level->superclass;
+  return level != nullptr;
 }
 
 std::shared_ptr<ModelObject> objectOfClass(const std::shared_ptr<ModelObject>& object, const ModelClass& wanted) {
-  return object && derivesFrom(getClass(*object), wanted) ? object : nullptr;
+  return object && isKindOf(getClass(*object), wanted) ? object : nullptr;
 }
 
 }  // namespace korvex

@@ -1,9 +1,12 @@
 // Model classes at run time: what a description declares, and fields under their ownership rules.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "korvex/ModelClass.h"
+#include "korvex/ModelRegistry.h"
 #include "korvex/NumberObject.h"
-#include "korvex/QXDAOPackReader.h"
+#include "korvex/QXDAOPack.h"
 #include "tests/support/Models.h"
 
 namespace korvex {
@@ -123,6 +126,79 @@ TEST(ModelClass, TextsAndNumbersAreReplaced) {
   EXPECT_EQ(set("_text", number), ObjectValue());
   EXPECT_EQ(set("_plain", number), ObjectValue(std::string_view()));
   EXPECT_EQ(set("_number", text), ObjectValue());
+}
+
+TEST(ModelClass, ScalarsAreReadAndReplacedInOneStep) {
+  AllTypes object;
+  const ModelClass& cls = AllTypes::describedClass();
+  constexpr double tooLarge = 18446744073709551616.0;  // 2 to the 64th
+  struct Case {
+    const char* property;
+    std::variant<std::int64_t, double> number;
+    std::optional<double> stored;
+  };
+  const std::vector<Case> cases = {
+      {"flag", 7L, 1},     {"flag", 0.0, 0},        {"c", -128L, -128}, {"c", 128L, {}},   {"C", 255L, 255},
+      {"C", -1L, {}},      {"S", 65536L, {}},       {"i", 2.0, 2},      {"i", 2.5, {}},    {"i", 2147483648.0, {}},
+      {"I", -1L, {}},      {"q", -9e18, -9e18},     {"q", 9.3e18, {}},  {"Q", -1L, {}},    {"Q", 1.8e19, 1.8e19},
+      {"Q", tooLarge, {}}, {"Q", std::nan(""), {}}, {"f", 3L, 3},       {"d", 0.25, 0.25}, {"color", 7L, 7},
+      {"color", 256L, {}}, {"text", 1L, {}},        {"number", 1L, {}},
+  };
+  for (const auto& [property, number, stored] : cases) {
+    const ModelField& field = *fieldOfProperty(cls, property);
+    object = AllTypes();
+    const bool set = std::visit([&](auto value) { return setScalarField(object, field, value); }, number);
+    EXPECT_EQ(set, stored.has_value()) << property;
+    const OptionalNumber read = getScalarField(object, field);
+    EXPECT_EQ(read.has_value(), field.scalar.get != nullptr) << property;
+    AllTypes expected;
+    if (stored) static_cast<void>(setScalarField(expected, field, *stored));
+    EXPECT_EQ(read, getScalarField(expected, field)) << property;
+  }
+  EXPECT_EQ(getScalarField(object, *fieldOfProperty(cls, "flag")), OptionalNumber(NumberObject(false)));
+  EXPECT_EQ(fieldOfProperty(Person::describedClass(), "computed"), nullptr);
+  EXPECT_EQ(fieldOfProperty(Person::describedClass(), "age"), getField(Person::describedClass(), "years"));
+}
+
+class Attachment : public Model<Attachment> {
+ public:
+  static void describe(ModelDescription<Attachment>& model) {
+    model.className("Attachment");
+    model.property("bytes", &Attachment::bytes);
+    model.property("preview", &Attachment::preview);
+  }
+
+  std::vector<std::byte> bytes;
+  std::optional<std::vector<std::byte>> preview;
+};
+
+TEST(ModelClass, BinaryFieldsHoldBytes) {
+  Attachment object;
+  const auto set = [&object](const char* property, const ObjectValue& value) {
+    const ModelField& field = *fieldOfProperty(getClass(object), property);
+    setObjectField(object, field, value);
+    return getObjectField(object, field);
+  };
+  const ObjectValue bytes = BinaryView{std::string_view("\0\xFF", 2)};
+  EXPECT_EQ(set("bytes", bytes), bytes);
+  EXPECT_EQ(set("preview", bytes), bytes);
+  EXPECT_EQ(object.bytes, object.preview);
+  EXPECT_EQ(set("bytes", std::string_view("text")), ObjectValue(BinaryView()));
+  EXPECT_EQ(set("preview", {}), ObjectValue());
+  EXPECT_EQ(QXDAOPack().packWithObject(&object), "");
+}
+
+TEST(ModelRegistry, FindsClassesByTheirNames) {
+  ModelRegistry models;
+  EXPECT_TRUE(models.add<Attachment>() && models.add<Attachment>());
+  EXPECT_FALSE(models.add<Holder>());  // it has no name
+  ModelClass other;
+  other.name = "Attachment";
+  EXPECT_FALSE(models.add(other));
+  const ModelClass* found = models.find("Attachment");
+  ASSERT_EQ(found, &Attachment::describedClass());
+  EXPECT_EQ(&getClass(*found->create()), found);
+  EXPECT_EQ(models.find("attachment"), nullptr);
 }
 
 TEST(NumberObject, RemembersItsType) {
