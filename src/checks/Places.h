@@ -8,7 +8,7 @@
 #include "korvex/QXDAOPackReader.h"
 #include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
-#include "language/Markup.h"
+#include "markup/Markup.h"
 
 namespace korvex {
 

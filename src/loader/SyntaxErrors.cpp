@@ -8,8 +8,8 @@
 
 #include "korvex/QXDAOPackReader.h"
 #include "loader/ExpatParser.h"
-#include "loader/Names.h"
 #include "loader/TagFaults.h"
+#include "markup/Names.h"
 #include "platform/Strings.h"
 #include "platform/Tables.h"
 

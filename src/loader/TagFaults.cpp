@@ -4,113 +4,43 @@
 #include <array>
 #include <string_view>
 
-#include "korvex/QXDAOPackReader.h"
-#include "loader/Names.h"
+#include "markup/Names.h"
+#include "markup/TagReader.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {
 
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
-enum class Place { TagName, BeforeAttribute, BehindAttributeName, BeforeValue, InValue, BehindValue, BeforeEnd };
-
-// A tag up to the character that is out of place, as views of it.
-struct TagStart {
-  bool closes = false;  // an end tag
-  std::string_view name;
-  std::string_view attribute;  // the last one
-  std::string_view value;      // that of it, as far as it goes, without quotes
-  Place place = Place::TagName;
-};
-
-// Takes a tag apart, piece by piece; each step tells whether there is more.
-class TagReader {
- public:
-  explicit TagReader(std::string_view markup) : _rest(markup) {}
-
-  TagStart read() {
-    _rest.remove_prefix(1);
-    _tag.closes = _rest.starts_with('/');
-    if (_tag.closes) _rest.remove_prefix(1);
-    _tag.name = takeName();
-    while (readAttribute()) {
-    }
-    return _tag;
-  }
-
- private:
-  bool readAttribute() {
-    if (skipWhiteSpace()) _tag.place = Place::BeforeAttribute;
-    if (_rest.starts_with('/')) _tag.place = Place::BeforeEnd;
-    const std::string_view name = takeName();
-    if (name.empty()) return false;
-    _tag.attribute = name;
-    _tag.place = Place::BehindAttributeName;
-    return readEquals() && readValue();
-  }
-
-  bool readEquals() {
-    skipWhiteSpace();
-    if (!_rest.starts_with('=')) return false;
-    _rest.remove_prefix(1);
-    skipWhiteSpace();
-    _tag.place = Place::BeforeValue;
-    return !_rest.empty();
-  }
-
-  bool readValue() {
-    const char quote = _rest.front();
-    _rest.remove_prefix(1);
-    const std::size_t end = _rest.find(quote);
-    _tag.value = _rest.substr(0, end);
-    _tag.place = end == npos ? Place::InValue : Place::BehindValue;
-    if (end != npos) _rest.remove_prefix(end + 1);
-    return end != npos;
-  }
-
-  std::string_view takeName() {
-    const std::string_view name = nameAt(_rest, 0);
-    _rest.remove_prefix(name.size());
-    return name;
-  }
-
-  bool skipWhiteSpace() {
-    const std::size_t count = std::min(_rest.find_first_not_of(xmlWhiteSpace), _rest.size());
-    _rest.remove_prefix(count);
-    return count > 0;
-  }
-
-  std::string_view _rest;
-  TagStart _tag;
-};
-
 // A fault, with what is needed to explain it.
-struct Fault {
-  const TagStart& tag;
-  std::string_view rest;  // of the text, from the character that is out of place on
-  std::size_t line;       // where the tag begins
-  std::size_t valueLine;  // where the last value begins
+struct TagFault {
+  const Tag& tag;
+  std::string_view name;
+  std::string_view attribute;  // the name of the last one
+  std::string_view value;      // its value as far as it goes, without quotes
+  std::string_view rest;       // of the text, from the character that is out of place
+  std::size_t line;            // where the tag begins
+  std::size_t valueLine;       // where the last value begins
 };
 
-using Explanation = std::optional<std::string>;
+using TagExplanation = std::optional<std::string>;
 
 std::string openedOn(std::size_t line) { return ", opened on line " + std::to_string(line) + ','; }
 
-std::string tagOf(const Fault& fault) {
-  return (fault.tag.closes ? "end tag " : "tag ") + quoted(fault.tag.name) + openedOn(fault.line);
+std::string tagOf(const TagFault& fault) {
+  return (fault.tag.isEndTag ? "end tag " : "tag ") + quoted(fault.name) + openedOn(fault.line);
 }
 
-std::string attributeOf(const Fault& fault) { return "attribute " + quoted(fault.tag.attribute); }
+std::string attributeOf(const TagFault& fault) { return "attribute " + quoted(fault.attribute); }
 
-std::string valueOf(const Fault& fault) { return "the value of " + quoted(fault.tag.attribute); }
+std::string valueOf(const TagFault& fault) { return "the value of " + quoted(fault.attribute); }
 
-std::string notClosed(const Fault& fault) { return tagOf(fault) + " is not closed with '>'"; }
+std::string notClosed(const TagFault& fault) { return tagOf(fault) + " is not closed with '>'"; }
 
-bool isIn(std::string_view set, char character) { return set.find(character) != npos; }
+bool isIn(std::string_view set, char character) { return set.find(character) != std::string_view::npos; }
 
-Explanation behindAttributeName(const Fault& fault) {
+TagExplanation afterAttributeName(const TagFault& fault) {
   if (isIn("/>", fault.rest.front())) return attributeOf(fault) + " has no value";
   return attributeOf(fault) + " in " + tagOf(fault) + " has no value: '=' is missing behind it, or '>' before it";
 }
@@ -120,16 +50,16 @@ bool beginsWithTypographicQuote(std::string_view text) {
   return std::any_of(quotes.begin(), quotes.end(), [text](std::string_view quote) { return text.starts_with(quote); });
 }
 
-Explanation beforeValue(const Fault& fault) {
+TagExplanation beforeValue(const TagFault& fault) {
   if (isIn("<>", fault.rest.front())) return attributeOf(fault) + " has no value";
   if (beginsWithTypographicQuote(fault.rest)) return valueOf(fault) + " is in typographic quotes; write \" or '";
   return valueOf(fault) + " is not in quotes";
 }
 
 // A "<" in a value is either meant, or the next tag after a value without an end.
-Explanation inValue(const Fault& fault) {
+TagExplanation inValue(const TagFault& fault) {
   if (fault.rest.front() != '<') return std::nullopt;
-  const bool wentOn = fault.tag.value.find_first_of(">\n\r") != npos;
+  const bool wentOn = fault.value.find_first_of(">\n\r") != std::string_view::npos;
   if ((wentOn && !nameAt(fault.rest, 1).empty()) || fault.rest.starts_with("</")) {
     return valueOf(fault) + openedOn(fault.valueLine) + " has no closing quote";
   }
@@ -138,45 +68,55 @@ Explanation inValue(const Fault& fault) {
 }
 
 // Where the quote that closes a value is missing, the next one that opens a value closes it.
-Explanation behindValue(const Fault& fault) {
-  if (fault.tag.value.ends_with('=')) return valueOf(fault) + openedOn(fault.valueLine) + " has no closing quote";
+TagExplanation afterValue(const TagFault& fault) {
+  if (fault.value.ends_with('=')) return valueOf(fault) + openedOn(fault.valueLine) + " has no closing quote";
   if (isIn(",;", fault.rest.front()))
     return "attributes are separated by white space, not by " + quoted(fault.rest.substr(0, 1));
   if (nameAt(fault.rest, 0).empty()) return std::nullopt;
   return "white space is missing behind " + valueOf(fault);
 }
 
-Explanation beforeEnd(const Fault& /*fault*/) { return "'/' in a tag stands only before '>'"; }
+TagExplanation afterSlash(const TagFault& /*fault*/) { return "'/' in a tag stands only before '>'"; }
 
-struct Explainer {
-  Place place;
-  Explanation (*explain)(const Fault&);
+struct TagExplainer {
+  TagState state;
+  TagExplanation (*explain)(const TagFault&);
 };
 
-constexpr std::array<Explainer, 5> explainers{{
-    {Place::BehindAttributeName, behindAttributeName},
-    {Place::BeforeValue, beforeValue},
-    {Place::InValue, inValue},
-    {Place::BehindValue, behindValue},
-    {Place::BeforeEnd, beforeEnd},
+constexpr std::array<TagExplainer, 5> tagExplainers{{
+    {TagState::AttributeName, afterAttributeName},
+    {TagState::EqualsSign, beforeValue},
+    {TagState::OpenValue, inValue},
+    {TagState::Value, afterValue},
+    {TagState::Slash, afterSlash},
 }};
 
-bool beginsTag(std::string_view markup) {
-  return markup.starts_with('<') && !nameAt(markup, markup.starts_with("</") ? 2 : 1).empty() && !isIn("!?", markup[1]);
+TagFault faultOf(const Tag& tag, const SourceText& source, std::size_t start, std::size_t offset) {
+  const std::string_view text = source.text();
+  const MarkupAttribute last = tag.attributes.empty() ? MarkupAttribute() : tag.attributes.back();
+  const Span value = last.value.value_or(Span{start, start});
+  return {tag,
+          tag.name.of(text),
+          last.name.of(text),
+          value.of(text),
+          text.substr(offset),
+          source.position(start).line,
+          source.position(value.begin).line};
 }
+
+bool isTag(const TagFault& fault) { return !fault.name.empty() && !isIn("!?", fault.name.front()); }
 
 }  // namespace
 
 std::optional<std::string> faultInTag(const SourceText& source, std::size_t start, std::size_t offset) {
-  const std::string_view text = source.text();
-  const std::string_view markup = text.substr(start, offset - start);
-  if (!beginsTag(markup)) return std::nullopt;
-  const TagStart tag = TagReader(markup).read();
-  const std::size_t valueStart = tag.value.empty() ? start : static_cast<std::size_t>(tag.value.data() - text.data());
-  const Fault fault{tag, text.substr(offset), source.position(start).line, source.position(valueStart).line};
-  const bool valueIsOpen = tag.place == Place::InValue || tag.place == Place::BeforeValue;
-  if (tag.closes || (fault.rest.front() == '<' && !valueIsOpen)) return notClosed(fault);
-  const Explainer* row = rowWith(explainers, &Explainer::place, tag.place);
+  const std::string_view markup = source.text().substr(0, offset);
+  if (!markup.substr(start).starts_with('<')) return std::nullopt;
+  const Tag tag = readTag(markup, start);
+  const TagFault fault = faultOf(tag, source, start, offset);
+  if (!isTag(fault)) return std::nullopt;
+  const bool valueIsOpen = tag.state == TagState::OpenValue || tag.state == TagState::EqualsSign;
+  if (tag.isEndTag || (fault.rest.front() == '<' && !valueIsOpen)) return notClosed(fault);
+  const TagExplainer* row = rowWith(tagExplainers, &TagExplainer::state, tag.state);
   return row ? row->explain(fault) : std::nullopt;
 }
 

@@ -18,14 +18,6 @@ std::optional<Span> nameInResult(std::string_view result, std::size_t begin) {
   return Span{begin + skipped, begin + result.size() - (list ? 1 : 0)};
 }
 
-// The value of the first attribute of that name.
-std::optional<Span> valueNamed(const Markup& markup, const MarkupElement& element, std::string_view name) {
-  for (const MarkupAttribute& attribute : element.attributes) {
-    if (attribute.value && markup.textOf(attribute.name) == name) return attribute.value;
-  }
-  return std::nullopt;
-}
-
 }  // namespace
 
 std::vector<MapName> mapNamesIn(const TextDocument& text, const Markup& markup) {
@@ -35,10 +27,11 @@ std::vector<MapName> mapNamesIn(const TextDocument& text, const Markup& markup) 
   };
   for (const MarkupElement& element : markup.elements()) {
     const std::string_view tag = markup.nameOf(element);
-    if (tag == C_MAP) add(MapRole::Declaration, valueNamed(markup, element, C_ID));
-    if (tag != C_SELECT) continue;
-    if (const auto result = valueNamed(markup, element, C_RESULT)) {
-      add(MapRole::Reference, nameInResult(markup.textOf(*result), result->begin));
+    if (tag == C_MAP) {
+      if (const MarkupAttribute* id = markup.attributeOf(element, C_ID)) add(MapRole::Declaration, id->value);
+    } else if (tag == C_SELECT) {
+      if (const MarkupAttribute* result = markup.attributeOf(element, C_RESULT))
+        add(MapRole::Reference, nameInResult(markup.textOf(*result->value), result->value->begin));
     }
   }
   return names;

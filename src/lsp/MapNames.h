@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "korvex/QXDAOPackReader.h"
-#include "language/Markup.h"
 #include "lsp/TextDocument.h"
+#include "markup/Markup.h"
 
 namespace korvex::lsp {
 

@@ -1,5 +1,6 @@
 #include "lsp/Symbols.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -46,11 +47,12 @@ constexpr std::array<SymbolKind, 10> symbolKinds = {{
     {C_PACK, kindStruct, C_AS, C_PROPERTIES},
 }};
 
-const MarkupAttribute* attributeNamed(const Markup& markup, const MarkupElement& element, std::string_view name) {
-  for (const MarkupAttribute& attribute : element.attributes) {
-    if (attribute.value && (name.empty() || markup.textOf(attribute.name) == name)) return &attribute;
-  }
-  return nullptr;
+// The attribute that names a definition; null while it has no value yet.
+const MarkupAttribute* namingAttribute(const Markup& markup, const MarkupElement& element, std::string_view name) {
+  if (!name.empty()) return markup.attributeOf(element, name);
+  const auto found = std::find_if(element.attributes.begin(), element.attributes.end(),
+                                  [](const MarkupAttribute& attribute) { return attribute.value.has_value(); });
+  return found == element.attributes.end() ? nullptr : &*found;
 }
 
 // Writes symbols as JSON.
@@ -62,7 +64,7 @@ class SymbolWriter {
 
   void writeDefinition(const MarkupElement& element, const SymbolKind& tag) {
     const Markup& markup = _document.markup();
-    const MarkupAttribute* naming = attributeNamed(markup, element, tag.nameAttribute);
+    const MarkupAttribute* naming = namingAttribute(markup, element, tag.nameAttribute);
     Span place = element.name;
     if (naming) place = tag.nameAttribute.empty() ? naming->name : *naming->value;
     // The protocol does not allow an empty name.
@@ -78,7 +80,7 @@ class SymbolWriter {
  private:
   // Of a method that declares some; empty pieces, which the loader refuses, are left out.
   void writeArguments(const MarkupElement& element) {
-    const MarkupAttribute* declaration = attributeNamed(_document.markup(), element, C_ARGUMENTS);
+    const MarkupAttribute* declaration = _document.markup().attributeOf(element, C_ARGUMENTS);
     if (!declaration) return;
     const std::string_view text = _document.markup().textOf(*declaration->value);
     for (const std::string_view piece : splitAt(text, ',')) {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "korvex/QXDAOPackReader.h"
-#include "language/Markup.h"
 #include "lsp/Json.h"
+#include "markup/Markup.h"
 
 namespace korvex::lsp {
 

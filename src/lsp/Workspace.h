@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "korvex/QXDAOPackReader.h"
-#include "language/Markup.h"
 #include "lsp/MapNames.h"
 #include "lsp/TextDocument.h"
+#include "markup/Markup.h"
 
 namespace korvex::lsp {
 

@@ -8,8 +8,8 @@
 
 #include "korvex/Definition.h"
 #include "korvex/Document.h"
-#include "language/Markup.h"
 #include "language/Vocabulary.h"
+#include "markup/Markup.h"
 
 namespace korvex {
 
