@@ -20,7 +20,7 @@ NOT_COPIED = ("build", ".git")
 TREE = ROOT / "build/mutants/tree"
 BUILD = ROOT / "build/mutants/build"
 EXPLAINED = ROOT / "scripts/mutants.txt"
-TESTS = ("core_tests", "loader_tests", "tool_tests")  # the last one is slow, and is left few to notice
+TESTS = ("platform_tests", "evaluator_tests", "dao_tests", "loader_tests", "tool_tests")  # the last one is slow
 
 USUAL_COUNT = 150
 WANTED_RATE = 0.9

@@ -5,7 +5,6 @@
 #include <set>
 #include <string>
 
-#include "benchmarks/Documents.h"
 #include "checks/DocumentCheck.h"
 #include "checks/NearMiss.h"
 #include "korvex/Definition.h"
@@ -239,11 +238,6 @@ TEST(Warnings, DoNotTroubleDocumentsThatAreRight) {
       EXPECT_EQ(finding.severity, Severity::Error) << example << finding.position.line << finding.message;
     }
   }
-  // Chance chooses the names in this one.
-  WarningSelection selection;
-  for (const char* name : {"duplicate-argument", "duplicate-column", "repeated-property"})
-    selection.want(*ruleNamed(name), false);
-  EXPECT_EQ(findingsIn({benchmarks::believableDocument(2000)}, selection), Texts());
 }
 
 TEST(Errors, ComeWithWhatMayBeMeant) {

@@ -18,7 +18,7 @@
 #include "korvex/QXDAOTrim.h"
 #include "korvex/QXDAOTry.h"
 #include "korvex/XMLNode.h"
-#include "tests/support/HandBuiltTree.h"
+#include "tests/support/ParsedTree.h"
 
 namespace korvex {
 namespace {
@@ -120,14 +120,51 @@ TEST(Elements, StepsAreLinkedOrDissolved) {
 }
 
 TEST(Elements, TryAndExceptAreLinked) {
-  const auto method = built<QXDAOMethod>(select(
-      {Hand::text(" "), Hand::element("try", {}, {Hand::text("A"), Hand::element("except"), Hand::text("\n")})}));
+  const auto method = built<QXDAOMethod>(parsed("<select id='s' result='int'><try>A<except/>\n</try></select>"));
   EXPECT_TRUE(method->tryBlock());
   const auto* block = QXDAOElementCast<QXDAOTry>(method->children()->front().get());
   ASSERT_NE(block, nullptr);
   EXPECT_EQ(block->parentMethod(), method.get());
   EXPECT_EQ(block->exceptElement(), block->children()->back().get());
   EXPECT_EQ(block->exceptElement()->tryElement(), block);
+}
+
+// What elements that fail have done before: the links that they leave, and the method's attributes.
+TEST(Elements, FailuresComeInOrder) {
+  const auto initialised = [](auto& element, const char* xml, auto*... parent) {
+    element.initWithXML(HandBuiltTree(parsed(xml)).root(), parent...);
+  };
+  for (const char* xml :
+       {"<try x=''><except/></try>", "<try><except/><nope/></try>", "<try>x<except><nope/></except></try>"}) {
+    QXDAOMethod method;
+    QXDAOTry block;
+    initialised(block, xml, &method);
+    EXPECT_TRUE(method.tryBlock()) << xml;
+    EXPECT_EQ(block.exceptElement(), nullptr) << xml;
+  }
+  for (const auto& [xml, registered] : {std::pair("<except x=''/>", false), {"<except><nope/></except>", true}}) {
+    QXDAOMethod method;
+    QXDAOTry block;
+    QXDAOExcept except;
+    block.setParentMethod(&method);
+    initialised(except, xml, &block);
+    EXPECT_EQ(block.exceptElement(), registered ? &except : nullptr) << xml;
+    EXPECT_EQ(except.tryElement(), registered ? &block : nullptr) << xml;
+  }
+  for (const auto& [xml, resumable] : {std::pair("<update id='a' foreach='b' resumable='1'/>", true),
+                                       {"<update id='a' foreach='' resumable='1'/>", false}}) {
+    QXDAOMethod method;
+    method.initNamedElementWithXML(HandBuiltTree(parsed(xml)).root());
+    EXPECT_EQ(method.foreachResumable(), resumable) << xml;
+    EXPECT_FALSE(method.foreach ());
+  }
+}
+
+TEST(Elements, ChildrenThatAreTakenAreGone) {
+  const auto method = built<QXDAOMethod>(update({Hand::text("A"), Hand::element("where")}));
+  EXPECT_EQ(method->takeChildren()->size(), 2U);
+  EXPECT_FALSE(method->children());
+  EXPECT_FALSE(method->takeChildren());
 }
 
 TEST(Elements, EngineSlotsStartEmptyAndKeepWhatTheyGet) {

@@ -2,6 +2,8 @@
 // texts of white space) can be put in front of the elements with it.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <utility>
@@ -19,6 +21,7 @@ struct Hand {
   OptionalString content;
   std::vector<std::pair<OptionalString, OptionalString>> attributes;
   std::vector<Hand> children;
+  std::ptrdiff_t offset = -1;  // in the text it was read from
 
   static Hand element(OptionalString tag, decltype(attributes) attributes = {}, std::vector<Hand> children = {}) {
     return {XMLNodeKind::Element, std::move(tag), std::nullopt, std::move(attributes), std::move(children)};
@@ -34,6 +37,7 @@ class HandBuiltTree final : public XMLTree {
   HandBuiltTree& operator=(const HandBuiltTree&) = delete;
 
   [[nodiscard]] XMLNode root() const { return {*this, _top.children.data()}; }
+  [[nodiscard]] std::ptrdiff_t offsetOf(const XMLNode& node) const { return offsetBelow(_top, node); }
 
   XMLNodeKind kind(NodeHandle node) const override { return hand(node).kind; }
   OptionalStringView name(NodeHandle node) const override { return hand(node).name; }
@@ -83,6 +87,13 @@ class HandBuiltTree final : public XMLTree {
       if (const Hand* found = find(child, item)) return found;
     }
     return nullptr;
+  }
+
+  [[nodiscard]] std::ptrdiff_t offsetBelow(const Hand& hand, const XMLNode& node) const {
+    if (XMLNode(*this, &hand) == node) return hand.offset;
+    std::ptrdiff_t offset = -1;
+    for (const Hand& child : hand.children) offset = std::max(offset, offsetBelow(child, node));
+    return offset;
   }
 
   Hand _top;

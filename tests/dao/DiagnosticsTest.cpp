@@ -1,9 +1,11 @@
 // Every message of the language with the place it points at: definition → message at line:column.
 #include <gtest/gtest.h>
 
-#include "korvex/Definition.h"
-#include "korvex/Document.h"
-#include "korvex/XMLNode.h"
+#include <algorithm>
+
+#include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOError.h"
+#include "tests/support/ParsedTree.h"
 
 namespace korvex {
 namespace {
@@ -18,16 +20,15 @@ struct Case {
 void check(const std::vector<Case>& cases) {
   for (const auto& [xml, message, line, column] : cases) {
     SCOPED_TRACE(xml);
-    const auto result = Document::fromBytes("<definitions>\n" + std::string(xml) + "</definitions>");
-    ASSERT_TRUE(result.document) << result.error->message;
-    const std::vector<Definition> definitions = loadDefinitions(*result.document);
-    ASSERT_EQ(definitions.size(), 1U);
-    EXPECT_EQ(definitions[0].element, nullptr);
-    ASSERT_TRUE(definitions[0].error);
-    EXPECT_EQ(definitions[0].error->message(), message);
-    EXPECT_EQ(definitions[0].error->xml().position(), (XMLPosition{2, 1}));
-    const XMLPosition origin = definitions[0].error->origin.position().value();
-    EXPECT_EQ(origin, (XMLPosition{line + 1, column})) << "at " << origin.line - 1 << ":" << origin.column;
+    const HandBuiltTree tree(parsed(xml));
+    std::optional<QXDAOError> error;
+    EXPECT_EQ(QXDAOElement::elementWithXML(tree.root(), &error), nullptr);
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->message(), message);
+    EXPECT_EQ(error->xml(), tree.root());
+    const std::string before(xml, static_cast<std::size_t>(tree.offsetOf(error->origin)));
+    EXPECT_EQ(1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')), line);
+    EXPECT_EQ(before.size() - before.rfind('\n'), column);
   }
 }
 
@@ -100,6 +101,7 @@ TEST(Diagnostics, Methods) {
       {"<update id='a' arguments='ids' foreach='ids. '/>", foreach},
       {"<update id='a' arguments='ids' foreach='ids.i.j'/>", foreach},
       {"<update id='a' foreach='ids.i'/>", foreach},
+      {"<update id='a' arguments='ids' foreach='&#9;ids.i'/>", foreach},
   });
 }
 
