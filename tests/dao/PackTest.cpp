@@ -18,6 +18,7 @@
 #include "korvex/QXDAOPack.h"
 #include "korvex/QXDAOPackEncode.h"
 #include "korvex/QXDAOPackReader.h"
+#include "tests/support/Hex.h"
 #include "tests/support/Models.h"
 #include "tests/support/Packs.h"
 
@@ -39,27 +40,6 @@ void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
 
 namespace korvex {
 namespace {
-
-std::string hex(std::string_view bytes) {
-  std::string text;
-  for (const char byte : bytes) {
-    std::array<char, 3> digits{};
-    std::snprintf(digits.data(), digits.size(), "%02X", static_cast<unsigned char>(byte));
-    text += digits.data();
-  }
-  return text;
-}
-
-std::string bytes(std::string_view text) {
-  std::string value;
-  std::string digits;
-  for (const char digit : text) {
-    if (digit == ' ' || digit == '\n') continue;
-    digits += digit;
-    if (digits.size() == 2) value += static_cast<char>(std::stoi(std::exchange(digits, ""), nullptr, 16));
-  }
-  return value;
-}
 
 // One record in hex: name, encode, content.
 std::string record(const std::string& name, const std::string& encode, const std::string& content) {
@@ -186,16 +166,17 @@ TEST(Pack, RecordsOfAnotherTypeThanTheField) {
            {"i", "1000", "", "540000000000"},                  // of no bytes: zero
            {"i", "FFFF", "0100000041", "540007000000"},        // a string: skipped
            {"i", "2F00", "0102030405060708090A0B0C0D0E0F", "540001020304"},
-           {"i", "1000", "", "540000000000"},
            {"c", "A800", "0102030405060708", "110001"},
            {"flag", "1100", "02", "010001"},
+           {"flag", "0100", "02", "010001"},  // any byte but zero is true
+           {"flag", "0100", "80", "010001"},
            {"flag", "3200", "0001", "010000"},
            {"text", "1100", "01", "FFFF010000006B"},               // a scalar: skipped
            {"text", "FFFF", "01000000FF", ""},                     // not UTF-8: absent
            {"text", "FFFF", "030000006100 62", "FFFF0100000061"},  // a zero byte is text, packing ends there
            {"plain", "FFFF", "01000000FF", "FFFF00000000"},        // absent is empty to it
            {"number", "5400", "05000000", "540005000000"},
-           {"number", "0100", "02", "010001"},
+           {"number", "0100", "80", "010001"},
            {"number", "0100", "00", "010000"},
            {"number", "2300", "0A0B0C", ""},            // an unknown scalar: absent
            {"number", "FFFF", "0100000041", "110009"},  // a string: skipped
@@ -283,6 +264,63 @@ TEST(Pack, TruncatedValues) {
       EXPECT_EQ(person.age, length < first.size() ? 0 : 0x04030201) << length;
       EXPECT_EQ(person.nickname, std::nullopt) << length;
     }
+  }
+}
+
+// A length that leads beyond the value ends the reading; what stands there is no record.
+TEST(Pack, TextsLongerThanTheValue) {
+  const auto pack = packOf("nickname,ages");
+  for (const char* name : {"nickname", "unknown"}) {
+    for (const char* length : {"0B000000", "FF000000", "FFFFFFFF"}) {
+      Person person;
+      pack->unpackWithObject(&person, bytes(record(name, "FFFF", length + record("ages", "4200", "0500"))));
+      EXPECT_EQ(person.ages, 0) << name << length;
+      EXPECT_EQ(person.nickname, std::nullopt);
+    }
+  }
+}
+
+TEST(Pack, LongValues) {
+  const auto pack = packOf("text,plain,i");
+  AllTypes object;
+  object.i = 5;
+  for (const std::size_t length : {1023U, 1024U, 1025U, 70000U}) {
+    object.text = std::string(length, 'x');
+    object.plain = *object.text + "\xC3\xA9";
+    const std::string value = *pack->packWithObject(&object);
+    EXPECT_EQ(value.size(), 12 + length + 13 + length + 2 + 9);  // text, plain, i
+    AllTypes read;
+    pack->unpackWithObject(&read, value);
+    EXPECT_EQ(read.text, object.text);
+    EXPECT_EQ(read.plain, object.plain);
+    EXPECT_EQ(read.i, 5);
+  }
+}
+
+// The codes of strings and numbers are compared whole, of all others the first character alone counts.
+TEST(Pack, TypeCodes) {
+  class Odd : public ModelObject {
+   public:
+    explicit Odd(const char* typeEncoding) {
+      ModelDescription<Person>(_class).property("age", &Person::age);
+      ModelDescription<Person>(_class).property("nickname", &Person::nickname);
+      for (ModelField& field : _class.fields) field.typeEncoding = typeEncoding;
+    }
+    [[nodiscard]] const ModelClass& modelClass() const override { return _class; }
+
+   private:
+    ModelClass _class;
+  };
+  for (const auto& [typeEncoding, code] : std::vector<std::pair<const char*, int>>{{"@\"Number\"", -2},
+                                                                                   {"@\"String\"", -1},
+                                                                                   {"@\"Number", 0},
+                                                                                   {"@\"String\"x", 0},
+                                                                                   {"@\"Strings\"", 0},
+                                                                                   {"@", 0},
+                                                                                   {"ix", 'i'}}) {
+    const auto pack = packOf("age,nickname");
+    EXPECT_EQ(pack->getClassInfoWithObject(std::make_unique<Odd>(typeEncoding).get())->properties[0].encode_c, code)
+        << typeEncoding;
   }
 }
 

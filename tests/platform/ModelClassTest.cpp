@@ -6,7 +6,6 @@
 #include "korvex/ModelClass.h"
 #include "korvex/ModelRegistry.h"
 #include "korvex/NumberObject.h"
-#include "korvex/QXDAOPack.h"
 #include "tests/support/Models.h"
 
 namespace korvex {
@@ -185,7 +184,6 @@ TEST(ModelClass, BinaryFieldsHoldBytes) {
   EXPECT_EQ(object.bytes, object.preview);
   EXPECT_EQ(set("bytes", std::string_view("text")), ObjectValue(BinaryView()));
   EXPECT_EQ(set("preview", {}), ObjectValue());
-  EXPECT_EQ(QXDAOPack().packWithObject(&object), "");
 }
 
 TEST(ModelRegistry, FindsClassesByTheirNames) {

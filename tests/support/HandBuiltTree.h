@@ -90,9 +90,11 @@ class HandBuiltTree final : public XMLTree {
   }
 
   [[nodiscard]] std::ptrdiff_t offsetBelow(const Hand& hand, const XMLNode& node) const {
-    if (XMLNode(*this, &hand) == node) return hand.offset;
     std::ptrdiff_t offset = -1;
-    for (const Hand& child : hand.children) offset = std::max(offset, offsetBelow(child, node));
+    for (const Hand& child : hand.children) {
+      const bool isNode = XMLNode(*this, &child) == node;
+      offset = std::max(offset, isNode ? child.offset : offsetBelow(child, node));
+    }
     return offset;
   }
 
