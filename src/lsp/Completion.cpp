@@ -19,10 +19,10 @@ namespace korvex::lsp {
 namespace {
 
 // Numbers of the protocol's CompletionItemKind.
-constexpr int kindClass = 7;
-constexpr int kindProperty = 10;
-constexpr int kindValue = 12;
-constexpr int kindReference = 18;
+constexpr int itemKindClass = 7;
+constexpr int itemKindProperty = 10;
+constexpr int itemKindValue = 12;
+constexpr int itemKindReference = 18;
 
 constexpr int plainText = 1;
 constexpr int snippet = 2;
@@ -150,7 +150,7 @@ class Completer {
     if (!holder || !_wishes.untyped || !apart) return;
     for (const ElementEntry* element : childrenOf(*holder)) {
       const std::string tag = inAngle(element->tag);
-      Json& item = addItem(element->tag, kindClass, descriptionOf(*element));
+      Json& item = addItem(element->tag, itemKindClass, descriptionOf(*element));
       item["filterText"] = tag;
       setEdit(item, {_offset, _offset}, tag, _wishes.snippets ? inAngle(elementSnippet(*element)) : "");
     }
@@ -162,7 +162,7 @@ class Completer {
     const bool hasRest = isClosed(tag) || std::any_of(tag.attributes.begin(), tag.attributes.end(),
                                                       [](const MarkupAttribute& some) { return some.value; });
     for (const ElementEntry* element : holder ? childrenOf(*holder) : entriesOf(definitionTags())) {
-      Json& item = addItem(element->tag, kindClass, descriptionOf(*element));
+      Json& item = addItem(element->tag, itemKindClass, descriptionOf(*element));
       setEdit(item, tag.name, element->tag, _wishes.snippets && !hasRest ? elementSnippet(*element) : "");
     }
   }
@@ -172,7 +172,7 @@ class Completer {
     const std::string name(_markup.nameOf(element));
     const std::size_t next = std::min(_text.find_first_not_of(whiteSpace, word.end), _text.size());
     const bool ended = next < _text.size() && _text[next] == '>';
-    setEdit(addItem(name, kindClass, ""), word, ended ? name : name + ">", "");
+    setEdit(addItem(name, itemKindClass, ""), word, ended ? name : name + ">", "");
   }
 
   void addAttributes(const Place& place, Span word) {
@@ -194,7 +194,7 @@ class Completer {
     const std::string apart = inserted && place.attribute ? " " : "";
     for (const AttributeEntry& entry : element->attributes) {
       if (isTaken(entry.name)) continue;
-      Json& item = addItem(entry.name, kindProperty, descriptionOf(entry, *element));
+      Json& item = addItem(entry.name, itemKindProperty, descriptionOf(entry, *element));
       const std::string name(entry.name);
       if (valued) {
         setEdit(item, word, name, "");
@@ -222,11 +222,11 @@ class Completer {
     };
     if (!wantsMap) {
       for (const std::string_view value : attribute->kind == ValueKind::YesOrNo ? yesAndNo : attribute->words) {
-        add(std::string(value), kindValue);
+        add(std::string(value), itemKindValue);
       }
     }
     if (attribute->kind != ValueKind::Result) return;
-    for (const std::string& name : mapNames(_workspace)) add(std::string(":").append(name), kindReference);
+    for (const std::string& name : mapNames(_workspace)) add(std::string(":").append(name), itemKindReference);
   }
 
   // A value without its second quote runs into what follows; the cursor's word ends earlier.

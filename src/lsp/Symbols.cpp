@@ -17,13 +17,13 @@ namespace korvex::lsp {
 namespace {
 
 // Numbers of the protocol's SymbolKind.
-constexpr int kindClass = 5;
-constexpr int kindMethod = 6;
-constexpr int kindVariable = 13;
-constexpr int kindConstant = 14;
-constexpr int kindString = 15;
-constexpr int kindKey = 20;
-constexpr int kindStruct = 23;
+constexpr int symbolKindClass = 5;
+constexpr int symbolKindMethod = 6;
+constexpr int symbolKindVariable = 13;
+constexpr int symbolKindConstant = 14;
+constexpr int symbolKindString = 15;
+constexpr int symbolKindKey = 20;
+constexpr int symbolKindStruct = 23;
 
 constexpr std::string_view nothing;
 
@@ -35,16 +35,16 @@ struct SymbolKind {
 };
 
 constexpr std::array<SymbolKind, 10> symbolKinds = {{
-    {C_SELECT, kindMethod, C_ID, C_RESULT},
-    {C_UPDATE, kindMethod, C_ID, nothing},
-    {C_INSERT, kindMethod, C_ID, nothing},
-    {C_DELETE, kindMethod, C_ID, nothing},
-    {C_UPGRADE, kindMethod, C_TO_VERSION, nothing},
-    {C_SQL, kindString, C_ID, nothing},
-    {C_CONST, kindConstant, nothing, nothing},
-    {C_MAP, kindClass, C_ID, C_RESULT},
-    {C_CRYPT, kindKey, C_PROPERTY, C_CLASS},
-    {C_PACK, kindStruct, C_AS, C_PROPERTIES},
+    {C_SELECT, symbolKindMethod, C_ID, C_RESULT},
+    {C_UPDATE, symbolKindMethod, C_ID, nothing},
+    {C_INSERT, symbolKindMethod, C_ID, nothing},
+    {C_DELETE, symbolKindMethod, C_ID, nothing},
+    {C_UPGRADE, symbolKindMethod, C_TO_VERSION, nothing},
+    {C_SQL, symbolKindString, C_ID, nothing},
+    {C_CONST, symbolKindConstant, nothing, nothing},
+    {C_MAP, symbolKindClass, C_ID, C_RESULT},
+    {C_CRYPT, symbolKindKey, C_PROPERTY, C_CLASS},
+    {C_PACK, symbolKindStruct, C_AS, C_PROPERTIES},
 }};
 
 // The attribute that names a definition; null while it has no value yet.
@@ -89,7 +89,7 @@ class SymbolWriter {
       if (name.empty()) continue;
       const std::size_t begin = declaration->value->begin + static_cast<std::size_t>(name.data() - text.data());
       const Span span{begin, begin + name.size()};
-      beginSymbol(name, kindVariable, span, span);
+      beginSymbol(name, symbolKindVariable, span, span);
       _text.append("}");
     }
   }

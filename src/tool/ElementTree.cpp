@@ -13,13 +13,13 @@ namespace {
 // -------------------------------------------------------------------------------------------
 // Pieces of a headline
 
-std::string text(const Json& value) {
+std::string valueText(const Json& value) {
   return value.is_string() ? visibleText(value.get_ref<const std::string&>()) : "";
 }
 
-std::string quoted(const Json& value) { return '"' + text(value) + '"'; }
+std::string quotedValue(const Json& value) { return '"' + valueText(value) + '"'; }
 
-std::string joined(const Json& values, std::string (*write)(const Json&)) {
+std::string joinedValues(const Json& values, std::string (*write)(const Json&)) {
   std::string result;
   const char* separator = "";
   for (const Json& value : values) {
@@ -32,14 +32,14 @@ std::string joined(const Json& values, std::string (*write)(const Json&)) {
 bool isDefault(const Json& value) { return value.is_null() || value == false || value == Json::array(); }
 
 // The values that are not the default as " key="text"", " key=["a", "b"]" or " key" when true.
-std::string options(const Json& element, std::initializer_list<const char*> keys) {
+std::string optionTexts(const Json& element, std::initializer_list<const char*> keys) {
   std::string result;
   for (const char* key : keys) {
     const Json& value = element.at(key);
     if (isDefault(value)) continue;
     result += std::string(" ") + key;
-    if (value.is_string()) result += '=' + quoted(value);
-    if (value.is_array()) result += "=[" + joined(value, quoted) + ']';
+    if (value.is_string()) result += '=' + quotedValue(value);
+    if (value.is_array()) result += "=[" + joinedValues(value, quotedValue) + ']';
   }
   return result;
 }
@@ -47,7 +47,7 @@ std::string options(const Json& element, std::initializer_list<const char*> keys
 // The value's name in an enumeration constant, as the language spells it: "QXDAOOperationSelect" →
 // "select".
 std::string valueName(const Json& constant, std::string_view enumeration) {
-  std::string name = text(constant).substr(enumeration.size());
+  std::string name = valueText(constant).substr(enumeration.size());
   if (name[0] >= 'A' && name[0] <= 'Z') name[0] = static_cast<char>(name[0] - 'A' + 'a');
   return name;
 }
@@ -57,69 +57,70 @@ std::string valueName(const Json& constant, std::string_view enumeration) {
 
 std::string argumentText(const Json& argument) {
   const std::string mark = argument.at("notNull") == true ? "$" : "";
-  return mark + text(argument.at("name"));
+  return mark + valueText(argument.at("name"));
 }
 
 // As the attribute "result" spells it.
 std::string resultText(const Json& method) {
   const std::string mark = method.at("resultType") == "QXDAOSelectResultTypeMappedObject" ? ":" : "";
-  const std::string type = mark + text(method.at("resultTypeName"));
+  const std::string type = mark + valueText(method.at("resultTypeName"));
   return method.at("resultArrayed") == true ? '[' + type + ']' : type;
 }
 
 std::string foreachText(const Json& method) {
   if (method.at("foreach") == false) return "";
-  return " foreach=\"" + text(method.at("foreachCollection")) + '.' + text(method.at("foreachItemName")) + '"' +
-         (method.at("foreachResumable") == true ? " resumable" : "");
+  return " foreach=\"" + valueText(method.at("foreachCollection")) + '.' + valueText(method.at("foreachItemName")) +
+         '"' + (method.at("foreachResumable") == true ? " resumable" : "");
 }
 
 std::string upgradeHeadline(const Json& method) {
-  return "upgrade to " + method.at("toVersion").dump() + options(method, {"steped", "tryBlock"});
+  return "upgrade to " + method.at("toVersion").dump() + optionTexts(method, {"steped", "tryBlock"});
 }
 
 std::string methodHeadline(const Json& method) {
   const std::string operation = valueName(method.at("operation"), "QXDAOOperation");
   if (operation == C_UPGRADE) return upgradeHeadline(method);
-  return operation + ' ' + text(method.at("name")) + '(' + joined(method.at("arguments"), argumentText) + ')' +
-         (operation == C_SELECT ? " -> " + resultText(method) : "") +
-         options(method, {"profile", "assignedTable", "steped", "tryBlock", "parallel"}) + foreachText(method);
+  return operation + ' ' + valueText(method.at("name")) + '(' + joinedValues(method.at("arguments"), argumentText) +
+         ')' + (operation == C_SELECT ? " -> " + resultText(method) : "") +
+         optionTexts(method, {"profile", "assignedTable", "steped", "tryBlock", "parallel"}) + foreachText(method);
 }
 
 std::string conditionHeadline(const Json& condition) {
   std::string tag = valueName(condition.at("type"), "QXDAOConditionType");
   if (condition.at("expression").is_null()) return tag;
-  return tag + (condition.at("evaluateAsTrue") == true ? " true=" : " false=") + quoted(condition.at("expression"));
+  return tag + (condition.at("evaluateAsTrue") == true ? " true=" : " false=") +
+         quotedValue(condition.at("expression"));
 }
 
 std::string trimHeadline(const Json& trim) {
   const std::string onVoid = valueName(trim.at("onVoid"), "QXDAOTrimOnVoidType");
-  return "trim " + quoted(trim.at("operationName")) + options(trim, {"prefixOverrides", "suffixOverrides"}) +
+  return "trim " + quotedValue(trim.at("operationName")) + optionTexts(trim, {"prefixOverrides", "suffixOverrides"}) +
          (onVoid == "none" ? "" : " onVoid=" + onVoid);
 }
 
 std::string foreachHeadline(const Json& foreach) {
-  return "foreach " + text(foreach.at("item")) + " in " + text(foreach.at("collection")) +
-         options(foreach, {"open", "separator", "close", "reverse"});
+  return "foreach " + valueText(foreach.at("item")) + " in " + valueText(foreach.at("collection")) +
+         optionTexts(foreach, {"open", "separator", "close", "reverse"});
 }
 
-std::string formatHeadline(const Json& format) { return "format" + options(format, {"prefix", "pairs", "join"}); }
-std::string sqlHeadline(const Json& block) { return "sql " + text(block.at("name")); }
-std::string constHeadline(const Json& constant) { return "const " + text(constant.at("name")); }
+std::string formatHeadline(const Json& format) { return "format" + optionTexts(format, {"prefix", "pairs", "join"}); }
+std::string sqlHeadline(const Json& block) { return "sql " + valueText(block.at("name")); }
+std::string constHeadline(const Json& constant) { return "const " + valueText(constant.at("name")); }
 std::string mapHeadline(const Json& map) {
-  return "map " + text(map.at("name")) + " -> " + text(map.at("resultClass"));
+  return "map " + valueText(map.at("name")) + " -> " + valueText(map.at("resultClass"));
 }
-std::string stepHeadline(const Json& step) { return "step" + options(step, {"resumable"}); }
+std::string stepHeadline(const Json& step) { return "step" + optionTexts(step, {"resumable"}); }
 std::string tryHeadline(const Json& /*block*/) { return "try"; }
 std::string exceptHeadline(const Json& /*block*/) { return "except"; }
 std::string chooseHeadline(const Json& /*choose*/) { return "choose"; }
 
 std::string cryptHeadline(const Json& crypt) {
-  return "crypt " + text(crypt.at("className")) + '.' + text(crypt.at("propertyName"));
+  return "crypt " + valueText(crypt.at("className")) + '.' + valueText(crypt.at("propertyName"));
 }
 
 std::string packHeadline(const Json& pack) {
-  return "pack " + text(pack.at("column")) + " (" + joined(pack.at("propertyList"), text) + ')' +
-         options(pack, {"crypted"});
+  return "pack " + valueText(pack.at("column")) + " (" + joinedValues(pack.at("propertyList"), valueText) + ')' +
+         optionTexts(pack, {"crypted"});
 }
 
 struct Headline {
@@ -179,7 +180,7 @@ void printElement(std::ostream& out, const Json& element, const std::string& ind
 
 void printColumns(std::ostream& out, const Json& columns, const std::string& indent) {
   for (const auto& [column, property] : columns.items()) {
-    out << indent << visibleText(column) << " -> " << text(property) << '\n';
+    out << indent << visibleText(column) << " -> " << valueText(property) << '\n';
   }
 }
 
@@ -207,7 +208,7 @@ void printElement(std::ostream& out, const Json& element, const std::string& ind
 void printDefinitionTree(std::ostream& out, const Json& entry) {
   out << "line " << entry.at("line") << ": ";
   if (entry.contains("error")) {
-    out << text(entry.at("tag")) << ": error: " << text(entry.at("error")) << '\n';
+    out << valueText(entry.at("tag")) << ": error: " << valueText(entry.at("error")) << '\n';
   } else {
     out << headlineOf(entry.at("element")) << '\n';
     printContent(out, entry.at("element"), "  ");

@@ -9,7 +9,7 @@ namespace korvex {
 namespace {
 
 // All in characters. A longer line is cut; the caret then has some of the line to its left.
-constexpr std::size_t greatestWidth = 100;
+constexpr std::size_t maxExcerptWidth = 100;
 constexpr std::size_t farthestCaret = 80;
 constexpr std::size_t keptBeforeCaret = 40;
 
@@ -54,12 +54,12 @@ Excerpt excerptOf(const SourceText& source, const XMLPosition& position) {
   const std::string_view line = source.line(position.line);
   const std::size_t lineStart = source.offset({position.line, 1});
   const std::size_t caret = std::min(source.offset(position) - lineStart, line.size());
-  const bool fits = withoutCharacters(line, greatestWidth).empty();
+  const bool fits = withoutCharacters(line, maxExcerptWidth).empty();
   const bool cut = !fits && position.column - 1 > farthestCaret;
   const std::string_view beforeCaret =
       cut ? lastCharacters(line.substr(0, caret), keptBeforeCaret) : line.substr(0, caret);
   const std::string_view kept = line.substr(caret - beforeCaret.size());
-  const std::string_view shown = firstCharacters(kept, greatestWidth);
+  const std::string_view shown = firstCharacters(kept, maxExcerptWidth);
 
   const std::string start = std::string(cut ? ellipsis : "") + visibleWithTabs(beforeCaret);
   const std::string end = visibleWithTabs(shown.substr(beforeCaret.size()));

@@ -14,7 +14,7 @@ using Line = std::array<std::string, 4>;
 using Widths = std::array<std::size_t, 3>;  // the last column ends the line
 
 // A longer cell pushes what follows on its line to the right; other lines stay as they are.
-constexpr std::size_t greatestWidth = 40;
+constexpr std::size_t maxCellWidth = 40;
 
 // In characters.
 std::size_t widthOf(std::string_view text) {
@@ -31,7 +31,7 @@ Line lineOf(const QXDAOPackRecord& record) {
 void widen(Widths& widths, const Line& line) {
   for (std::size_t column = 0; column < widths.size(); ++column) {
     const std::size_t width = widthOf(line[column]);
-    if (width <= greatestWidth) widths[column] = std::max(widths[column], width);
+    if (width <= maxCellWidth) widths[column] = std::max(widths[column], width);
   }
 }
 
