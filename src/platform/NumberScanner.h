@@ -1,4 +1,4 @@
-// Reads a decimal floating-point number, with "." as the separator whatever the locale.
+// Reads a decimal floating-point number. The decimal separator is always ".", in every locale.
 #pragma once
 
 #include <optional>
@@ -8,10 +8,12 @@
 
 namespace korvex {
 
-// The number that the whole text spells, white space allowed around it: an optional sign, digits
-// with an optional fraction ("5", "5.", ".5", "5.25"), an optional exponent ("1e3", "1E-3").
-// Absent when anything else stands in the text (hexadecimal, infinity and NaN forms included) or
-// when the value lies beyond the range of a double, too large or too small to be told from zero.
+// The number that the text spells: an optional sign, digits with an optional fraction ("5", "5.", ".5",
+// "5.25") and an optional exponent ("1e3", "1E-3"), with white space allowed around it. Absent if the
+// text has any other form, such as a hexadecimal number, infinity or NaN.
+//
+// Every number of this form has a value, the nearest finite double: one too large for a double becomes
+// the largest double of its sign, one too small becomes zero.
 [[nodiscard]] KORVEX_EXPORT std::optional<double> scanDecimalNumber(std::string_view text);
 
 }  // namespace korvex

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <limits>
 #include <mutex>
 #include <thread>
 #include <tuple>
@@ -97,20 +98,26 @@ TEST(Strings, FindsTheOneByteThatIsNotPlain) {
 }
 
 TEST(NumberScanner, TakesDecimalsOnly) {
-  const std::vector<std::tuple<const char*, double>> numbers = {{"2", 2},
-                                                                {" 2.5 ", 2.5},
-                                                                {"\n-3\t", -3},
-                                                                {"+.5", 0.5},
-                                                                {"5.", 5},
-                                                                {"1e3", 1000},
-                                                                {"1.5E-1", 0.15},
-                                                                {"007", 7},
-                                                                {"1.7976931348623157e308", 1.7976931348623157e308},
-                                                                {"0e999999", 0},
-                                                                {"12345678901234567890", 12345678901234567890.0}};
+  const std::vector<std::tuple<const char*, double>> numbers = {
+      {"2", 2},
+      {" 2.5 ", 2.5},
+      {"\n-3\t", -3},
+      {"+.5", 0.5},
+      {"5.", 5},
+      {"1e3", 1000},
+      {"1.5E-1", 0.15},
+      {"007", 7},
+      {"1.7976931348623157e308", 1.7976931348623157e308},
+      {"0e999999", 0},
+      {"1e309", std::numeric_limits<double>::max()},
+      {"-1e309", std::numeric_limits<double>::lowest()},
+      {"1e-400", 0},
+      {"0.01E+99999999999", std::numeric_limits<double>::max()},
+      {"100.e-99999999999", 0},
+      {"12345678901234567890", 12345678901234567890.0}};
   for (const auto& [text, value] : numbers) EXPECT_EQ(scanDecimalNumber(text), value) << text;
-  for (const char* text : {"",    " ",    "two", "2.5.1", "2,5", "1e",    "1e+",    ".",      "-",  "+-1",
-                           "--1", "0x10", "inf", "nan",   "1 2", "1e309", "-1e309", "1e-400", "2f", "Initial"}) {
+  for (const char* text : {"", " ", "two", "2.5.1", "2,5", "1e", "1e+", ".", "-", "+-1", "--1", "0x10", "inf", "nan",
+                           "1 2", "2f", "Initial"}) {
     EXPECT_EQ(scanDecimalNumber(text), std::nullopt) << text;
   }
 }
