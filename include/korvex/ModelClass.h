@@ -1,7 +1,7 @@
-// Model classes at run time: which properties and fields a class declares, and how to reach the
-// fields of an object whose class is not known when the code is compiled.
+// Model classes at run time: which properties and fields a class declares, and access to the fields of an
+// object whose class is not known at compile time.
 //
-// A model class derives from Model and describes itself once, a line a property:
+// A model class derives from Model and describes itself, with one line for each property:
 //
 //   class Person : public Model<Person> {
 //    public:
@@ -16,9 +16,9 @@
 //     OptionalString _nickname;
 //     std::int32_t _years = 0;
 //   };
-//   class Employee : public Model<Employee, Person> { … };  // finds what Person declares, too
+//   class Employee : public Model<Employee, Person> { … };  // has what Person declares, too
 //
-// What a field can be is decided by its C++ type when the description is compiled:
+// The C++ type of a field decides at compile time what it can hold:
 //
 //   bool, the integers, float, double       scalar, type code "B", "c" … "d"
 //   enumerations of fixed underlying type   scalar, as the underlying type
@@ -27,11 +27,12 @@
 //   std::vector<std::byte>, also optional   binary; without optional, "absent" is taken as empty
 //   std::shared_ptr<T>, std::weak_ptr<T>,
 //   T* with T a model class                 object, held strongly, weakly, or not at all
-//   any other class                         object that can neither be read nor replaced
+//   std::optional of a scalar               refused: an OptionalNumber is what can be packed
+//   any other class                         object that can be neither read nor replaced
 //
-// A class is described when it is first asked for, once, whatever the threads; afterwards it is
-// only read and lives until the program ends. Handles and names stay valid as long. Objects belong
-// to the caller, who keeps others from changing one while its fields are read or replaced.
+// A class is described once, when it is first used, on whichever thread; afterwards it is only read, and
+// it lives until the program ends. So do its handles and names. Objects belong to the caller, who keeps
+// other threads from changing one while its fields are read or replaced.
 #pragma once
 
 #include <concepts>
@@ -73,18 +74,18 @@ struct BinaryView {
 };
 using OptionalBinaryView = std::optional<BinaryView>;
 
-// The value of an object-valued field: absent (monostate), a string or bytes (views, valid until the
-// field changes), a number, or another model object.
+// The value of an object-valued field: absent (monostate), a string or bytes (views that are valid until
+// the field changes), a number, or another model object.
 using ObjectValue =
     std::variant<std::monostate, std::string_view, NumberObject, std::shared_ptr<ModelObject>, BinaryView>;
 
-// The type codes of the object types that are told apart, and of all others.
+// The type codes of strings, number objects and all other objects.
 inline constexpr const char* stringTypeCode = "@\"String\"";
 inline constexpr const char* numberTypeCode = "@\"Number\"";
 inline constexpr const char* binaryTypeCode = "@\"Binary\"";
 inline constexpr const char* objectTypeCode = "@";
 
-// How a field that holds a Value is read and replaced; both are null for a field that holds another.
+// Reads and replaces a field that holds a Value; both are null for any other field.
 template <typename Value>
 struct FieldOperations {
   Value (*get)(const void* field) = nullptr;
@@ -114,9 +115,10 @@ struct ModelField {
 struct ModelProperty {
   std::string name;
   std::string attributes;
+  std::string fieldName;  // of the backing field; empty if the property is computed
 };
 
-// The description of one class; built by Model, never changed afterwards.
+// The description of one class; built by Model and never changed afterwards.
 struct ModelClass {
   const ModelClass* superclass = nullptr;  // null when no other model class is derived from
   std::vector<ModelProperty> properties;   // both in the order of their names
@@ -126,28 +128,32 @@ struct ModelClass {
   std::shared_ptr<ModelObject> (*create)() = nullptr;
 };
 
-// Puts an entry in its place of a class's list; of several of one name the first described counts.
+// Inserts an entry into the sorted list of a class; if a name is described more than once, its first
+// entry counts.
 KORVEX_EXPORT void addEntry(std::vector<ModelProperty>& properties, ModelProperty property);
 KORVEX_EXPORT void addEntry(std::vector<ModelField>& fields, ModelField field);
 
 // ---------------------------------------------------------------------------------------------
-// Introspection. Names are compared exactly; a class is searched before its ancestors, and null
-// means that none of them declares the name.
+// Introspection. Names are compared exactly. A class is searched before its ancestors; null means that
+// none of them declares the name.
 
 [[nodiscard]] KORVEX_EXPORT const ModelClass& getClass(const ModelObject& object);
 [[nodiscard]] KORVEX_EXPORT const ModelProperty* getProperty(const ModelClass& modelClass, std::string_view name);
-// Comma-separated: "T" and the type code, "N", then "V" and the name of the backing field if there
-// is one, as in "TB,N,V_crypted".
+// Comma-separated: "T" and the type code, "N", and if there is a backing field "V" and its name, as in
+// "TB,N,V_crypted".
 [[nodiscard]] KORVEX_EXPORT const char* getPropertyAttributes(const ModelProperty& property);
 [[nodiscard]] KORVEX_EXPORT const char* getPropertyName(const ModelProperty& property);
+// The backing field of a property, as the class or an ancestor declares it; null if there is none.
+[[nodiscard]] KORVEX_EXPORT const ModelField* getPropertyField(const ModelClass& modelClass,
+                                                               const ModelProperty& property);
 [[nodiscard]] KORVEX_EXPORT const ModelField* getField(const ModelClass& modelClass, std::string_view name);
 [[nodiscard]] KORVEX_EXPORT const char* getFieldTypeEncoding(const ModelField& field);
-// Where the field lies in every object of the class, in bytes from its ModelObject.
+// The offset of the field in every object of the class, in bytes from its ModelObject.
 [[nodiscard]] KORVEX_EXPORT std::ptrdiff_t getFieldOffset(const ModelField& field);
 // The value of an object-valued field; absent for a scalar field.
 [[nodiscard]] KORVEX_EXPORT ObjectValue getObjectField(const ModelObject& object, const ModelField& field);
-// Replaces the value of an object-valued field by the field's own ownership rule. A value of
-// another kind than the field's counts as absent; a scalar field is left alone.
+// Replaces the value of an object-valued field, by the ownership rule of the field. A value that the
+// field cannot hold counts as absent; a scalar field is left alone.
 KORVEX_EXPORT void setObjectField(ModelObject& object, const ModelField& field, const ObjectValue& value);
 
 // Beyond these nine, what readers and writers of whole objects want in one step:
@@ -194,12 +200,20 @@ template <BoxableScalar Scalar>
   return static_cast<Scalar>(real);
 }
 
-// What a field of type T is to the introspection operations. Where it can be read and replaced
-// through them, `Value` says as what.
+template <typename T>
+concept ScalarField = BoxableScalar<T> || FixedEnumeration<T>;
+
+template <typename T>
+inline constexpr bool isOptionalScalar = std::is_same_v<T, NumberObject>;
+template <ScalarField Scalar>
+inline constexpr bool isOptionalScalar<std::optional<Scalar>> = true;
+
+// What a field of type T is to the introspection operations. `Value` is the type as which they read
+// and replace it, if they can.
 template <typename T>
 struct FieldAccess {
   static_assert(std::is_class_v<T>, "a model cannot have a field of this type");
-  static_assert(!std::is_same_v<T, NumberObject>, "a number can be absent: its field is an OptionalNumber");
+  static_assert(!isOptionalScalar<T>, "declare a number that may be absent as an OptionalNumber");
   static constexpr const char* typeEncoding = objectTypeCode;
 };
 
@@ -296,7 +310,7 @@ template <ModelType T>
 struct FieldAccess<T*> {
   using Value = std::shared_ptr<ModelObject>;
   static constexpr const char* typeEncoding = objectTypeCode;
-  // Shares no ownership: the object is as alive as whoever owns it keeps it.
+  // Shares no ownership: whoever owns the object keeps it alive.
   static Value get(T* const& field) { return Value(Value(), field); }
   static void set(T*& field, const Value& value) {
     field = static_cast<T*>(objectOfClass(value, T::describedClass()).get());
@@ -318,7 +332,7 @@ class ModelDescription {
   void property(const std::string& name, Type Owner::*member, std::string fieldName = {}) {
     static_assert(std::derived_from<Described, Owner>);
     if (fieldName.empty()) fieldName = "_" + name;
-    addEntry(_class.properties, {name, attributesOf<Type>() + ",V" + fieldName});
+    addEntry(_class.properties, {name, attributesOf<Type>() + ",V" + fieldName, fieldName});
     addEntry(_class.fields, {std::move(fieldName), FieldAccess<Type>::typeEncoding, offsetOf(member),
                              operations<Type, OptionalStringView>(), operations<Type, OptionalNumber>(),
                              operations<Type, std::shared_ptr<ModelObject>>(), operations<Type, OptionalBinaryView>(),
@@ -328,7 +342,7 @@ class ModelDescription {
   // A property that is computed.
   template <typename Type>
   void propertyWithoutField(const std::string& name) {
-    addEntry(_class.properties, {name, attributesOf<Type>()});
+    addEntry(_class.properties, {name, attributesOf<Type>(), {}});
   }
 
  private:
@@ -368,7 +382,7 @@ class ModelDescription {
     return scalar.has_value();
   }
 
-  // Only addresses are worked out over the raw storage; no object is made or read.
+  // Only computes addresses in the raw storage; no object is created or read.
   template <typename Type, typename Owner>
   static std::ptrdiff_t offsetOf(Type Owner::*member) {
     static_assert(
@@ -386,8 +400,8 @@ class ModelDescription {
   ModelClass& _class;
 };
 
-// The base of a model class Described, below another model class Base if it has one. A class that
-// derives from a model class without Model in between is no class of its own.
+// The base of the model class Described, which derives from the model class Base if that is given. A
+// class that derives from a model class without Model in between has no description of its own.
 template <typename Described, typename Base = ModelObject>
 class Model : public Base {
  public:

@@ -31,7 +31,7 @@ OptionalStringView backingFieldIn(std::string_view attributes) {
   return rest.substr(0, rest.find(','));
 }
 
-// From what may be absent, an optional or a pointer, to an object value.
+// The object value of an optional or a pointer; absent if it is empty.
 ObjectValue objectValue(const std::shared_ptr<ModelObject>& object) {
   return object ? ObjectValue(object) : ObjectValue();
 }
@@ -71,6 +71,10 @@ const ModelProperty* getProperty(const ModelClass& modelClass, std::string_view 
 const char* getPropertyAttributes(const ModelProperty& property) { return property.attributes.c_str(); }
 
 const char* getPropertyName(const ModelProperty& property) { return property.name.c_str(); }
+
+const ModelField* getPropertyField(const ModelClass& modelClass, const ModelProperty& property) {
+  return property.fieldName.empty() ? nullptr : getField(modelClass, property.fieldName);
+}
 
 const ModelField* getField(const ModelClass& modelClass, std::string_view name) {
   return declared(modelClass, &ModelClass::fields, name);

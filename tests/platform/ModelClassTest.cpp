@@ -61,6 +61,17 @@ TEST(ModelClass, TellsPropertiesAndFields) {
   EXPECT_STREQ(getPropertyAttributes(*getProperty(Person::describedClass(), "age")), "Ti,N,Vyears");
 }
 
+TEST(ModelClass, FindsTheBackingFieldOfAProperty) {
+  const ModelClass& person = Person::describedClass();
+  EXPECT_EQ(getPropertyField(person, *getProperty(person, "age")), getField(person, "years"));
+  const ModelClass& holder = Holder::describedClass();
+  EXPECT_EQ(getPropertyField(holder, *getProperty(holder, "ratio")), nullptr);
+}
+
+// Such a field would compile as an object of an unknown class and never be packed.
+static_assert(isOptionalScalar<std::optional<std::int32_t>> && isOptionalScalar<std::optional<bool>>);
+static_assert(!isOptionalScalar<OptionalNumber> && !isOptionalScalar<OptionalString>);
+
 TEST(ModelClass, InheritsFromItsBase) {
   const Employee employee;
   const ModelClass& cls = getClass(employee);

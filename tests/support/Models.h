@@ -94,7 +94,7 @@ class AllTypes : public Model<AllTypes> {
   std::weak_ptr<AllTypes> companion;
 };
 
-// Names at the limit of a record and beyond it, and one that ends at a comma.
+// Names at the limit of a record and beyond it, and the name of a field that holds a comma.
 class LongNames : public Model<LongNames> {
  public:
   static inline const std::string fits = std::string(255, 'a');

@@ -1,5 +1,5 @@
-// The layouts of a pack: for each class it has met, the packed properties with their fields and
-// type codes, sorted by name.
+// The layouts of a pack: for each class met so far, the packed properties with their fields and type
+// codes, sorted by name.
 #include "dao/mapping/PackLayout.h"
 
 #include <algorithm>
@@ -20,17 +20,7 @@ namespace korvex {
 
 namespace {
 
-constexpr std::size_t longestName = std::numeric_limits<QXDAOPackNameLengthType>::max();
-
-// The name after ",V" in a property's attributes; absent when no field backs the property or when
-// the name is too long.
-OptionalStringView fieldNameIn(std::string_view attributes) {
-  const std::size_t mark = attributes.find(",V");
-  if (mark == std::string_view::npos) return std::nullopt;
-  const std::string_view rest = attributes.substr(mark + 2);
-  const std::string_view name = rest.substr(0, rest.find(','));
-  return name.size() > longestName ? OptionalStringView() : name;
-}
+constexpr std::size_t maxNameLength = std::numeric_limits<QXDAOPackNameLengthType>::max();
 
 std::int8_t encodeOf(const ModelField& field) {
   const std::string_view typeEncoding = getFieldTypeEncoding(field);
@@ -47,10 +37,8 @@ QXDAOPackPropertyInfo propertyInfo(const ModelClass& cls, const std::string& lis
   const ModelProperty* property = getProperty(cls, listedName);
   if (!property) return {};
   const std::string_view name = getPropertyName(*property);
-  const OptionalStringView fieldName = fieldNameIn(getPropertyAttributes(*property));
-  if (!fieldName || name.size() > longestName) return {};
-  const ModelField* field = getField(cls, *fieldName);
-  if (!field) return {};
+  const ModelField* field = getPropertyField(cls, *property);
+  if (!field || std::max(name.size(), field->name.size()) > maxNameLength) return {};
   const std::int8_t encode_c = encodeOf(*field);
   return {.field = field,
           .encode_c = encode_c,
@@ -60,25 +48,25 @@ QXDAOPackPropertyInfo propertyInfo(const ModelClass& cls, const std::string& lis
           .offset = getFieldOffset(*field)};
 }
 
-// Bytes that the value of a record takes at most, that of a string without its text.
-std::size_t mostValueBytes(const QXDAOPackPropertyInfo& entry) {
+// The maximum length of the value in a record, for a string without its text.
+std::size_t maxValueBytes(const QXDAOPackPropertyInfo& entry) {
   return entry.encode == QXDAOPackEncodeString ? sizeof(QXDAOPackStringLengthType) : sizeof(std::uint64_t);
 }
 
-// A number's encode is that of its value: there the head has a place for it only.
+// The encode of a number object is that of its value, so its head only has room for it.
 void writeHead(const QXDAOPackPropertyInfo& entry, char* head) {
   *head = static_cast<char>(entry.length);
   std::memcpy(head + 1, entry.name, std::size_t{entry.length} + 1);
   std::memcpy(head + headBytes(entry.length) - sizeof entry.encode, &entry.encode, sizeof entry.encode);
 }
 
-// Writes the heads of all entries that have a field; false when there is no memory for them.
+// Writes the heads of all entries that have a field; false if there is no memory for them.
 bool prepareHeads(QXDAOPackClassInfo& info) {
   const std::span<QXDAOPackPropertyInfo> entries(info.properties, static_cast<std::size_t>(info.count));
   std::size_t bytes = 0;
   for (const QXDAOPackPropertyInfo& entry : entries) {
     bytes += headBlocksBytes(entry.length);
-    info.bytesWithoutTexts += headBytes(entry.length) + mostValueBytes(entry);
+    info.bytesWithoutTexts += headBytes(entry.length) + maxValueBytes(entry);
   }
   char* place = info.heads = new (std::nothrow) char[bytes]();
   if (!place) return false;
@@ -105,7 +93,7 @@ int property_info_cmp(const QXDAOPackPropertyInfo& first, const QXDAOPackPropert
   return order != 0 ? order : first.length - second.length;
 }
 
-QXDAOPack::~QXDAOPack() {
+void QXDAOPack::releaseLayouts() {
   for (QXDAOPackClassInfo* info = _head; info;) release(std::exchange(info, info->next));
 }
 

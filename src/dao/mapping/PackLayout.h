@@ -1,25 +1,23 @@
-// The layout of a class in a pack.
+// The layout of a class in a pack; private to packing and unpacking.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "dao/mapping/PackLayout.h"
 #include "korvex/Export.h"
 #include "korvex/ModelClass.h"
 #include "korvex/QXDAOPackEncode.h"
 
 namespace korvex {
 
-// One packed property of one class. Empty, with no field and no name, when the class lacks the
-// property or its field, or when the name of either is longer than 255 bytes: a record has no room
-// for such a name.
+// One packed property of one class. The entry is empty, without field and name, if the class lacks the
+// property or its field, or if either name is longer than 255 bytes and so does not fit into a record.
 struct QXDAOPackPropertyInfo {
   const ModelField* field = nullptr;   // owned by the class
   std::int8_t encode_c = 0;            // a scalar's type code, -2 number object, -1 string, 0 other
   const char* name = nullptr;          // ends with a zero byte; owned by the class
   QXDAOPackNameLengthType length = 0;  // bytes of the name
-  // What the above means for every object, worked out once.
+  // Derived from the above, once for all objects.
   QXDAOPackEncode encode = QXDAOPackEncodeNone;  // String, Number, or the encode of a scalar
   std::ptrdiff_t offset = 0;                     // of the field, in bytes from the ModelObject
   const char* head = nullptr;                    // the first bytes of each record: name length, name, zero byte, encode
