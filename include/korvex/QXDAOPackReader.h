@@ -1,5 +1,13 @@
-// Reads a packed column value record by record; the value describes itself, so no class is needed.
-// docs/packed-format.md gives the bytes.
+// Reads a packed column value record by record. The value describes itself, so no class is needed.
+//
+// A value is a sequence of records without header, padding or terminator. All numbers are little-endian:
+//
+//   1 byte    n, the length of the name in bytes
+//   n bytes   the name, UTF-8
+//   1 byte    zero
+//   2 bytes   QXDAOPackEncode, signed: -1 for a string, else the type of a scalar
+//   string:   4 bytes, m, unsigned; then m bytes, UTF-8
+//   scalar:   (encode & 15) bytes, floating-point numbers as in IEEE 754
 #pragma once
 
 #include <cstddef>
@@ -11,11 +19,11 @@
 
 namespace korvex {
 
-// One property of a packed value. The views point into the value.
+// One property of a packed value. The views point into the value and are valid as long as it is.
 struct QXDAOPackRecord {
   std::size_t offset = 0;  // of the record's first byte in the value
   std::string_view name;
-  QXDAOPackEncode encode = QXDAOPackEncodeNone;  // may be a positive number that is no known encode
+  QXDAOPackEncode encode = QXDAOPackEncodeNone;  // may be a positive number without a name
   std::size_t bytesOffset = 0;                   // of the first byte of `bytes` in the value
   std::string_view bytes;                        // the string, or the scalar in little-endian order
 };
@@ -23,28 +31,30 @@ struct QXDAOPackRecord {
 enum class QXDAOPackReadStatus {
   Record,     // a record was read
   End,        // the value ends after the last record
-  Stopped,    // an encode that ends the reading: 0, or negative other than -1
+  Stopped,    // the encode of a record ends the reading: 0, or negative other than -1
   Truncated,  // the value ends inside a record
 };
 
 // What was being read when a reader ended with Stopped or Truncated.
 enum class QXDAOPackPart { Name, Encode, StringLength, String, Scalar };
 
-// Never reads outside the value, whatever its bytes are. The value must outlive the reader.
+// Accepts any bytes and never reads outside the value, which must outlive the reader. A reader belongs to
+// one thread.
 class KORVEX_EXPORT QXDAOPackReader {
  public:
   explicit QXDAOPackReader(std::string_view value) : _value(value) {}
 
-  // The next record, or why there is none; once that is not Record, it stays so. On Stopped the
-  // record holds the offset, the name and the encode; on Truncated what was read before the cut.
+  // Reads the next record, or tells why there is none. After any status but Record, every further call
+  // returns that status. On Stopped the record holds the offset, the name and the encode; on Truncated
+  // it holds what was read before the end of the value.
   [[nodiscard]] QXDAOPackReadStatus next(QXDAOPackRecord& record);
 
-  // The bytes of the next record's value if the record begins with exactly `head`, all that stands before the value of
-  // a scalar or a string of that encode. Otherwise, and when the value ends inside the record, false: nothing has then
-  // been read, and next() tells what is there.
+  // Reads the next record if it begins with exactly `head`, the bytes before the value of a scalar or a
+  // string of that encode, and sets `bytes` to its value. Otherwise, and if the value ends inside the
+  // record, returns false and reads nothing; next() then tells what is there.
   [[nodiscard]] bool nextWithHead(std::string_view head, QXDAOPackEncode encode, std::string_view& bytes);
 
-  // Where the part that ended the reading begins: a byte offset in the value.
+  // Where the part that ended the reading begins, as a byte offset in the value, and which part it is.
   [[nodiscard]] std::size_t offset() const { return _at; }
   [[nodiscard]] QXDAOPackPart part() const { return _part; }
 

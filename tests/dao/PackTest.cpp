@@ -49,6 +49,13 @@ std::string record(const std::string& name, const std::string& encode, const std
 constexpr const char* workedExample =
     "03 61 67 65 00 54 00 1E 00 00 00 08 6E 69 63 6B 6E 61 6D 65 00 FF FF 02 00 00 00 4A 6F";
 
+TEST(Pack, NumberOfAnUnknownTypeLeavesNoBytes) {
+  AllTypes object;
+  object.number = NumberObject::fromBits('?', 7);
+  object.text = "t";
+  EXPECT_EQ(packOf("number, text")->packWithObject(&object), bytes(record("text", "FFFF", "01000000 74")));
+}
+
 TEST(Pack, WorkedExample) {
   Person person;
   person.nickname = "Jo";
@@ -246,7 +253,7 @@ TEST(Pack, NamesTooLongForARecordAreNeverPacked) {
   EXPECT_FALSE(object.a);
   // The name of a field in the attributes goes from the first ",V" to the next comma.
   object.b = false;
-  EXPECT_EQ(hex(*packOf("cut,nothing")->packWithObject(&object)), record("cut", "0100", "00"));
+  EXPECT_EQ(hex(*packOf("cut,nothing")->packWithObject(&object)), record("cut", "0100", "01"));
 }
 
 // Every cut of a value applies the records before it and nothing of the one it goes through.

@@ -1,4 +1,7 @@
-// Objects to packed column values; docs/packed-format.md gives the bytes.
+// Packs the properties of objects into column values.
+//
+// The fields are read through the operations of their ModelField, which getObjectField dispatches to:
+// the layout has decided once for the class what getObjectField would decide for every value.
 #include <cstring>
 #include <limits>
 #include <span>
@@ -33,15 +36,15 @@ OptionalStringView textOf(const ModelObject& object, const QXDAOPackPropertyInfo
 
 bool fitsRecord(std::string_view text) { return text.size() <= std::numeric_limits<QXDAOPackStringLengthType>::max(); }
 
-// What of a string goes into a record: up to its first zero byte, and nothing of what is not UTF-8
-// or longer than a record can say.
+// The part of a string that goes into a record: up to its first zero byte; nothing if the string is not
+// valid UTF-8 or that part is longer than a record can hold.
 std::string_view packedForm(std::string_view text) {
   const std::string_view form = text.substr(0, text.find('\0'));
   return fitsRecord(form) && isValidUTF8(text) ? form : std::string_view();
 }
 
-// Bytes that suffice for the records of an object, and for the copying in blocks after the last.
-std::size_t mostBytes(const QXDAOPackClassInfo& layout, const ModelObject& object) {
+// The maximum length of the records of an object, with room for copying in blocks after the last.
+std::size_t maxBytes(const QXDAOPackClassInfo& layout, const ModelObject& object) {
   std::size_t bytes = layout.bytesWithoutTexts + headBlock;
   for (const QXDAOPackPropertyInfo& entry : entriesOf(layout)) {
     if (entry.encode != QXDAOPackEncodeString) continue;
@@ -50,7 +53,7 @@ std::size_t mostBytes(const QXDAOPackClassInfo& layout, const ModelObject& objec
   return bytes;
 }
 
-// Writes records one after the other, into room enough for all of them.
+// Writes records one after the other into a buffer that is large enough for all of them.
 class RecordWriter {
  public:
   explicit RecordWriter(char* room) : _at(room) {}
@@ -102,6 +105,7 @@ class RecordWriter {
 
   void writeNumber(const QXDAOPackPropertyInfo& entry, const NumberObject& number) {
     const QXDAOPackEncode encode = convertEncode(number.typeCode());
+    if (encode == QXDAOPackEncodeNone) return;
     writeHead(entry);
     std::memcpy(_at - sizeof encode, &encode, sizeof encode);
     writeScalar(encode, number.bytes());
@@ -117,7 +121,7 @@ std::optional<std::string> QXDAOPack::packWithObject(const ModelObject* object) 
   if (!layout) return std::nullopt;
   std::optional<std::string> value(std::in_place);
   value->reserve(usualValueSize);
-  value->resize(mostBytes(*layout, *object));
+  value->resize(maxBytes(*layout, *object));
   RecordWriter writer(value->data());
   for (const QXDAOPackPropertyInfo& entry : entriesOf(*layout)) writer.write(entry, *object);
   value->resize(static_cast<std::size_t>(writer.end() - value->data()));

@@ -34,8 +34,8 @@ bool QXDAOPackReader::takeInteger(QXDAOPackPart part, Integer& integer) {
   return true;
 }
 
-// The length byte, the name and the byte that ends it are one part: without all of it there is no
-// name. What the ending byte is does not matter, the length decides.
+// The length byte, the name and the byte after it are one part, which is read as a whole or not at all.
+// The length decides where the name ends; the value of the byte after it does not matter.
 bool QXDAOPackReader::takeName(std::string_view& name) {
   const std::size_t length = static_cast<QXDAOPackNameLengthType>(_value[_at]);
   std::string_view bytes;

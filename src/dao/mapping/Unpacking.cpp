@@ -1,4 +1,5 @@
-// Packed column values back into objects; docs/packed-format.md gives the bytes.
+// Unpacks column values into objects. The fields are set through the operations of their ModelField, for
+// the reason given in Packing.cpp.
 #include <algorithm>
 #include <cstring>
 #include <span>
