@@ -6,8 +6,8 @@
 
 namespace korvex {
 
-// The mapping sequence: one process-wide counter for the engine, starting at 0. Nothing in the
-// mapping layer calls these. Safe on any thread; past the largest value it wraps around.
+// The mapping sequence: one counter per process, which starts at 0 and wraps around after its largest
+// value. It is the engine's; the mapping layer does not use it. Safe on any thread.
 
 [[nodiscard]] KORVEX_EXPORT std::int32_t GetQXDAOMappingSequence();
 

@@ -51,15 +51,15 @@ concept BoxableScalar = scalarTypeCode<T>
 
 static_assert(sizeof(long) == 8 && sizeof(long long) == 8, "the type codes l, L, q and Q are 64 bits wide");
 
-// The type code that a number object reports: `long` and `long long` are one type to it.
+// The type code that a number object reports; it does not tell `long` from `long long`.
 template <BoxableScalar Scalar>
 inline constexpr char numberTypeCodeOf = scalarTypeCode<Scalar> == 'l'   ? 'q'
                                          : scalarTypeCode<Scalar> == 'L' ? 'Q'
                                                                          : scalarTypeCode<Scalar>;
 
-// A value of one of eleven scalar types: boolean, signed and unsigned integers of 8 to 64 bits,
-// single and double precision. Copies are independent; two numbers are equal when both type and
-// value are (numbers of NaN are not).
+// A value of one of eleven scalar types: boolean, signed and unsigned integers of 8 to 64 bits, single
+// and double precision. Copies are independent. Two numbers are equal if their types and their values
+// are; NaN is not equal to itself.
 class NumberObject {
  public:
   template <BoxableScalar Scalar>
@@ -67,11 +67,12 @@ class NumberObject {
     std::memcpy(_bytes.data(), &value, sizeof value);
   }
 
-  // The value of a type code that a number object reports, from its own bytes in the low bits.
+  // A number of a type code, with its value in the low bits. A code that no scalar type has is kept;
+  // such a number has no value() and is never packed.
   static NumberObject fromBits(char typeCode, std::uint64_t bits) { return {typeCode, bits}; }
 
   [[nodiscard]] char typeCode() const { return _typeCode; }
-  // The value as a Scalar when that is its type; absent otherwise, nothing is converted.
+  // The value if Scalar is its type, else absent; nothing is converted.
   template <BoxableScalar Scalar>
   [[nodiscard]] std::optional<Scalar> value() const {
     if (_typeCode != numberTypeCodeOf<Scalar>) return std::nullopt;
@@ -79,7 +80,7 @@ class NumberObject {
     std::memcpy(&value, _bytes.data(), sizeof value);
     return value;
   }
-  // The value's own bytes in the platform's order; those past its width are zero.
+  // The bytes of the value in the byte order of the platform, followed by zeros up to eight bytes.
   [[nodiscard]] const std::byte* bytes() const { return _bytes.data(); }
 
   friend KORVEX_EXPORT bool operator==(const NumberObject& left, const NumberObject& right);

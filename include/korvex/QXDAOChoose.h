@@ -6,12 +6,14 @@
 
 namespace korvex {
 
-// <choose>: its children are conditions, any number of when and then at most one otherwise.
+// <choose>: alternatives. Its children are any number of <when>, then at most one <otherwise>; only
+// white space and comments may stand between them. It has no attributes and no properties of its own.
 class KORVEX_EXPORT QXDAOChoose final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindChoose;
   QXDAOChoose() : QXDAOContainerElement(Kind) {}
 
+  // A failure inside a child is reported before a child that may not stand here.
   void initWithXML(const XMLNode& xml);
 };
 

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <utility>
 
 #include "korvex/CompactString.h"
 #include "korvex/Export.h"
@@ -19,39 +18,42 @@ enum QXDAOConditionType : std::uint64_t {
   QXDAOConditionTypeOtherwise = 2,
 };
 
-// <if>, <when> and <otherwise>: content that applies under a condition. The attribute "true" or
-// "false" of if and when holds the expression and says which outcome applies.
+// <if>, <when> and <otherwise>: content that applies under a condition. <if> and <when> have exactly
+// one attribute, "true" or "false"; its value is the expression and its name the outcome under which
+// the content applies. <otherwise> has no attribute.
 class KORVEX_EXPORT QXDAOCondition final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindCondition;
   QXDAOCondition() : QXDAOContainerElement(Kind) {}
 
+  // Reads the attribute, tokenises the expression and walks the children. On failure the properties
+  // that were read before it keep their values.
   void initWithXML(const XMLNode& xml);
 
   [[nodiscard]] QXDAOConditionType type() const { return _type; }
   void setType(QXDAOConditionType type) { _type = type; }
-  // True when the content applies if the expression holds, false when it applies if it does not.
+  // True if the content applies when the expression is true, false if it applies when it is false.
+  // False for <otherwise>.
   [[nodiscard]] bool evaluateAsTrue() const { return _evaluateAsTrue; }
   void setEvaluateAsTrue(bool evaluateAsTrue) { _evaluateAsTrue = evaluateAsTrue; }
-  // The trimmed expression; absent for otherwise. The tokens may be pieces of it, so replacing it
-  // leaves them absent.
+  // Without spaces, tabs and line feeds at both ends; absent for <otherwise>. Setting it leaves the
+  // tokens as they are.
   [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
-  void setExpression(OptionalStringView expression) {
-    _tokenList.reset();
-    _expression = CompactString(expression);
-  }
-  // The evaluator's tokens, never empty in a finished element, where they are pieces of the
-  // expression; absent for otherwise. Whoever sets others keeps their texts alive.
+  void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
+  // What the evaluator made of the expression: not empty in a finished <if> or <when>, absent for
+  // <otherwise>. The element copies the texts of the tokens; they stay valid until other tokens are
+  // set or the element is destroyed, whatever becomes of the expression.
   [[nodiscard]] const std::optional<QXDAOTokenList>& tokenList() const { return _tokenList; }
-  void setTokenList(std::optional<QXDAOTokenList> tokens) { _tokenList = std::move(tokens); }
+  void setTokenList(std::optional<QXDAOTokenList> tokens);
 
  private:
   [[nodiscard]] bool readCondition(const XMLNode& xml);
   [[nodiscard]] bool readExpression(const XMLAttribute& attribute);
 
-  QXDAOConditionType _type : 8 = QXDAOConditionTypeIf;
+  QXDAOConditionType _type = QXDAOConditionTypeIf;
   bool _evaluateAsTrue = false;
   CompactString _expression;
+  CompactString _tokenTexts;  // of all tokens, one after the other
   std::optional<QXDAOTokenList> _tokenList;
 };
 

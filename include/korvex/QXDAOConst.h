@@ -10,7 +10,8 @@
 
 namespace korvex {
 
-// <const NAME="text"/>: a named constant.
+// <const NAME="text"/>: a named constant. It has exactly one attribute, whose name is the name of the
+// constant, and no content, not even white space or a comment.
 class KORVEX_EXPORT QXDAOConst final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindConst;
@@ -18,7 +19,8 @@ class KORVEX_EXPORT QXDAOConst final : public QXDAOElement {
 
   void initWithXML(const XMLNode& xml);
 
-  // Present in a finished element.
+  // The value with its list references expanded, untrimmed; owned by this element, present when
+  // finished.
   [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }
   void setText(std::unique_ptr<QXDAOText> text) { _text = std::move(text); }
 

@@ -13,22 +13,25 @@ namespace korvex {
 
 using QXDAOElementList = std::vector<std::unique_ptr<QXDAOElement>>;
 
-// An element with an ordered list of child elements.
+// An element with an ordered list of child elements, which it owns.
 class KORVEX_EXPORT QXDAOContainerElement : public QXDAOElement {
  public:
-  // In document order; absent until the children have been walked.
+  // The children in document order: texts that are not empty and the elements of child tags. Absent
+  // until the children have been walked, and after takeChildren().
   [[nodiscard]] const std::optional<QXDAOElementList>& children() const { return _children; }
-  // Links that children have to this element, or this element to a child, are not looked after.
+  // Replaces the children and destroys the old ones. Links between this element and its children
+  // (parentMethod, tryElement, exceptElement) are not updated.
   void setChildren(std::optional<QXDAOElementList> children) { _children = std::move(children); }
-  // Gives the children away and leaves them absent here.
+  // Hands the children over to the caller and leaves them absent here. Links to this element are not
+  // updated.
   [[nodiscard]] std::optional<QXDAOElementList> takeChildren();
 
  protected:
   using QXDAOElement::QXDAOElement;
 
-  // The child walk: turns the nodes below `xml` into children. Comments are skipped, texts that
-  // are empty after trimming and expansion are dropped, elements are looked up in the tag table.
-  // The first failure is stored in this element, ends the walk and leaves children() undefined.
+  // The child walk: turns the nodes below `xml` into children. Comments are skipped, texts that are
+  // empty after trimming and expansion are dropped, elements are looked up in the tag table. The
+  // first failure is stored in this element and ends the walk; children() then stays as it was.
   void processNodes(const XMLNode& xml);
 
  private:

@@ -8,7 +8,8 @@
 
 namespace korvex {
 
-// <crypt>: one property of one class whose stored value the engine encrypts. It has no name.
+// <crypt class="…" property="…"/>: one property of one class, whose stored value the engine encrypts.
+// It has exactly these two attributes, no content and no name.
 class KORVEX_EXPORT QXDAOCryptProperty final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindCryptProperty;
@@ -16,7 +17,7 @@ class KORVEX_EXPORT QXDAOCryptProperty final : public QXDAOElement {
 
   void initWithXML(const XMLNode& xml);
 
-  // Neither is empty in a finished element.
+  // As written; neither is empty in a finished element.
   [[nodiscard]] OptionalStringView className() const { return _className.view(); }
   void setClassName(OptionalStringView className) { _className = CompactString(className); }
   [[nodiscard]] OptionalStringView propertyName() const { return _propertyName.view(); }

@@ -14,7 +14,7 @@
 
 namespace korvex {
 
-// The class of an element, as a value: the library builds without run-time type information.
+// The class of an element as a value; the library is built without run-time type information.
 enum QXDAOElementKind : std::uint8_t {
   QXDAOElementKindText,
   QXDAOElementKindForeach,
@@ -33,22 +33,26 @@ enum QXDAOElementKind : std::uint8_t {
   QXDAOElementKindTrim,
 };
 
+// The base of all elements: a name, and the failure of its construction. Elements cannot be copied.
 class KORVEX_EXPORT QXDAOElement {
  public:
   QXDAOElement(const QXDAOElement&) = delete;
   QXDAOElement& operator=(const QXDAOElement&) = delete;
   virtual ~QXDAOElement() = default;
 
-  // The root factory: builds the element tree of one definition element. The tag decides the
-  // class: sql, map, const, crypt and pack have their own, every other tag goes to QXDAOMethod,
-  // which refuses what is not a method. Never null without a reason: on failure the result is
-  // null and `error`, if given, is filled; on success `error` is left as it was.
+  // The root factory: builds the element tree of one definition. The tag decides the class: sql, map,
+  // const, crypt and pack have their own; every other tag goes to QXDAOMethod, which refuses what is
+  // no method. On success the caller owns the tree, which needs neither `xml` nor its document any
+  // more, and `error` is left alone. On failure the result is null, and `error`, if given, holds a
+  // new record that refers to `xml`. Any thread; the document is only read.
   [[nodiscard]] static std::unique_ptr<QXDAOElement> elementWithXML(const XMLNode& xml,
                                                                     std::optional<QXDAOError>* error = nullptr);
 
   [[nodiscard]] QXDAOElementKind kind() const { return _kind; }
 
-  // The "id" of methods, sql blocks and maps, the declared name of a constant; absent elsewhere.
+  // The "id" of a method, sql block or map, or the name that a constant declares; absent for other
+  // elements. Valid until the name is set again or the element is destroyed, as all views are that
+  // the properties of an element return.
   [[nodiscard]] OptionalStringView name() const { return _name.view(); }
   void setName(OptionalStringView name) { _name = CompactString(name); }
 
@@ -60,8 +64,7 @@ class KORVEX_EXPORT QXDAOElement {
   void initWithXML(const XMLNode& xml);
   void initNamedElementWithXML(const XMLNode& xml);
 
-  // The failure message; absent while no rule was violated. Only construction writes it.
-  [[nodiscard]] OptionalStringView error() const;
+  // True once a rule was violated. Only construction stores failures.
   [[nodiscard]] bool failed() const { return _error != nullptr; }
   // Stores a message in place of any earlier one. `origin` is the node at fault; without one the
   // element's own node is meant, which whoever built the element fills in.

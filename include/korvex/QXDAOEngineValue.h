@@ -7,7 +7,8 @@
 
 namespace korvex {
 
-// Whatever an engine keeps in the slots that the elements hold for it: derive from this.
+// The base of the values that an engine keeps in the slots that elements hold for it. The slots own their
+// values; an element destroys them on the thread that destroys it.
 class KORVEX_EXPORT QXDAOEngineValue {
  public:
   QXDAOEngineValue() = default;

@@ -20,14 +20,14 @@ struct KORVEX_EXPORT QXDAOError {
 
   std::string domain;
   int code = 0;
-  // Two entries: "error", the message (a string), and "xml", the definition element that was
-  // handed to the factory (a node of the caller's tree: valid while that tree is).
+  // Two entries: "error", the message (a string), and "xml", the definition that was passed to the
+  // factory (a node of the tree of the caller, valid as long as that tree is).
   std::map<std::string, Value, std::less<>> userInfo;
-  // The node whose own rule failed, at or below "xml": the element at fault, or the parent of a
-  // text at fault. Valid while the caller's tree is.
+  // The node that violates the rule, "xml" or below it: the element at fault, or the parent of a text
+  // at fault. Valid as long as the tree of the caller is.
   XMLNode origin;
 
-  // The entries of userInfo by type. An empty message or a null node on a record without them.
+  // The entries of userInfo; empty and null if the record does not have them.
   [[nodiscard]] std::string_view message() const;
   [[nodiscard]] XMLNode xml() const;
 };

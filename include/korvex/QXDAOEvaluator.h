@@ -1,8 +1,8 @@
-// The condition evaluator as the mapping layer needs it: text in, tokens out.
+// The condition evaluator as far as the mapping layer needs it: an expression in, tokens out.
 //
-// The definition lives in a library target of its own (korvex_evaluator). An engine with its own
-// expression language defines QXDAOEvaluator::buildTokenListWithExpression itself and links that
-// instead; a definition is valid when the linked evaluator can tokenise its conditions.
+// It is defined in a library of its own, korvex_evaluator. An engine that has its own expression
+// language defines QXDAOEvaluator::buildTokenListWithExpression and links that instead. A condition is
+// valid if the linked evaluator returns at least one token for its expression.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ enum QXDAOTokenType : std::uint64_t {
 
 struct QXDAOToken {
   QXDAOTokenType type = QXDAOTokenTypeName;
-  std::string_view text;  // as written, a string with its quotes: a piece of the expression, or constant
+  std::string_view text;  // as written; a string keeps its quotes
 
   bool operator==(const QXDAOToken&) const = default;
 };
@@ -32,10 +32,13 @@ using QXDAOTokenList = std::vector<QXDAOToken>;
 
 class KORVEX_EXPORT QXDAOEvaluator {
  public:
-  // The tokens of the expression in order, valid as long as the expression is; empty when it holds none or cannot be
-  // tokenised (an unclosed string, a number that runs into a name, an unknown character, a name that holds a no-break
-  // space or a curly quote). Only tokens are
-  // recognised: whether they form an expression is for the evaluator that runs them. Any thread.
+  // The tokens of the expression in order; none if the expression has none or cannot be tokenised (an
+  // unclosed string, a number that runs into a name, an unknown character, a no-break space or a curly
+  // quote in a name). Whether the tokens form an expression is up to the evaluator that runs them.
+  // Called on any thread, on several at once.
+  //
+  // The text of a token is a piece of the expression, a constant, or text of the evaluator's own that
+  // stays valid until it is called again on the same thread. QXDAOCondition copies what it is given.
   [[nodiscard]] static QXDAOTokenList buildTokenListWithExpression(std::string_view expression);
 };
 

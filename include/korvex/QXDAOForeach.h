@@ -12,16 +12,20 @@
 
 namespace korvex {
 
-// <foreach>: text that the engine repeats for each entry of a collection. String attributes are
-// kept as written; those that are not given stay absent.
+// <foreach>: text that the engine repeats for each entry of a collection. "item" and "collection" are
+// required, "open", "separator", "close" and "reverse" optional; no other attribute is allowed. Texts
+// are kept as written; one that is not given stays absent.
 class KORVEX_EXPORT QXDAOForeach final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindForeach;
   QXDAOForeach() : QXDAOElement(Kind) {}
 
+  // Reads the attributes, then the content, which may be text and comments only. If the attributes
+  // fail, text() stays absent; if the content fails, it holds what comes before the fault.
   void initWithXML(const XMLNode& xml);
 
-  // The name of the iteration variable and the collection it runs over; never empty when finished.
+  // The name of the iteration variable and the collection it runs over; not empty in a finished
+  // element.
   [[nodiscard]] OptionalStringView item() const { return _item.view(); }
   void setItem(OptionalStringView item) { _item = CompactString(item); }
   [[nodiscard]] OptionalStringView collection() const { return _collection.view(); }
@@ -33,10 +37,11 @@ class KORVEX_EXPORT QXDAOForeach final : public QXDAOElement {
   void setSeparator(OptionalStringView separator) { _separator = CompactString(separator); }
   [[nodiscard]] OptionalStringView close() const { return _close.view(); }
   void setClose(OptionalStringView close) { _close = CompactString(close); }
-  // The text to repeat; present in a finished element, its expression may be empty.
+  // The text to repeat, owned by this element. Present in a finished element; its expression may be
+  // empty.
   [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }
   void setText(std::unique_ptr<QXDAOText> text) { _text = std::move(text); }
-  // From the last entry to the first.
+  // True if the engine goes from the last entry to the first.
   [[nodiscard]] bool reverse() const { return _reverse; }
   void setReverse(bool reverse) { _reverse = reverse; }
   // The engine's flag; false until the engine sets it.

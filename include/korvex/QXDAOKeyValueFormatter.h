@@ -8,7 +8,8 @@
 
 namespace korvex {
 
-// <format>: how the engine writes key-value pairs at this place. Content is ignored.
+// <format>: how the engine formats key-value pairs at this place of the SQL. All three attributes are
+// required and kept as written; other attributes and the content are ignored.
 class KORVEX_EXPORT QXDAOKeyValueFormatter final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindKeyValueFormatter;
@@ -16,7 +17,7 @@ class KORVEX_EXPORT QXDAOKeyValueFormatter final : public QXDAOElement {
 
   void initWithXML(const XMLNode& xml);
 
-  // None of the three is empty in a finished element.
+  // Not empty in a finished element.
   [[nodiscard]] OptionalStringView prefix() const { return _prefix.view(); }
   void setPrefix(OptionalStringView prefix) { _prefix = CompactString(prefix); }
   [[nodiscard]] OptionalStringView pairs() const { return _pairs.view(); }

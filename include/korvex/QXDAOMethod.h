@@ -40,26 +40,30 @@ enum QXDAOSelectResultType : std::uint64_t {
   QXDAOSelectResultTypeMappedObject = 8,  // ":" and the name of a <map>
 };
 
-// <select>, <update>, <insert>, <delete> and <upgrade>: one data-access method. Its children are
-// its body. An upgrade has no name, only the version it leads to.
+// <select>, <update>, <insert>, <delete> and <upgrade>: one data-access method, whose body is its
+// children. It is named by its "id"; an upgrade has no name, only the version it leads to.
 class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindMethod;
   QXDAOMethod() : QXDAOContainerElement(Kind) {}
 
+  // Reads the attributes, walks the children and applies the rules on steps, try blocks and "foreach".
+  // Attributes that are absent or empty leave their properties alone. The first violated rule ends
+  // it, with one exception: the children are walked even if the result type is undefined, and a
+  // failure among them is then the one reported.
   void initNamedElementWithXML(const XMLNode& xml);
 
-  // True when an argument has exactly this name, the "$" mark not counted.
-  [[nodiscard]] bool hasArgumentWithName(std::string_view name) const;
+  // True if an argument has exactly this name, without the "$" mark; an absent name is never found.
+  [[nodiscard]] bool hasArgumentWithName(OptionalStringView name) const;
 
-  // The "profile" attribute.
+  // Fields that the engine reads and writes directly. The mapping layer sets _profile alone, from the
+  // attribute "profile".
   bool _profile = false;
-  // The engine's fields; the mapping layer never touches them.
   bool _ignoreCounter = false;
-  std::int32_t _mappingSequence = 0;
   std::unique_ptr<QXSCDAOMethodCounter> _counter;
   const ModelClass* _cls = nullptr;  // not owned
   std::unique_ptr<QXDAOEngineList> _mappingInfo;
+  std::int32_t _mappingSequence = 0;
 
   // The engine's slot; absent until the engine sets it.
   [[nodiscard]] OptionalStringView module() const { return _module.view(); }
@@ -68,52 +72,61 @@ class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
   [[nodiscard]] QXDAOOperation operation() const { return _operation; }
   void setOperation(QXDAOOperation operation) { _operation = operation; }
 
-  // What a select yields; Int, false and absent on other operations. The type name is the keyword,
-  // the class name, or the name of the result map.
+  // What one row of a select becomes. Other operations keep Int.
   [[nodiscard]] QXDAOSelectResultType resultType() const { return _resultType; }
   void setResultType(QXDAOSelectResultType resultType) { _resultType = resultType; }
+  // True if a select yields a list of results.
   [[nodiscard]] bool resultArrayed() const { return _resultArrayed; }
   void setResultArrayed(bool resultArrayed) { _resultArrayed = resultArrayed; }
-  // The "assignedTable" attribute of a select, recorded for the engine; false on other operations.
+  // The attribute "assignedTable" of a select, for the engine; false for other operations.
   [[nodiscard]] bool assignedTable() const { return _assignedTable; }
   void setAssignedTable(bool assignedTable) { _assignedTable = assignedTable; }
+  // The keyword of the result type, the class name or the name of the <map>, which may be empty.
+  // Absent for operations other than select.
   [[nodiscard]] OptionalStringView resultTypeName() const { return _resultTypeName.view(); }
   void setResultTypeName(OptionalStringView resultTypeName) { _resultTypeName = CompactString(resultTypeName); }
 
-  // The declared arguments in order; empty when none is declared.
+  // The declared arguments in order; an empty list in a finished method that declares none. Reading
+  // them absent means that the attributes have not been read.
   [[nodiscard]] const std::optional<std::vector<QXDAOMethodArgument>>& arguments() const { return _arguments; }
+  // The same for changing the arguments in place.
+  [[nodiscard]] std::optional<std::vector<QXDAOMethodArgument>>& mutableArguments() { return _arguments; }
   void setArguments(std::optional<std::vector<QXDAOMethodArgument>> arguments) { _arguments = std::move(arguments); }
 
-  // The children are two or more steps; the only child is a try block.
+  // True if the children are two or more steps.
   [[nodiscard]] bool steped() const { return _steped; }
   void setSteped(bool steped) { _steped = steped; }
+  // True if the only child is a try block.
   [[nodiscard]] bool tryBlock() const { return _tryBlock; }
   void setTryBlock(bool tryBlock) { _tryBlock = tryBlock; }
 
-  // The "parallel" attribute of a select, recorded for the engine; false on other operations.
+  // The attribute "parallel" of a select, for the engine; false for other operations.
   [[nodiscard]] bool parallel() const { return _parallel; }
   void setParallel(bool parallel) { _parallel = parallel; }
 
-  // The "foreach" attribute "collection.item": the method runs once for each entry.
+  // True if the method has a "foreach" attribute, "collection.item", and runs once for each entry.
   // clang-format off
   [[nodiscard]] bool foreach() const { return _foreach; }
   // clang-format on
   void setForeach(bool foreach) { _foreach = foreach; }
+  // The attribute "resumable", which is read only beside a "foreach".
   [[nodiscard]] bool foreachResumable() const { return _foreachResumable; }
   void setForeachResumable(bool foreachResumable) { _foreachResumable = foreachResumable; }
+  // The name of the iteration variable, which no argument has, and the argument it runs over.
   [[nodiscard]] OptionalStringView foreachItemName() const { return _foreachItemName.view(); }
   void setForeachItemName(OptionalStringView name) { _foreachItemName = CompactString(name); }
   [[nodiscard]] OptionalStringView foreachCollection() const { return _foreachCollection.view(); }
   void setForeachCollection(OptionalStringView name) { _foreachCollection = CompactString(name); }
 
-  // The version that an upgrade leads to, 0 for "initial"; 0 on other operations.
+  // The version that an upgrade leads to: always finite, 0 for "initial". A number too large for a
+  // double becomes the largest double, one too small becomes 0. 0 for other operations.
   [[nodiscard]] double toVersion() const { return _toVersion; }
   void setToVersion(double toVersion) { _toVersion = toVersion; }
 
  private:
   [[nodiscard]] bool readUpgradeDeclaration(const XMLNode& xml);
-  // The second stage of building, and its own stages in their order. Each reports through the
-  // element's error; the first two end the setup by it.
+  // The second stage of building and its steps in order. Each reports failure through the element's
+  // error; the first two then end the setup.
   void setupMethod(const XMLNode& xml);
   void decideOperation(const XMLNode& xml);
   void readArguments(const XMLNode& xml);
@@ -124,19 +137,18 @@ class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
   void readForeach(const XMLNode& xml);
   [[nodiscard]] bool readForeachNames(std::string_view declaration);
 
-  // In one word: an app has thousands of methods.
-  QXDAOOperation _operation : 8 = QXDAOOperationSelect;
-  QXDAOSelectResultType _resultType : 8 = QXDAOSelectResultTypeInt;
-  bool _resultArrayed : 1 = false;
-  bool _assignedTable : 1 = false;
-  bool _steped : 1 = false;
-  bool _tryBlock : 1 = false;
-  bool _parallel : 1 = false;
-  bool _foreach : 1 = false;
-  bool _foreachResumable : 1 = false;
   CompactString _module;
+  QXDAOOperation _operation = QXDAOOperationSelect;
+  QXDAOSelectResultType _resultType = QXDAOSelectResultTypeInt;
+  bool _resultArrayed = false;
+  bool _assignedTable = false;
   CompactString _resultTypeName;
   std::optional<std::vector<QXDAOMethodArgument>> _arguments;
+  bool _steped = false;
+  bool _tryBlock = false;
+  bool _parallel = false;
+  bool _foreach = false;
+  bool _foreachResumable = false;
   CompactString _foreachItemName;
   CompactString _foreachCollection;
   double _toVersion = 0;

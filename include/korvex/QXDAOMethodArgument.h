@@ -1,18 +1,17 @@
 #pragma once
 
-#include <utility>
-
 #include "korvex/OptionalString.h"
 
 namespace korvex {
 
-// One declared argument of a method.
+// One declared argument of a method: a plain value that owns its name.
 class QXDAOMethodArgument {
  public:
-  // Without the "$" mark.
+  // Without the "$" mark; absent until it is set. Names are not validated: "$" alone declares an
+  // argument with an empty name. Valid until the name is set again or the argument is destroyed.
   [[nodiscard]] OptionalStringView name() const { return _name; }
-  void setName(OptionalString name) { _name = std::move(name); }
-  // The declaration began with "$".
+  void setName(OptionalStringView name) { _name = ownedString(name); }
+  // True if the declaration began with "$": the value must not be null.
   [[nodiscard]] bool notNull() const { return _notNull; }
   void setNotNull(bool notNull) { _notNull = notNull; }
 

@@ -10,7 +10,8 @@
 
 namespace korvex {
 
-// <sql>: a named piece of SQL text without dynamic fragments. "T" and "t" are reserved names.
+// <sql>: a named piece of SQL text without dynamic fragments. Its content may be text and comments
+// only. The names "T" and "t" are reserved.
 class KORVEX_EXPORT QXDAOSqlBlock final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindSqlBlock;
@@ -18,7 +19,8 @@ class KORVEX_EXPORT QXDAOSqlBlock final : public QXDAOElement {
 
   void initNamedElementWithXML(const XMLNode& xml);
 
-  // Present in a finished element; its expression may be empty.
+  // The pieces of text, each trimmed, joined with nothing between them; owned by this element. Present
+  // in a finished element; its expression may be empty.
   [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }
   void setText(std::unique_ptr<QXDAOText> text) { _text = std::move(text); }
 

@@ -15,33 +15,32 @@
 
 namespace korvex {
 
-// The engine's note on its own analysis of a text.
+// What the engine notes about its own analysis of a text.
 enum QXDAOTextSpeedyStatus : std::uint64_t {
   QXDAOTextSpeedyStatusNone = 0,
   QXDAOTextSpeedyStatusValid = 1,
   QXDAOTextSpeedyStatusInvalid = 2,
 };
 
-// One piece of SQL text. Never fails and has no name.
+// One piece of SQL text. It has no name and building it never fails.
 //
-// A list reference %{'FORMAT', STAR, STAR…} in the text is written out as the format once per
-// star, every "*" in it replaced by the star, joined by ", ". Time and memory are in proportion to
-// the text and its expansion; a format of many "*" and many stars expand to their product:
-// expandedLength tells how much that is.
+// A list reference %{'FORMAT', STAR, STAR…} expands to one copy of the format for each star, with every
+// "*" in the copy replaced by the star, and the copies joined by ", ". Time and memory are proportional
+// to the text and its expansion. An expansion can be as long as the number of "*" times the length of
+// the stars; expandedLength() computes its length beforehand.
 class KORVEX_EXPORT QXDAOText final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindText;
   QXDAOText() : QXDAOElement(Kind) {}
 
-  // The string value of a node, normally a text, without spaces, tabs and line feeds at both ends.
+  // The string value of a node, usually a text node, without spaces, tabs and line feeds at both ends.
   void initWithXML(const XMLNode& xml);
   // The text as given; absent stays absent.
   void initWithText(OptionalStringView text);
-  // A new element, initialised with the text. Its expression stands behind it in the same block of
-  // memory.
+  // A new element, initialised with the text; its expression is stored inline after the object.
   [[nodiscard]] static std::unique_ptr<QXDAOText> elementWithText(OptionalStringView text);
 
-  // The SQL text with its list references expanded.
+  // The SQL text. The init operations expand the list references; the setter stores its text as given.
   [[nodiscard]] OptionalStringView expression() const {
     return _lengthBehind == notBehind ? _expression.view() : std::string_view(behind(), _lengthBehind);
   }
@@ -50,17 +49,17 @@ class KORVEX_EXPORT QXDAOText final : public QXDAOElement {
     _lengthBehind = notBehind;
     _expression = std::move(replacement);
   }
-  // Expands the list references of the expression, which the operations above have done already.
+  // Expands the list references of the expression. The init operations have called it already.
   void processText();
-  // The bytes that a text would have with its list references expanded, in time that is in
-  // proportion to the text alone. Exact for texts below 4 GiB.
+  // The length in bytes of the text with its list references expanded, worked out in time proportional
+  // to the text. Exact for texts shorter than 4 GiB.
   [[nodiscard]] static std::size_t expandedLength(std::string_view text);
 
   static void* operator new(std::size_t size) { return ::operator new(size); }
   // Not the one that is told the size: with characters behind it, that is not the size of the block.
   static void operator delete(void* text) { ::operator delete(text); }
 
-  // The engine's slots; null and None until the engine sets them.
+  // The engine's slots; null and None until the engine sets them. The element owns the list.
   [[nodiscard]] const std::unique_ptr<QXDAOEngineList>& speedyList() const { return _speedyList; }
   void setSpeedyList(std::unique_ptr<QXDAOEngineList> list) { _speedyList = std::move(list); }
   [[nodiscard]] QXDAOTextSpeedyStatus speedyStatus() const { return _speedyStatus; }
@@ -72,10 +71,10 @@ class KORVEX_EXPORT QXDAOText final : public QXDAOElement {
 
   static constexpr std::size_t notBehind = static_cast<std::size_t>(-1);
 
-  QXDAOTextSpeedyStatus _speedyStatus : 8 = QXDAOTextSpeedyStatusNone;
   std::size_t _lengthBehind = notBehind;  // of the expression when it stands behind the element
   CompactString _expression;              // when it does not
   std::unique_ptr<QXDAOEngineList> _speedyList;
+  QXDAOTextSpeedyStatus _speedyStatus = QXDAOTextSpeedyStatusNone;
 };
 
 }  // namespace korvex

@@ -13,25 +13,31 @@
 
 namespace korvex {
 
-// What the engine does when the content of a <trim>, <where> or <set> turns out empty.
+// What the engine does when the content of a <trim>, <where> or <set> turns out empty; the comment is
+// how "onVoid" spells it.
 enum QXDAOTrimOnVoidType : std::uint64_t {
-  QXDAOTrimOnVoidTypeNone = 0,
-  QXDAOTrimOnVoidTypeQuit = 1,
-  QXDAOTrimOnVoidTypeIgnoreAfter = 2,
+  QXDAOTrimOnVoidTypeNone = 0,         // no "onVoid", or any other text
+  QXDAOTrimOnVoidTypeQuit = 1,         // quit
+  QXDAOTrimOnVoidTypeIgnoreAfter = 2,  // ignoreAfter
 };
 
-// <trim>, <where> and <set>: content whose ends are cleaned up when the SQL is put together.
+// <trim>, <where> and <set>: content whose beginning and end are cleaned up when the engine assembles
+// the SQL. <where> and <set> have fixed overrides; a <trim> needs a "prefix" and at least one of
+// "prefixOverrides" and "suffixOverrides".
 class KORVEX_EXPORT QXDAOTrim final : public QXDAOContainerElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindTrim;
   QXDAOTrim() : QXDAOContainerElement(Kind) {}
 
+  // On failure the operation name and onVoid are set, the overrides are empty and the children absent.
   void initWithXML(const XMLNode& xml);
 
   // The keyword to put before the content: "where", "set", or the "prefix" of a trim.
   [[nodiscard]] OptionalStringView operationName() const { return _operationName.view(); }
   void setOperationName(OptionalStringView operationName) { _operationName = CompactString(operationName); }
-  // What to remove from the start and the end of the content, in order, spaces included.
+  // The texts to remove from the beginning and the end of the content, in the order written and
+  // untrimmed. An override attribute of a trim is split at every "|": an empty one gives one empty
+  // text, an absent one gives none.
   [[nodiscard]] const std::vector<std::string>& prefixOverrides() const { return _prefixOverrides; }
   void setPrefixOverrides(std::vector<std::string> overrides) { _prefixOverrides = std::move(overrides); }
   [[nodiscard]] const std::vector<std::string>& suffixOverrides() const { return _suffixOverrides; }
@@ -43,10 +49,10 @@ class KORVEX_EXPORT QXDAOTrim final : public QXDAOContainerElement {
   void readOperation(const XMLNode& xml);
   void readTrim(const XMLNode& xml);
 
-  QXDAOTrimOnVoidType _onVoid : 8 = QXDAOTrimOnVoidTypeNone;
   CompactString _operationName;
   std::vector<std::string> _prefixOverrides;
   std::vector<std::string> _suffixOverrides;
+  QXDAOTrimOnVoidType _onVoid = QXDAOTrimOnVoidTypeNone;
 };
 
 }  // namespace korvex

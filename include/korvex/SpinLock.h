@@ -6,9 +6,9 @@
 
 namespace korvex {
 
-// Constant-initialised and unlocked when its word is 0. Meets the standard's BasicLockable, so
-// std::lock_guard works with it. Not recursive, not fair. What one holder wrote before unlock()
-// is seen by the next holder after its lock().
+// Unlocked if its word is 0, which is its initial value. Satisfies BasicLockable, so std::lock_guard
+// works with it. Neither recursive nor fair. Whatever a thread wrote before unlock() is visible to the
+// next one after lock().
 class SpinLock {
  public:
   constexpr SpinLock() = default;
@@ -17,7 +17,7 @@ class SpinLock {
 
   void lock() {
     while (_word.exchange(1, std::memory_order_acquire) != 0) {
-      // Waiting reads alone keeps the cache line shared until the holder lets go.
+      // Waiting only reads, so the cache line stays shared until the lock is released.
       while (_word.load(std::memory_order_relaxed) != 0) {
       }
     }

@@ -1,7 +1,7 @@
 // The mapping language as typed element trees.
 //
-// QXDAOElement::elementWithXML takes one definition element of a document and gives the tree of
-// elements that it describes, or an error record that names a violated rule, normally the first:
+// QXDAOElement::elementWithXML takes one definition element of a document and returns the tree of
+// elements that it describes, or an error record for a violated rule, usually the first. The classes:
 //
 //   QXDAOElement
 //     QXDAOText               a piece of SQL text, list references expanded
@@ -21,25 +21,25 @@
 //       QXDAOChoose           <choose>
 //       QXDAOTrim             <trim>, <where>, <set>
 //
-// Construction: a new element is blank; its one initWith… operation fills it from a document node.
-// These operations are not virtual: whoever builds an element knows its class. They always finish;
-// a violated rule leaves a message that travels up to the error record. Elements copy what they
-// keep, so a finished tree outlives the document it was read from. Building and destroying recurse
-// as deep as the document is nested: who brings a parser of his own limits that depth, as the loader
-// does.
+// Construction: a new element is blank. Its initWith… operation fills it from a document node and is
+// called once. It is not virtual, since whoever builds an element knows its class. It always returns; a
+// violated rule is recorded in the element and propagated to the root. Elements copy what they keep, so
+// a finished tree outlives its document. Building and destroying recurse as deep as the document is
+// nested; a caller with a parser of its own limits that depth, as the loader does.
 //
-// Ownership: a parent owns its children; plain pointers (parentMethod, exceptElement, tryElement)
-// own nothing and point inside the same tree.
+// Ownership: a parent owns its children. Plain pointers (parentMethod, exceptElement, tryElement) own
+// nothing and point to elements of the same tree.
 //
-// Threads: a tree is built on the caller's thread, and trees may be built on any number of threads
-// at once. A finished tree is only read, except for the slots marked as the engine's, which the
-// engine guards itself. Setters are plain stores without a lock.
+// Threads: a tree is built on the thread of the caller; any number of trees may be built at the same
+// time. A finished tree is only read and may be read on any thread, except for the slots marked as the
+// engine's, which the engine guards itself. Setters are plain stores without a lock.
 //
-// Destructors are inline on purpose: an engine that is compiled with run-time type information can
-// derive from QXDAOEngineValue although the library is compiled without.
+// Properties: a getter returns a reference or a view that is valid until the property is set or the
+// element is destroyed. A setter replaces the value, checks nothing and takes what the getter returns.
+// An absent string or list (nullopt) is different from an empty one; absent is what has not been set.
 //
-// Absence: an OptionalString tells an absent string from an empty one; a list or dictionary that
-// has not been set is nullopt. Setters replace the old value and check nothing.
+// Memory: running out of it throws std::bad_alloc where the library is built with exceptions, and ends
+// the program where it is not.
 #pragma once
 
 #include "korvex/Keywords.h"

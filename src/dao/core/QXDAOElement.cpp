@@ -82,11 +82,6 @@ void QXDAOElement::initNamedElementWithXML(const XMLNode& xml) {
   if (isEmpty(name())) setError(std::string(Messages::emptyName));
 }
 
-OptionalStringView QXDAOElement::error() const {
-  if (!_error) return std::nullopt;
-  return _error->message;
-}
-
 void QXDAOElement::setError(std::string message, const XMLNode& origin) {
   _error = std::make_unique<Failure>(Failure{std::move(message), origin});
 }

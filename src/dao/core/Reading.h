@@ -17,6 +17,11 @@ namespace korvex {
   return child.kind() == XMLNodeKind::Element ? child : parent;
 }
 
+// Sets a flag to the Boolean value of its attribute; an absent or empty attribute leaves it alone.
+inline void readBoolean(OptionalStringView attribute, bool& flag) {
+  if (!isEmpty(attribute)) flag = booleanAttributeValue(attribute);
+}
+
 // The text of an element that may hold nothing but text and comments.
 class PlainText {
  public:

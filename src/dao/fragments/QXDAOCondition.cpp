@@ -1,6 +1,8 @@
 #include "korvex/QXDAOCondition.h"
 
 #include <array>
+#include <numeric>
+#include <utility>
 
 #include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
@@ -27,6 +29,19 @@ QXDAOConditionType typeOfTag(OptionalStringView tag) {
   return row ? row->type : QXDAOConditionTypeIf;
 }
 
+// Copies the texts of the tokens into one string and points the tokens at them.
+CompactString withOwnTexts(QXDAOTokenList& tokens) {
+  const auto addLength = [](std::size_t sum, const QXDAOToken& token) { return sum + token.text.size(); };
+  const std::size_t length = std::accumulate(tokens.begin(), tokens.end(), std::size_t{0}, addLength);
+  return CompactString::filled(length, [&tokens](char* place) {
+    for (QXDAOToken& token : tokens) {
+      const std::size_t size = token.text.copy(place, token.text.size());
+      token.text = {place, size};
+      place += size;
+    }
+  });
+}
+
 }  // namespace
 
 void QXDAOCondition::initWithXML(const XMLNode& xml) {
@@ -51,8 +66,15 @@ bool QXDAOCondition::readExpression(const XMLAttribute& attribute) {
   if (attributeName != C_TRUE && attributeName != C_FALSE) return false;
   _evaluateAsTrue = attributeName == C_TRUE;
   setExpression(spaceNewLineTabBothEndsTrimmed(attribute.stringValue()));
-  _tokenList = QXDAOEvaluator::buildTokenListWithExpression(expression().value_or(std::string_view()));
+  setTokenList(QXDAOEvaluator::buildTokenListWithExpression(expression().value_or(std::string_view())));
   return !_tokenList->empty();
+}
+
+void QXDAOCondition::setTokenList(std::optional<QXDAOTokenList> tokens) {
+  CompactString texts;
+  if (tokens) texts = withOwnTexts(*tokens);
+  _tokenList = std::move(tokens);
+  _tokenTexts = std::move(texts);
 }
 
 }  // namespace korvex

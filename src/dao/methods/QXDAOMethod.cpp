@@ -39,7 +39,7 @@ QXDAOMethodArgument argumentOf(std::string_view declaration) {
   const bool notNull = declaration.front() == '$';
   QXDAOMethodArgument argument;
   argument.setNotNull(notNull);
-  argument.setName(std::string(declaration.substr(notNull ? 1 : 0)));
+  argument.setName(declaration.substr(notNull ? 1 : 0));
   return argument;
 }
 
@@ -55,9 +55,10 @@ void QXDAOMethod::initNamedElementWithXML(const XMLNode& xml) {
   if (!failed()) setupMethod(xml);
 }
 
-bool QXDAOMethod::hasArgumentWithName(std::string_view argumentName) const {
-  return _arguments && std::any_of(_arguments->begin(), _arguments->end(),
-                                   [argumentName](const auto& argument) { return argument.name() == argumentName; });
+bool QXDAOMethod::hasArgumentWithName(OptionalStringView argumentName) const {
+  return argumentName && _arguments &&
+         std::any_of(_arguments->begin(), _arguments->end(),
+                     [argumentName](const auto& argument) { return argument.name() == argumentName; });
 }
 
 bool QXDAOMethod::readUpgradeDeclaration(const XMLNode& xml) {
@@ -75,7 +76,7 @@ void QXDAOMethod::setupMethod(const XMLNode& xml) {
   readArguments(xml);
   if (failed()) return;
   readOptions(xml);
-  processNodes(xml);  // also when the result type failed; a failure here then takes its place
+  processNodes(xml);  // even if the result type is undefined; a failure here then replaces that one
   if (!failed()) checkStepElements();
   if (!failed()) checkTryBlock();
   if (!failed()) readForeach(xml);
@@ -108,14 +109,14 @@ void QXDAOMethod::readArguments(const XMLNode& xml) {
 void QXDAOMethod::readOptions(const XMLNode& xml) {
   const auto [profile, parallel, assignedTable, result] =
       xml.valuesOfAttributes(C_PROFILE, C_PARALLEL, C_ASSIGNED_TABLE, C_RESULT);
-  _profile = booleanAttributeValue(profile);
+  readBoolean(profile, _profile);
   if (_operation != QXDAOOperationSelect) return;
-  _parallel = booleanAttributeValue(parallel);
-  _assignedTable = booleanAttributeValue(assignedTable);
+  readBoolean(parallel, _parallel);
+  readBoolean(assignedTable, _assignedTable);
   decideResultType(result);
 }
 
-// A single step is dissolved into the method; two or more make the method a stepped one.
+// A single step is dissolved into its method; a method with two or more is marked as stepped.
 void QXDAOMethod::checkStepElements() {
   const QXDAOElementList& list = *children();
   const auto stepCount = static_cast<std::size_t>(std::count_if(
@@ -139,12 +140,12 @@ void QXDAOMethod::checkTryBlock() {
 void QXDAOMethod::readForeach(const XMLNode& xml) {
   const auto [declaration, resumable] = xml.valuesOfAttributes(C_FOREACH, C_RESUMABLE);
   if (isEmpty(declaration)) return;
-  _foreachResumable = booleanAttributeValue(resumable);
+  readBoolean(resumable, _foreachResumable);
   _foreach = readForeachNames(*declaration);
   if (!_foreach) setErrorWithName(Messages::invalidMethodForeach);
 }
 
-// "collection.item": the collection is an argument, the item is a name that no argument has.
+// "collection.item": the collection is an argument, and no argument has the name of the item.
 bool QXDAOMethod::readForeachNames(std::string_view declaration) {
   if (countOf('.', declaration) != 1) return false;
   OptionalStringView rest = declaration;

@@ -1,5 +1,6 @@
 #include "korvex/QXDAOMethodStep.h"
 
+#include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOMethod.h"
@@ -9,7 +10,7 @@ namespace korvex {
 void QXDAOMethodStep::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
   QXDAOElement::initWithXML(xml);
   _parentMethod = parentMethod;
-  _resumable = booleanAttributeValue(xml.valueOfAttribute(C_RESUMABLE));
+  readBoolean(xml.valueOfAttribute(C_RESUMABLE), _resumable);
   processNodes(xml);
 }
 

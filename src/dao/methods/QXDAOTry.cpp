@@ -17,7 +17,7 @@ void QXDAOTry::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
   }
   processNodes(xml);
   if (failed()) {
-    _exceptElement = nullptr;  // it went with the walk's children
+    _exceptElement = nullptr;  // destroyed with the children of the failed walk
     return;
   }
   if (!endsWithExcept()) setError(filledFormat(Messages::invalidTry, _parentMethod->name()));
