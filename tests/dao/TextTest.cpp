@@ -19,12 +19,12 @@ std::string expanded(std::string_view input) {
   return std::string(text.expression().value());
 }
 
-struct Case {
+struct TextCase {
   const char* input;
   const char* expression;
 };
 
-void check(const std::vector<Case>& cases) {
+void checkTexts(const std::vector<TextCase>& cases) {
   for (const auto& [input, expression] : cases) {
     SCOPED_TRACE(input);
     EXPECT_EQ(expanded(input), expression);
@@ -32,7 +32,7 @@ void check(const std::vector<Case>& cases) {
 }
 
 TEST(Text, ExpandsListReferences) {
-  check({
+  checkTexts({
       {"SELECT name FROM t WHERE id IN (%{'*', a, b, c})", "SELECT name FROM t WHERE id IN (a, b, c)"},
       {"INSERT INTO t (%{'*', id, name}) VALUES (%{'?', id, name})", "INSERT INTO t (id, name) VALUES (?, ?)"},
       {"SELECT %{'t.*', id, name} FROM t", "SELECT t.id, t.name FROM t"},
@@ -68,7 +68,7 @@ TEST(Text, LeavesOtherTextAlone) {
 // A "%" survives another "%" and a "{" that opens nothing; what an opening, an abandoned or a
 // closed reference leaves behind decides how the text after it reads.
 TEST(Text, StateThatOutlivesAReference) {
-  check({
+  checkTexts({
       {"%%{'*', a}", "%a"},
       {"%{'*', a}{'*', b}", "a{'*', b}"},
       {"%{'*', a}, b}", "a, b}"},
@@ -91,7 +91,7 @@ TEST(Text, StateThatOutlivesAReference) {
 
 // The threshold of 8 and the unit before "{" are counted in UTF-16 units.
 TEST(Text, CountsUTF16Units) {
-  check({
+  checkTexts({
       {"%{'*'}", "%{'*'}"},
       {"%{'*'}x", "%{'*'}x"},                          // 7 units
       {"%{'*',p}", "p"},                               // 8 units

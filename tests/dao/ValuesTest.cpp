@@ -129,12 +129,12 @@ std::unique_ptr<QXDAOElement> built(const std::string& xml) {
   return element;
 }
 
-struct Case {
+struct ValueCase {
   std::string xml;
   std::string line;
 };
 
-void check(const std::vector<Case>& cases) {
+void checkValues(const std::vector<ValueCase>& cases) {
   for (const auto& [xml, line] : cases) {
     const auto element = built(xml);
     EXPECT_EQ(element ? told(*element) : "", line) << xml;
@@ -142,7 +142,7 @@ void check(const std::vector<Case>& cases) {
 }
 
 TEST(Values, OfDefinitions) {
-  check({
+  checkValues({
       {"<sql id='T1'/>", "sql name='T1' text=''"},
       {"<sql id='tt'> a <!-- c -->\n%{'*', b} c </sql>", "sql name='tt' text='ab c'"},
       {"<const A=' 20 '/>", "const name='A' text=' 20 '"},
@@ -159,12 +159,12 @@ TEST(Values, OfDefinitions) {
       {"<pack as='i' properties='a,b' crypt=' TRUE '/>", "pack column='i' properties='a|b' crypted"},
   });
   for (const std::string crypt : {"", "yes", "1", "truex", "xtrue", "true&#10;", "&#10;true", "&#9;true"}) {
-    check({{"<pack as='i' properties='a,b' crypt='" + crypt + "'/>", "pack column='i' properties='a|b'"}});
+    checkValues({{"<pack as='i' properties='a,b' crypt='" + crypt + "'/>", "pack column='i' properties='a|b'"}});
   }
 }
 
 TEST(Values, OfChildren) {
-  for (const auto& [xml, line] : std::vector<Case>{
+  for (const auto& [xml, line] : std::vector<ValueCase>{
            {"<if true='&#10; a &#9;'/>", "0 true='a' tokens='1'"},
            {"<if false='a &gt; 1'/>", "0 false='a > 1' tokens='3'"},
            {"<when true='a'>x</when>", "1 true='a' tokens='1'"},
@@ -217,12 +217,12 @@ TEST(Values, OfResultTypes) {
       {"long  long", "type='long  long' row='7'"},
   };
   for (const auto& [result, line] : cases) {
-    check({{"<select id='s' result='" + result + "'/>", "0 name='s' " + line + " arguments=''"}});
+    checkValues({{"<select id='s' result='" + result + "'/>", "0 name='s' " + line + " arguments=''"}});
   }
 }
 
 TEST(Values, OfMethods) {
-  check({
+  checkValues({
       {"<select id='s' result='A' profile='1' parallel='yes' assignedTable='t'/>",
        "0 name='s' type='A' row='7' profile parallel table arguments=''"},
       {"<select id='s' result='A' profile='0' parallel='' assignedTable='no'/>",
