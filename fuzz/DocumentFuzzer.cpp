@@ -1,7 +1,7 @@
 // Any bytes as a document, strict and not strict, through loading, check and dump.
 #include <sstream>
 
-#include "checks/RuleNames.h"
+#include "checks/Rules.h"
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
 #include "korvex/Document.h"
@@ -32,7 +32,7 @@ Output check(std::string_view input, CheckFormat format, const LoadOptions& load
                              .format = format,
                              .color = ColorMode::Always,
                              .load = load,
-                             .warnings = {std::string(RuleNames::undefinedMap)},
+                             .warnings = {std::string(ruleOf(Warning::UndefinedMap).name)},
                              .noWarnings = {}};
   return outputOf(runCheck, options, input);
 }

@@ -183,7 +183,7 @@ void compare(std::string_view input, bool keepWhiteSpace) {
   const Document::Result strict = Document::fromBytes(std::string(input), options);
   if (!strict.document) {
     const bool mayBeRefused =
-        events.hasDoctype() || events.hasDoubtfulName() || strict.error->kind == DocumentErrorKind::TooDeep;
+        events.hasDoctype() || events.hasDoubtfulName() || strict.error->rule == DocumentRule::TooDeep;
     expectThat(!events.accepted() || mayBeRefused, "a document that Expat accepts is accepted");
     return;
   }

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include "korvex/DocumentError.h"
 #include "korvex/Export.h"
 #include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
@@ -34,20 +35,6 @@ struct LoadOptions {
   std::size_t maximumDepth = 256;
   // What the list references of a document may expand to, the texts that hold them included, in bytes.
   std::size_t maximumExpandedBytes = std::size_t{64} * 1024 * 1024;
-};
-
-// What keeps a whole document from being read.
-enum class DocumentErrorKind { Unreadable, TooLarge, Malformed, TooDeep, OutOfMemory };
-
-// Whether such an error says that something is wrong with the document, and not that it could not be read here and now.
-[[nodiscard]] constexpr bool blamesDocument(DocumentErrorKind kind) {
-  return kind != DocumentErrorKind::Unreadable && kind != DocumentErrorKind::OutOfMemory;
-}
-
-struct DocumentError {
-  DocumentErrorKind kind = DocumentErrorKind::Malformed;
-  std::string message;
-  XMLPosition position;  // line 1, column 1 where the error is about the file as a whole
 };
 
 // A parsed document: the tree that XMLNode handles read, and its source text for diagnostics.

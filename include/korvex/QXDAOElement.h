@@ -10,6 +10,7 @@
 #include "korvex/Export.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOError.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {
@@ -66,16 +67,18 @@ class KORVEX_EXPORT QXDAOElement {
 
   // True once a rule was violated. Only construction stores failures.
   [[nodiscard]] bool failed() const { return _error != nullptr; }
-  // Stores a message in place of any earlier one. `origin` is the node at fault; without one the
-  // element's own node is meant, which whoever built the element fills in.
-  void setError(std::string message, const XMLNode& origin = {});
-  // The same with the element's own name in the place of the format's "%@".
-  void setErrorWithName(std::string_view format);
+  // Stores the violation of a rule in place of any earlier one. `quoted` fills the "%@" of the rule's message, if it
+  // has one. `origin` is the node at fault; without one the element's own node is meant, which whoever built the
+  // element fills in.
+  void setError(QXDAORule rule, OptionalStringView quoted = {}, const XMLNode& origin = {});
+  // The same, quoting the element's own name.
+  void setErrorWithName(QXDAORule rule);
   // Takes over the failure of a child that was built from `childXML`; false when it has none.
   bool adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML);
 
  private:
   struct Failure {
+    QXDAORule rule;
     std::string message;
     XMLNode origin;
   };

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "korvex/Export.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {
@@ -14,7 +15,7 @@ namespace korvex {
 // The domain of every error record.
 inline constexpr std::string_view QXDAO_ERROR_DOMAIN = "korvex.dao";
 
-// Why a definition was refused. Failures differ by their message alone; the code is always 0.
+// Why a definition was refused: which rule it violates, where, and in words. The code is always 0.
 struct KORVEX_EXPORT QXDAOError {
   using Value = std::variant<std::string, XMLNode>;
 
@@ -23,6 +24,8 @@ struct KORVEX_EXPORT QXDAOError {
   // Two entries: "error", the message (a string), and "xml", the definition that was passed to the
   // factory (a node of the tree of the caller, valid as long as that tree is).
   std::map<std::string, Value, std::less<>> userInfo;
+  // The rule that was violated. Without meaning in a record that the factory has not filled.
+  QXDAORule rule{};
   // The node that violates the rule, "xml" or below it: the element at fault, or the parent of a text
   // at fault. Valid as long as the tree of the caller is.
   XMLNode origin;

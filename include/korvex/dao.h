@@ -60,6 +60,7 @@
 #include "korvex/QXDAOMethodStep.h"
 #include "korvex/QXDAOPack.h"
 #include "korvex/QXDAOPackReader.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/QXDAOSqlBlock.h"
 #include "korvex/QXDAOText.h"
 #include "korvex/QXDAOTrim.h"

@@ -7,7 +7,6 @@
 #include "checks/ErrorHints.h"
 #include "checks/NearMiss.h"
 #include "checks/Places.h"
-#include "checks/RuleNames.h"
 #include "checks/Silences.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
@@ -28,10 +27,9 @@ constexpr std::size_t mostHints = 100;
 Finding errorOf(const Definition& definition, const WarningList& list) {
   const QXDAOError& error = *definition.error;
   const std::size_t begin = list.places().offsetOf(error.origin.position() ? error.origin : definition.xml);
-  const Rule& rule = ruleOfError(error);
-  Finding finding = list.findingAt(rule, list.places().spanAt(begin));
+  Finding finding = list.findingAt(ruleOf(error.rule), list.places().spanAt(begin));
   finding.message = error.message();
-  finding.help = hintAbout(rule, error.origin ? error.origin : definition.xml);
+  finding.help = hintAbout(error.rule, error.origin ? error.origin : definition.xml);
   finding.definition = inDefinition(definition);
   return finding;
 }
@@ -78,13 +76,13 @@ class DefinitionFinder {
 };
 
 Finding unusedSilence(const Silence& silence, const WarningList& list) {
-  Finding finding = list.findingAt(*ruleNamed(RuleNames::unusedSilence), silence.comment);
+  Finding finding = list.findingAt(ruleOf(Warning::UnusedSilence), silence.comment);
   finding.message = "there is no warning '" + std::string(silence.name) + "' to silence here";
   return finding;
 }
 
 Finding unknownWarning(const Silence& silence, const WarningList& list) {
-  Finding finding = list.findingAt(*ruleNamed(RuleNames::unknownWarning), silence.comment);
+  Finding finding = list.findingAt(ruleOf(Warning::UnknownWarning), silence.comment);
   finding.message = "no warning has the name '" + std::string(silence.name) + "'";
   finding.help = didYouMean(silence.name, warningNames());
   return finding;
@@ -96,7 +94,7 @@ Finding findingOf(const std::string& path, const DocumentError& error, const Sou
   static const SourceText noSource{""};
   const Places places(source ? *source : noSource);
   const WarningList list(places, path);
-  Finding finding = list.findingAt(ruleOfError(error), places.spanAt(places.source().offset(error.position)));
+  Finding finding = list.findingAt(ruleOf(error.kind()), places.spanAt(places.source().offset(error.position)));
   finding.position = error.position;
   // Of a text that cannot be read, the parser alone knows the place.
   if (isBefore(finding.end, finding.position)) finding.end = finding.position;
@@ -126,12 +124,12 @@ std::vector<Finding> SetCheck::check(const std::string& path, const Document& do
 }
 
 void SetCheck::addReferences(const std::vector<Definition>& definitions, WarningList& list, Silences& silences) {
-  if (!_selection.wants(*ruleNamed(RuleNames::undefinedMap))) return;
+  if (!_selection.wants(ruleOf(Warning::UndefinedMap))) return;
   for (const Definition& definition : definitions) {
     const OptionalStringView map = mapOf(definition);
     if (!map) continue;
     list.setDefinition(definition);
-    list.add(RuleNames::undefinedMap, definition.xml, placeOfMap(definition, *map, list.places()),
+    list.add(Warning::UndefinedMap, definition.xml, placeOfMap(definition, *map, list.places()),
              "no map has the name '" + std::string(*map) + "'");
     FoundWarning& warning = list.warnings().back();
     MapReference& reference = _references.emplace_back();
@@ -167,7 +165,7 @@ void SetCheck::handSilences(const std::vector<Definition>& definitions, const Wa
 void SetCheck::handUnused(const Silence& silence, const Definition* definition, const WarningList& list,
                           std::vector<Finding>& findings) {
   if (definition && definition->error) return;
-  const bool aboutName = silence.rule->name == RuleNames::duplicateName && definition &&
+  const bool aboutName = silence.rule == &ruleOf(Warning::DuplicateName) && definition &&
                          list.places().offsetOf(definition->xml) == silence.element;
   std::optional<SetNames::Name> name = aboutName ? SetNames::nameOf(*definition) : std::nullopt;
   if (!name) {

@@ -7,7 +7,6 @@
 #include "checks/DoubtfulValues.h"
 #include "checks/ListReferenceWarnings.h"
 #include "checks/NearMiss.h"
-#include "checks/RuleNames.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
@@ -59,7 +58,7 @@ void findUnreadAttributes(const XMLNode& node, const ElementEntry& element, Warn
     const std::string_view name = *attribute.name();
     if (isRead(node, element, name) || belongsToXML(name)) continue;
     if (!offset) offset = list.places().offsetOf(node);
-    Finding& finding = list.add(RuleNames::unreadAttribute, node,
+    Finding& finding = list.add(Warning::UnreadAttribute, node,
                                 placeOfName(list.places(), list.places().elementAt(*offset), place, *offset),
                                 quoted(element.tag) + " never reads the attribute " + quoted(name));
     const bool alone = attributeEntryOf(element, name) != nullptr;
@@ -73,7 +72,7 @@ void findDoubtfulValues(const XMLNode& node, const ElementEntry& element, Warnin
     if (!isRead(node, element, name)) continue;
     std::optional<Doubt> doubt = doubtAbout(*attributeEntryOf(element, name), *attribute.stringValue());
     if (!doubt) continue;
-    list.add(RuleNames::doubtfulValue, node, list.places().valueOf(node, name), std::move(doubt->message)).help =
+    list.add(Warning::DoubtfulValue, node, list.places().valueOf(node, name), std::move(doubt->message)).help =
         std::move(doubt->help);
   }
 }
@@ -86,18 +85,18 @@ void findDoubtfulValues(const XMLNode& node, const ElementEntry& element, Warnin
 template <typename Item, typename PlaceOf>
 class Repetitions {
  public:
-  Repetitions(std::string_view rule, std::string_view message, WarningList& list, PlaceOf placeOf)
-      : _rule(rule), _message(message), _list(list), _placeOf(placeOf) {}
+  Repetitions(Warning warning, std::string_view message, WarningList& list, PlaceOf placeOf)
+      : _warning(warning), _message(message), _list(list), _placeOf(placeOf) {}
 
   void take(std::string_view name, const Item& item, const XMLNode& element) {
     const auto [first, isNew] = _items.try_emplace(name, item);
     if (isNew) return;
-    Finding& finding = _list.add(_rule, element, _placeOf(item), filledFormat(_message, name));
+    Finding& finding = _list.add(_warning, element, _placeOf(item), filledFormat(_message, name));
     finding.related.push_back(_list.relatedAt(_placeOf(first->second), "the first one is here"));
   }
 
  private:
-  std::string_view _rule;
+  Warning _warning;
   std::string_view _message;
   WarningList& _list;
   PlaceOf _placeOf;
@@ -107,7 +106,7 @@ class Repetitions {
 void findDuplicateColumns(const Definition& definition, WarningList& list) {
   const auto placeOf = [&list](const XMLNode& result) { return list.places().valueOf(result, C_COLUMN); };
   Repetitions<XMLNode, decltype(placeOf)> columns(
-      RuleNames::duplicateColumn, "the map names the column '%@' twice, and the last one wins", list, placeOf);
+      Warning::DuplicateColumn, "the map names the column '%@' twice, and the last one wins", list, placeOf);
   for (const XMLNode& result : definition.xml.children()) {
     const OptionalStringView column = result.valueOfAttribute(C_COLUMN);
     if (!isEmpty(column)) columns.take(*column, result, result);
@@ -115,14 +114,14 @@ void findDuplicateColumns(const Definition& definition, WarningList& list) {
 }
 
 // In an attribute with names, which may have a mark in front of them.
-void findRepeatedNames(const XMLNode& node, std::string_view attribute, std::string_view mark, std::string_view rule,
+void findRepeatedNames(const XMLNode& node, std::string_view attribute, std::string_view mark, Warning warning,
                        std::string_view message, WarningList& list) {
   std::optional<WrittenValue> written;
   const auto placeOf = [&](std::string_view name) {
     if (!written) written = list.places().writtenValueOf(node, attribute);
     return written->of(name);
   };
-  Repetitions<std::string_view, decltype(placeOf)> names(rule, message, list, placeOf);
+  Repetitions<std::string_view, decltype(placeOf)> names(warning, message, list, placeOf);
   for (OptionalStringView rest = node.valueOfAttribute(attribute); rest;) {
     std::string_view name = spaceBothEndsTrimmed(takePiece(rest, ','));
     if (name.starts_with(mark)) name.remove_prefix(mark.size());
@@ -131,13 +130,13 @@ void findRepeatedNames(const XMLNode& node, std::string_view attribute, std::str
 }
 
 void findRepeatedProperties(const Definition& definition, WarningList& list) {
-  findRepeatedNames(definition.xml, C_PROPERTIES, "", RuleNames::repeatedProperty,
+  findRepeatedNames(definition.xml, C_PROPERTIES, "", Warning::RepeatedProperty,
                     "the pack names the property '%@' twice", list);
 }
 
 void findDuplicateArguments(const Definition& definition, WarningList& list) {
-  findRepeatedNames(definition.xml, C_ARGUMENTS, "$", RuleNames::duplicateArgument,
-                    "the argument '%@' is declared twice", list);
+  findRepeatedNames(definition.xml, C_ARGUMENTS, "$", Warning::DuplicateArgument, "the argument '%@' is declared twice",
+                    list);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -148,7 +147,7 @@ void findIgnoredContent(const XMLNode& node, const ElementEntry& element, Warnin
   for (const XMLNode& child : node.children()) {
     if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
     const std::size_t begin = list.places().source().text().find_first_not_of(" \t\r\n", list.places().offsetOf(child));
-    list.add(RuleNames::ignoredContent, node, list.places().spanAt(begin),
+    list.add(Warning::IgnoredContent, node, list.places().spanAt(begin),
              "what stands in " + quoted(element.tag) + " is passed over");
     return;
   }
@@ -158,7 +157,7 @@ void findMisplacedWhen(const XMLNode& node, const ElementEntry& element, const E
                        WarningList& list) {
   const bool when = element.tag == C_WHEN;
   if ((!when && element.tag != C_OTHERWISE) || (holder && holder->tag == C_CHOOSE)) return;
-  Finding& finding = list.add(RuleNames::misplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
+  Finding& finding = list.add(Warning::MisplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
                               quoted(element.tag) + " stands outside 'choose'");
   finding.help = when ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
 }
@@ -173,7 +172,7 @@ void findLostResumable(const Definition& definition, WarningList& list) {
     step = child;
   }
   if (!booleanAttributeValue(step.valueOfAttribute(C_RESUMABLE))) return;
-  list.add(RuleNames::lostResumable, step, list.places().nameOf(step, C_RESUMABLE),
+  list.add(Warning::LostResumable, step, list.places().nameOf(step, C_RESUMABLE),
            "a single step is not resumable: it is taken as if its content stood in the method");
 }
 

@@ -74,30 +74,30 @@ std::string hintAtName(const XMLNode& node) {
 }
 
 struct HintRule {
-  std::string_view rule;
+  QXDAORule rule;
   std::string (*hint)(const XMLNode& node);
 };
 
 constexpr std::array<HintRule, 13> hintRules = {{
-    {"missing-name", hintAtName},
-    {"unknown-definition", hintAtDefinition},
-    {"unknown-element", hintAtElement},
-    {"upgrade-format", hintAtAttributes},
-    {"missing-result", hintAtAttributes},
-    {"condition-format", hintAtAttributes},
-    {"foreach-parameters", hintAtAttributes},
-    {"fragment-format", hintAtAttributes},
-    {"crypt-format", hintAtAttributes},
-    {"missing-map-result", hintAtAttributes},
-    {"map-format", hintAtAttributes},
-    {"missing-pack-column", hintAtAttributes},
-    {"missing-pack-properties", hintAtAttributes},
+    {QXDAORule::MissingName, hintAtName},
+    {QXDAORule::UnknownDefinition, hintAtDefinition},
+    {QXDAORule::UnknownElement, hintAtElement},
+    {QXDAORule::UpgradeFormat, hintAtAttributes},
+    {QXDAORule::MissingResult, hintAtAttributes},
+    {QXDAORule::ConditionFormat, hintAtAttributes},
+    {QXDAORule::ForeachParameters, hintAtAttributes},
+    {QXDAORule::FragmentFormat, hintAtAttributes},
+    {QXDAORule::CryptFormat, hintAtAttributes},
+    {QXDAORule::MissingMapResult, hintAtAttributes},
+    {QXDAORule::MapFormat, hintAtAttributes},
+    {QXDAORule::MissingPackColumn, hintAtAttributes},
+    {QXDAORule::MissingPackProperties, hintAtAttributes},
 }};
 
 }  // namespace
 
-std::string hintAbout(const Rule& rule, const XMLNode& origin) {
-  const HintRule* row = rowWith(hintRules, &HintRule::rule, rule.name);
+std::string hintAbout(QXDAORule rule, const XMLNode& origin) {
+  const HintRule* row = rowWith(hintRules, &HintRule::rule, rule);
   return row && origin.kind() == XMLNodeKind::Element ? row->hint(origin) : std::string();
 }
 

@@ -3,12 +3,12 @@
 
 #include <string>
 
-#include "checks/Rules.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {
 
 // Something to say beside the error's message about the node at fault; empty when there is nothing.
-[[nodiscard]] std::string hintAbout(const Rule& rule, const XMLNode& origin);
+[[nodiscard]] std::string hintAbout(QXDAORule rule, const XMLNode& origin);
 
 }  // namespace korvex

@@ -1,22 +1,35 @@
-// The rules whose violation has a definition or a whole document refused, in the order of DAO/Core/Messages.h and of
-// DocumentErrorKind.
+// The rules whose violation has a definition or a whole document refused. Their messages stand where they are given.
 #pragma once
 
 #include <array>
 
 #include "checks/Rules.h"
 #include "dao/core/Messages.h"
+#include "loader/DocumentErrors.h"
 
 namespace korvex {
 
-constexpr Rule errorRule(std::string_view name, std::string_view message, std::string_view help,
+constexpr Rule errorRule(QXDAORule rule, std::string_view help, std::string_view meaning, std::string_view wrong,
+                         std::string_view right) {
+  const RuleText& text = ruleTextOf(rule);
+  return {rule, text.name, Severity::Error, true, text.message, help, meaning, wrong, right};
+}
+
+constexpr Rule errorRule(DocumentErrorKind kind, std::string_view name, std::string_view message, std::string_view help,
                          std::string_view meaning, std::string_view wrong, std::string_view right) {
-  return {name, Severity::Error, true, message, help, meaning, wrong, right};
+  return {kind, name, Severity::Error, true, message, help, meaning, wrong, right};
+}
+
+// For the kinds that have one message.
+constexpr Rule errorRule(DocumentRule rule, std::string_view name, std::string_view help, std::string_view meaning,
+                         std::string_view wrong, std::string_view right) {
+  const DocumentRuleText& text = documentRuleTextOf(rule);
+  return errorRule(text.kind, name, text.message, help, meaning, wrong, right);
 }
 
 inline constexpr std::array definitionErrors = {
     errorRule(
-        "missing-name", Messages::emptyName, "Give the element an id that is not empty.",
+        QXDAORule::MissingName, "Give the element an id that is not empty.",
         "Methods, sql blocks and maps are referred to by their names, so each has an \"id\". An upgrade has none: "
         "it is known by its version. The id is kept as it is written, spaces and case included. An element of an "
         "unknown tag without an id gets this error, too.",
@@ -24,7 +37,7 @@ inline constexpr std::array definitionErrors = {
         R"xml(<select id="countPersons" result="int">SELECT count(*) FROM person</select>)xml"),
 
     errorRule(
-        "unknown-definition", Messages::unknownRootTag, "Correct the tag, also its case.",
+        QXDAORule::UnknownDefinition, "Correct the tag, also its case.",
         "The elements right below the root are the definitions: select, update, insert, delete, upgrade, sql, const, "
         "map, crypt and pack. Tags are case-sensitive. An element for the inside of a method, such as an if, is no "
         "definition either.",
@@ -32,7 +45,7 @@ inline constexpr std::array definitionErrors = {
         R"xml(<select id="countPersons" result="int">SELECT count(*) FROM person</select>)xml"),
 
     errorRule(
-        "unknown-element", Messages::unknownElement, "Correct the tag; move a definition out of the method.",
+        QXDAORule::UnknownElement, "Correct the tag; move a definition out of the method.",
         "Inside a method stand text and if, choose, foreach, where, set, trim and format, directly in it also step "
         "and try. Tags are case-sensitive. Definitions such as sql or const stand beside methods, never inside one.",
         R"xml(<select id="allPersons" result="[Person]">
@@ -45,7 +58,7 @@ inline constexpr std::array definitionErrors = {
 </select>)xml"),
 
     errorRule(
-        "misplaced-step", Messages::misplacedStep, "Move the step up, directly into the method.",
+        QXDAORule::MisplacedStep, "Move the step up, directly into the method.",
         "A step divides the method itself into pieces of work, so it stands directly in an update, insert, delete or "
         "upgrade, not in a condition or in another step. What depends on a condition goes into the step.",
         R"xml(<update id="clean" arguments="thorough">
@@ -58,7 +71,7 @@ inline constexpr std::array definitionErrors = {
 </update>)xml"),
 
     errorRule(
-        "misplaced-try", Messages::misplacedTry, "Move the try block up, directly into the method.",
+        QXDAORule::MisplacedTry, "Move the try block up, directly into the method.",
         "A try block is the whole of its method, which has one way out when it fails. So it stands directly in the "
         "method, not in a condition, a step or another try block.",
         R"xml(<update id="refresh">
@@ -70,7 +83,7 @@ inline constexpr std::array definitionErrors = {
   <try>DELETE FROM cache <except>DELETE FROM old</except></try>
 </update>)xml"),
 
-    errorRule("misplaced-except", Messages::misplacedExcept, "Put the except block at the end of a try block.",
+    errorRule(QXDAORule::MisplacedExcept, "Put the except block at the end of a try block.",
               "An except block is for when the rest of its try block fails, so it stands directly in one, as the last.",
               R"xml(<insert id="addGroup" arguments="$title">
   INSERT INTO person_group (title) VALUES (:title)
@@ -84,15 +97,14 @@ inline constexpr std::array definitionErrors = {
 </insert>)xml"),
 
     errorRule(
-        "upgrade-format", Messages::invalidUpgrade,
-        "Give the upgrade a toVersion with a decimal number, and no other attribute.",
+        QXDAORule::UpgradeFormat, "Give the upgrade a toVersion with a decimal number, and no other attribute.",
         "An upgrade leads the schema of an older database to a version, and its one attribute says to which. The "
         "version is a decimal number or \"initial\", which is 0. It is not a list of numbers: 1.10 is the same as "
         "1.1, and 2.5.1 is none. The message quotes the SQL, since an upgrade has no name.",
         R"xml(<upgrade toVersion="2.5.1">ALTER TABLE person ADD COLUMN photo BLOB</upgrade>)xml",
         R"xml(<upgrade toVersion="2.51">ALTER TABLE person ADD COLUMN photo BLOB</upgrade>)xml"),
 
-    errorRule("arguments-format", Messages::invalidArguments, "Take out the extra comma, or fill in the name.",
+    errorRule(QXDAORule::ArgumentsFormat, "Take out the extra comma, or fill in the name.",
               "\"arguments\" lists the names of a method's arguments, separated by commas, each with a \"$\" in front "
               "where it must not be null. An empty or blank piece between two commas, or after the last one, would be "
               "an argument "
@@ -105,14 +117,14 @@ inline constexpr std::array definitionErrors = {
 </update>)xml"),
 
     errorRule(
-        "missing-result", Messages::undefinedResult, "Say in \"result\" what a row becomes.",
+        QXDAORule::MissingResult, "Say in \"result\" what a row becomes.",
         "A select says what its rows become: a plain value such as int or string, a dictionary ({}), an object of a "
         "class (Person) or one that a map fills (:personMap). In square brackets it is a list of them. The other "
         "methods yield nothing and need no result.",
         R"xml(<select id="newestPerson">SELECT max(id) FROM person</select>)xml",
         R"xml(<select id="newestPerson" result="int">SELECT max(id) FROM person</select>)xml"),
 
-    errorRule("steps-in-select", Messages::stepsInSelect, "Write one query without steps.",
+    errorRule(QXDAORule::StepsInSelect, "Write one query without steps.",
               "A select is one query with one result. Steps are for methods that change the data.",
               R"xml(<select id="counts" result="[int]">
   <step>SELECT count(*) FROM person</step>
@@ -123,7 +135,7 @@ inline constexpr std::array definitionErrors = {
 </select>)xml"),
 
     errorRule(
-        "content-beside-steps", Messages::besideSteps, "Put what stands beside the steps into a step.",
+        QXDAORule::ContentBesideSteps, "Put what stands beside the steps into a step.",
         "Where a method has steps, it holds nothing else: text or an element between them would belong to no piece "
         "of the work. Comments may stand anywhere.",
         R"xml(<delete id="removePerson" arguments="$personId">
@@ -135,7 +147,7 @@ inline constexpr std::array definitionErrors = {
   <step>DELETE FROM person WHERE id = :personId</step>
 </delete>)xml"),
 
-    errorRule("content-beside-try", Messages::besideTry, "Put what stands beside the try block into it.",
+    errorRule(QXDAORule::ContentBesideTry, "Put what stands beside the try block into it.",
               "A try block is all that its method holds, since the except block has to make up for the whole of it. "
               "Comments may stand around it.",
               R"xml(<insert id="addTag" arguments="$title">
@@ -153,8 +165,7 @@ inline constexpr std::array definitionErrors = {
 </insert>)xml"),
 
     errorRule(
-        "method-foreach-format", Messages::invalidMethodForeach,
-        "Write collection.item, with one of the arguments and a new name.",
+        QXDAORule::MethodForeachFormat, "Write collection.item, with one of the arguments and a new name.",
         "\"foreach\" runs the method once for each entry of an argument. It has two names with one point between "
         "them: the collection, which is one of the method's arguments, and the name of an entry in the SQL, which "
         "is none of them.",
@@ -166,7 +177,7 @@ inline constexpr std::array definitionErrors = {
 </delete>)xml"),
 
     errorRule(
-        "try-format", Messages::invalidTry, "End the try block with its except block, and give it no attributes.",
+        QXDAORule::TryFormat, "End the try block with its except block, and give it no attributes.",
         "A try block has content, then exactly one except block, directly in it, with nothing but comments behind. "
         "It has no attributes. Without an except block there would be no way out, and no need for the try block.",
         R"xml(<insert id="addGroup" arguments="$title">
@@ -179,7 +190,7 @@ inline constexpr std::array definitionErrors = {
   </try>
 </insert>)xml"),
 
-    errorRule("second-except", Messages::tooManyExcepts, "Join the except blocks to one.",
+    errorRule(QXDAORule::SecondExcept, "Join the except blocks to one.",
               "A try block has one way out. Which fault made it fail is not told apart, so a second except block could "
               "never be chosen.",
               R"xml(<update id="copy">
@@ -196,7 +207,7 @@ inline constexpr std::array definitionErrors = {
   </try>
 </update>)xml"),
 
-    errorRule("except-format", Messages::invalidExcept, "Take the attributes out of the except block.",
+    errorRule(QXDAORule::ExceptFormat, "Take the attributes out of the except block.",
               "An except block is for whatever fails in its try block, and has nothing to say about it in attributes. "
               "\"resumable\" belongs to steps and to methods with a foreach.",
               R"xml(<update id="swap">
@@ -213,7 +224,7 @@ inline constexpr std::array definitionErrors = {
 </update>)xml"),
 
     errorRule(
-        "condition-format", Messages::invalidCondition,
+        QXDAORule::ConditionFormat,
         "Give an if or when exactly one attribute, true or false, with an expression; choose and otherwise have none.",
         "An if or a when has one attribute: \"true\" when its content applies to a true expression, \"false\" when it "
         "applies to a false one. The expression must fall into tokens from end to end: names, numbers, strings in "
@@ -226,8 +237,7 @@ inline constexpr std::array definitionErrors = {
   SELECT * FROM person <if true="onlyAdults">WHERE age >= 18</if>
 </select>)xml"),
 
-    errorRule("choose-content", Messages::chooseContent,
-              "Leave only when elements in the choose, and one otherwise at the end.",
+    errorRule(QXDAORule::ChooseContent, "Leave only when elements in the choose, and one otherwise at the end.",
               "Of the content of a choose the first when that applies is taken, or else the otherwise. Text or another "
               "element would belong to none of them, and what stands behind the otherwise could never be reached.",
               R"xml(<select id="sorted" arguments="byAge" result="[Person]">
@@ -246,7 +256,7 @@ inline constexpr std::array definitionErrors = {
 </select>)xml"),
 
     errorRule(
-        "foreach-parameters", Messages::foreachParameters,
+        QXDAORule::ForeachParameters,
         "Give the foreach a collection and an item, and beside them only open, separator, close and reverse.",
         "A foreach repeats its text for each entry of a collection. \"collection\" says what to go through and "
         "\"item\" is the name of the entry in the text; both are needed. No attribute other than those, \"open\", "
@@ -265,7 +275,7 @@ inline constexpr std::array definitionErrors = {
 </select>)xml"),
 
     errorRule(
-        "foreach-content", Messages::foreachContent, "Write text only in the foreach.",
+        QXDAORule::ForeachContent, "Write text only in the foreach.",
         "A foreach repeats the same plain text for every entry, so there are no conditions or other elements in it. "
         "Comments may stand in it.",
         R"xml(<select id="someOf" arguments="$ids" result="[Person]">
@@ -282,7 +292,7 @@ inline constexpr std::array definitionErrors = {
 </select>)xml"),
 
     errorRule(
-        "fragment-format", Messages::invalidFragment,
+        QXDAORule::FragmentFormat,
         "Give a trim its prefix and one of the overrides, a format its prefix, pairs and join.",
         "A trim puts its \"prefix\" in front of its content and takes \"prefixOverrides\" off the start or "
         "\"suffixOverrides\" off the end; with neither it would have nothing to trim. A format forms key-value "
@@ -302,30 +312,30 @@ inline constexpr std::array definitionErrors = {
 </select>)xml"),
 
     errorRule(
-        "reserved-sql-name", Messages::reservedSqlName, "Choose another name for the sql block.",
+        QXDAORule::ReservedSqlName, "Choose another name for the sql block.",
         "The name T, large or small, stands for the table that the caller of a select assigns, so no sql block can "
         "be called that.",
         R"xml(<sql id="t">person</sql>)xml", R"xml(<sql id="personTable">person</sql>)xml"),
 
-    errorRule("sql-format", Messages::invalidSqlBlock, "Write text only in the sql block.",
+    errorRule(QXDAORule::SqlFormat, "Write text only in the sql block.",
               "An sql block is a piece of plain SQL for other definitions to use. Its content is text and comments; "
               "dynamic SQL with conditions belongs in methods.",
               R"xml(<sql id="orderByName">ORDER BY name <if true="descending">DESC</if></sql>)xml",
               R"xml(<sql id="orderByName">ORDER BY name</sql>)xml"),
 
     errorRule(
-        "const-format", Messages::invalidConst, "Write <const NAME=\"text\"/> with nothing inside.",
+        QXDAORule::ConstFormat, "Write <const NAME=\"text\"/> with nothing inside.",
         "A constant is declared by its one attribute: the name is the constant's and the value its text. Nothing may "
         "stand inside, not even a comment. The message quotes the text inside, if any.",
         R"xml(<const PAGE_SIZE="">50</const>)xml", R"xml(<const PAGE_SIZE="50"/>)xml"),
 
-    errorRule("crypt-format", Messages::invalidCrypt, "Leave only class and property, not empty, and nothing inside.",
+    errorRule(QXDAORule::CryptFormat, "Leave only class and property, not empty, and nothing inside.",
               "A crypt definition names a property of a class that is stored encrypted: exactly \"class\" and "
               "\"property\", and nothing else. Nothing may stand inside, not even a comment.",
               R"xml(<crypt class="Person" property="notes" column="notes"/>)xml",
               R"xml(<crypt class="Person" property="notes"/>)xml"),
 
-    errorRule("missing-map-result", Messages::emptyMapResult, "Name the class in \"result\".",
+    errorRule(QXDAORule::MissingMapResult, "Name the class in \"result\".",
               "A map fills an object from a row, and \"result\" names the object's class.",
               R"xml(<map id="personMap">
   <result column="name" property="name"/>
@@ -335,8 +345,7 @@ inline constexpr std::array definitionErrors = {
 </map>)xml"),
 
     errorRule(
-        "map-format", Messages::invalidMap,
-        "Give every result a column and a property, and take out what else stands in the map.",
+        QXDAORule::MapFormat, "Give every result a column and a property, and take out what else stands in the map.",
         "The content of a map is result elements and comments, no text. Each of them names a column of the row and "
         "the property that receives it; neither can be left out.",
         R"xml(<map id="phoneMap" result="Phone">
@@ -349,34 +358,32 @@ inline constexpr std::array definitionErrors = {
 </map>)xml"),
 
     errorRule(
-        "missing-pack-column", Messages::emptyPackColumn, "Name the column in \"as\".",
+        QXDAORule::MissingPackColumn, "Name the column in \"as\".",
         "A pack stores several properties of an object in one column, and \"as\" names it. Spaces around the name "
         "are taken off, and something must be left.",
         R"xml(<pack as=" " properties="company, website"/>)xml",
         R"xml(<pack as="info" properties="company, website"/>)xml"),
 
-    errorRule("missing-pack-properties", Messages::emptyPackProperties, "List the properties, separated by commas.",
+    errorRule(QXDAORule::MissingPackProperties, "List the properties, separated by commas.",
               "\"properties\" lists what a pack stores in its column. Without any there is nothing to pack.",
               R"xml(<pack as="info" properties=""/>)xml", R"xml(<pack as="info" properties="company, website"/>)xml"),
 
-    errorRule("single-pack-property", Messages::tooFewPackProperties, "Add a property, or do not pack.",
+    errorRule(QXDAORule::SinglePackProperty, "Add a property, or do not pack.",
               "A pack is for at least two properties that share a column. A single property has its own column without "
               "being packed, which is smaller and can be searched.",
               R"xml(<pack as="secrets" properties="doorCode"/>)xml",
               R"xml(<pack as="secrets" properties="doorCode, alarmCode"/>)xml"),
 };
 
-// Behind those of the kinds: what is too large only when it is written out.
 inline constexpr std::array documentErrors = {
     errorRule(
-        "unreadable-document", "cannot read the file: %@", "See to it that the file is there and may be read.",
+        DocumentRule::UnreadableFile, "unreadable-document", "See to it that the file is there and may be read.",
         "A file that is missing, or that you may not read, says nothing about its definitions. The others are checked "
         "all the same.",
         {}, {}),
 
     errorRule(
-        "oversized-document", "document is larger than %@ bytes",
-        "Divide the document, or raise the limit with --max-bytes.",
+        DocumentRule::TooLarge, "oversized-document", "Divide the document, or raise the limit with --max-bytes.",
         "A document is held in memory while it is checked, so there is a limit to its size, 64 MiB unless you say "
         "otherwise. Each definition is judged alone and may stand in any document. A file of that size is usually "
         "no definition document at all.",
@@ -387,7 +394,7 @@ inline constexpr std::array documentErrors = {
 <sql id="columns">id, name, age</sql>)xml"),
 
     errorRule(
-        "malformed-document", "the document is not well-formed XML",
+        DocumentErrorKind::Malformed, "malformed-document", "the document is not well-formed XML",
         "Correct the XML at the place that the message names.",
         "A document is read as a whole, so one tag that is not closed or one \"<\" in a condition keeps all of its "
         "definitions from being read; the message says what is wrong there. In SQL and in attributes \"<\" is "
@@ -400,7 +407,7 @@ inline constexpr std::array documentErrors = {
   SELECT * FROM person WHERE age &lt; 18
 </select>)xml"),
 
-    errorRule("deep-document", "elements are nested deeper than %@ levels", "Nest fewer elements, at most 256 deep.",
+    errorRule(DocumentRule::TooDeep, "deep-document", "Nest fewer elements, at most 256 deep.",
               "The elements of a definition are built one inside the other, and each level takes some of the stack. "
               "Conditions inside conditions can be joined to one expression with &amp;&amp;. Nesting as deep as this "
               "mostly comes from a program that writes documents and forgets to close its elements.",
@@ -419,12 +426,12 @@ inline constexpr std::array documentErrors = {
   </where>
 </select>)xml"),
 
-    errorRule(
-        "out-of-memory", "not enough memory to read the document", "Check the document where there is more memory.",
-        "Reading a document takes several times its size in memory. Nothing is said about its definitions.", {}, {}),
+    errorRule(DocumentRule::OutOfMemory, "out-of-memory", "Check the document where there is more memory.",
+              "Reading a document takes several times its size in memory. Nothing is said about its definitions.", {},
+              {}),
 
     errorRule(
-        "oversized-expansion", "list references expand to more than %@ bytes",
+        DocumentRule::ExpansionTooLarge, "oversized-expansion",
         "Write shorter formats or fewer entries in the list references.",
         "A list reference writes its format once for each entry and puts the entry in for each star, so a long "
         "format with many stars and many entries grows with the product of the two. What all list references of a "

@@ -4,7 +4,6 @@
 #include <functional>
 #include <optional>
 
-#include "checks/RuleNames.h"
 #include "checks/SqlSkipping.h"
 #include "dao/core/Reading.h"
 #include "dao/fragments/ListReferenceScan.h"
@@ -139,7 +138,7 @@ void findUnfinishedReference(const XMLNode& element, std::string_view text, cons
     return placeInSource(list.places(), begin(list.places(), node), text, opening);
   };
   if (const std::optional<Loss> loss = lossIn(text)) {
-    list.add(RuleNames::unfinishedListReference, element, placeOf(loss->opening), std::string(loss->message)).help =
+    list.add(Warning::UnfinishedListReference, element, placeOf(loss->opening), std::string(loss->message)).help =
         "write %{'FORMAT', ENTRY, ENTRY}, or divide what is none: '%' || '{'";
     return;
   }
@@ -147,7 +146,7 @@ void findUnfinishedReference(const XMLNode& element, std::string_view text, cons
   const std::string_view expanded = *written->expression();
   const std::size_t left = openingOutsideQuotes(expanded);
   if (left == std::string_view::npos) return;
-  list.add(RuleNames::unfinishedListReference, element, placeOf(openingBeforeExpansion(text, expanded, left)),
+  list.add(Warning::UnfinishedListReference, element, placeOf(openingBeforeExpansion(text, expanded, left)),
            "this list reference is not written out");
 }
 

@@ -5,6 +5,7 @@
 
 #include "checks/ErrorRules.h"
 #include "checks/WarningRules.h"
+#include "platform/Tables.h"
 
 namespace korvex {
 
@@ -24,41 +25,14 @@ constexpr auto namesOfWarnings = [] {
   return names;
 }();
 
-bool fits(std::string_view message, std::string_view format) {
-  const std::size_t blank = format.find("%@");
-  if (blank == std::string_view::npos) return message == format;
-  return message.size() + 2 >= format.size() && message.starts_with(format.substr(0, blank)) &&
-         message.ends_with(format.substr(blank + 2));
-}
-
 }  // namespace
 
 std::span<const Rule> rules() { return allRules; }
 
-const Rule* ruleNamed(std::string_view name) {
-  const auto* rule =
-      std::find_if(allRules.begin(), allRules.end(), [name](const Rule& candidate) { return candidate.name == name; });
-  return rule == allRules.end() ? nullptr : rule;
-}
+const Rule& ruleOf(RuleId id) { return *rowWith(allRules, &Rule::id, id); }
+
+const Rule* ruleNamed(std::string_view name) { return rowWith(allRules, &Rule::name, name); }
 
 std::span<const std::string_view> warningNames() { return namesOfWarnings; }
-
-const Rule* ruleOfMessage(std::string_view message) {
-  const auto* rule = std::find_if(allRules.begin(), allRules.end(),
-                                  [message](const Rule& candidate) { return fits(message, candidate.message); });
-  return rule == allRules.end() ? nullptr : rule;
-}
-
-// The table has every message, so what fits no other row is of the last.
-const Rule& ruleOfError(const QXDAOError& error) {
-  return *std::find_if(allRules.begin(), allRules.begin() + definitionErrors.size() - 1,
-                       [&error](const Rule& rule) { return fits(error.message(), rule.message); });
-}
-
-const Rule& ruleOfError(const DocumentError& error) {
-  const Rule& expansion = allRules[definitionErrors.size() + documentErrors.size() - 1];
-  if (fits(error.message, expansion.message)) return expansion;
-  return allRules[definitionErrors.size() + static_cast<std::size_t>(error.kind)];
-}
 
 }  // namespace korvex

@@ -3,11 +3,10 @@
 
 #include <span>
 #include <string_view>
+#include <variant>
 
-#include "korvex/Document.h"
-#include "korvex/QXDAOElement.h"
-#include "korvex/QXDAOError.h"
-#include "korvex/QXDAOPackReader.h"
+#include "korvex/DocumentError.h"
+#include "korvex/QXDAORule.h"
 
 namespace korvex {
 
@@ -16,7 +15,27 @@ enum class Severity {
   Warning,  // it is taken, but hardly as it was meant
 };
 
+enum class Warning {
+  UnreadAttribute,
+  DuplicateName,
+  UndefinedMap,
+  UnfinishedListReference,
+  IgnoredContent,
+  MisplacedWhen,
+  DuplicateColumn,
+  RepeatedProperty,
+  DuplicateArgument,
+  LostResumable,
+  DoubtfulValue,
+  UnusedSilence,
+  UnknownWarning,
+};
+
+// What a rule is about: a definition's error, a whole document's, or a warning.
+using RuleId = std::variant<QXDAORule, DocumentErrorKind, Warning>;
+
 struct Rule {
+  RuleId id;
   std::string_view name;  // such as "unread-attribute"
   Severity severity = Severity::Error;
   bool onByDefault = true;
@@ -28,19 +47,16 @@ struct Rule {
   std::string_view right = {};
 };
 
-// Errors first, in the order of DAO/Core/Messages.h, then those of whole documents, then warnings.
+// Errors of definitions first, then those of whole documents, then warnings.
 [[nodiscard]] std::span<const Rule> rules();
+[[nodiscard]] const Rule& ruleOf(RuleId id);
+// Null when no rule has that name.
 [[nodiscard]] const Rule* ruleNamed(std::string_view name);
 [[nodiscard]] std::span<const std::string_view> warningNames();
-// The rule that such a message is about; null when none says that.
-[[nodiscard]] const Rule* ruleOfMessage(std::string_view message);
 
 // "error" or "warning".
 [[nodiscard]] constexpr std::string_view severityName(Severity severity) {
   return severity == Severity::Error ? "error" : "warning";
 }
-
-[[nodiscard]] const Rule& ruleOfError(const QXDAOError& error);
-[[nodiscard]] const Rule& ruleOfError(const DocumentError& error);
 
 }  // namespace korvex

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "checks/RuleNames.h"
 #include "korvex/Definition.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
@@ -67,7 +66,7 @@ void SetNames::addNamed(const Name& name, const Definition& definition, WarningL
   if (isNew) return;
   _repeated[name.kind].insert(name.name);
   list.setDefinition(definition);
-  Finding& finding = list.add(RuleNames::duplicateName, definition.xml, placeOfName(definition, list.places()),
+  Finding& finding = list.add(Warning::DuplicateName, definition.xml, placeOfName(definition, list.places()),
                               filledFormat(namedKinds[name.kind].message, name.name));
   finding.related.push_back({_documents[first->second.document], first->second.position, "the first one is here"});
 }

@@ -11,8 +11,8 @@ Finding::InDefinition inDefinition(const Definition& definition) {
           definition.position().line};
 }
 
-Finding& WarningList::add(std::string_view rule, const XMLNode& element, Span place, std::string message) {
-  _warnings.push_back({findingAt(*ruleNamed(rule), place), _places.offsetOf(element)});
+Finding& WarningList::add(Warning warning, const XMLNode& element, Span place, std::string message) {
+  _warnings.push_back({findingAt(ruleOf(warning), place), _places.offsetOf(element)});
   Finding& finding = _warnings.back().finding;
   finding.message = std::move(message);
   if (_definition) finding.definition = inDefinition(*_definition);

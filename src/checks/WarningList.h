@@ -30,7 +30,7 @@ class WarningList {
   // Those added from now on are about this definition.
   void setDefinition(const Definition& definition) { _definition = &definition; }
   // A warning about an element, at a place that belongs to it. It may be completed until the next one is added.
-  Finding& add(std::string_view rule, const XMLNode& element, Span place, std::string message);
+  Finding& add(Warning warning, const XMLNode& element, Span place, std::string message);
 
   // Without a message.
   [[nodiscard]] Finding findingAt(const Rule& rule, Span place) const;

@@ -57,16 +57,13 @@ void XMLCALL appendMarkup(void* text, const XML_Char* markup, int length) {
   static_cast<std::string*>(text)->append(markup, static_cast<std::size_t>(length));
 }
 
-std::string messageOf(XML_Error code) {
-  if (code == XML_ERROR_UNKNOWN_ENCODING) return "unknown encoding; use UTF-8, UTF-16, ISO-8859-1 or US-ASCII";
-  return XML_ErrorString(code);
-}
-
 // The text cannot be shown here, so the parser's own line and column have to do.
 DocumentError errorOf(const ExpatParser& parser) {
-  if (isOutOfMemory(parser)) return outOfMemory();
+  if (isOutOfMemory(parser)) return documentError(DocumentRule::OutOfMemory);
   const XMLPosition position{XML_GetCurrentLineNumber(parser.get()), XML_GetCurrentColumnNumber(parser.get()) + 1};
-  return {DocumentErrorKind::Malformed, messageOf(XML_GetErrorCode(parser.get())), position};
+  const XML_Error code = XML_GetErrorCode(parser.get());
+  if (code == XML_ERROR_UNKNOWN_ENCODING) return documentError(DocumentRule::UnknownEncoding, {}, position);
+  return documentError(DocumentRule::NotWellFormed, {XML_ErrorString(code)}, position);
 }
 
 // A parser that has nothing but a default handler gives the document back as it is, in UTF-8.

@@ -8,6 +8,7 @@
 
 #include "korvex/QXDAOPackReader.h"
 #include "loader/Decoding.h"
+#include "loader/DocumentErrors.h"
 #include "loader/PugiTree.h"
 #include "loader/StrictPass.h"
 
@@ -16,12 +17,11 @@ namespace korvex {
 namespace {
 
 DocumentError unreadable(int errorNumber) {
-  return {DocumentErrorKind::Unreadable, "cannot read the file: " + std::generic_category().message(errorNumber), {}};
+  return documentError(DocumentRule::UnreadableFile, {std::generic_category().message(errorNumber)});
 }
 
 DocumentError tooLarge(const LoadOptions& options) {
-  return {
-      DocumentErrorKind::TooLarge, "document is larger than " + std::to_string(options.maximumBytes) + " bytes", {}};
+  return documentError(DocumentRule::TooLarge, {std::to_string(options.maximumBytes)});
 }
 
 struct FileCloser {
@@ -69,7 +69,7 @@ class Document::Implementation {
       if (auto error = findSyntaxError(*_source)) return error;
     }
     auto parseError = _tree.parse(options);
-    if (parseError && parseError->kind == DocumentErrorKind::OutOfMemory) return parseError;
+    if (parseError && parseError->rule == DocumentRule::OutOfMemory) return parseError;
     if (!options.strict && (parseError || _tree.hasInternalSubset())) {
       if (auto error = findSyntaxError(*_source)) return error;
     }

@@ -9,6 +9,7 @@
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOText.h"
+#include "loader/DocumentErrors.h"
 
 namespace korvex {
 
@@ -40,9 +41,8 @@ std::size_t expandedLengthOf(const XMLNode& element) {
 }
 
 DocumentError oversized(const XMLNode& element, const LoadOptions& options) {
-  return {DocumentErrorKind::TooLarge,
-          "list references expand to more than " + std::to_string(options.maximumExpandedBytes) + " bytes",
-          element.position().value_or(XMLPosition())};
+  return documentError(DocumentRule::ExpansionTooLarge, {std::to_string(options.maximumExpandedBytes)},
+                       element.position().value_or(XMLPosition()));
 }
 
 }  // namespace

@@ -87,9 +87,9 @@ std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
   const pugi::xml_parse_result result =
       _document.load_buffer_inplace(_buffer.data(), _buffer.size() + 1, flags, pugi::encoding_utf8);
   if (result) return std::nullopt;
-  if (result.status == pugi::status_out_of_memory) return outOfMemory();
+  if (result.status == pugi::status_out_of_memory) return documentError(DocumentRule::OutOfMemory);
   const XMLPosition position = _source.position(static_cast<std::size_t>(result.offset));
-  return DocumentError{DocumentErrorKind::Malformed, std::string("no tree: ") + result.description(), position};
+  return documentError(DocumentRule::NoTree, {result.description()}, position);
 }
 
 bool PugiTree::hasInternalSubset() const {
@@ -120,7 +120,7 @@ std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
       node = isText(node) ? arrangeText(node, options.keepWhiteSpaceText) : node.next_sibling();
     }
   }
-  if (_outOfMemory) return outOfMemory();
+  if (_outOfMemory) return documentError(DocumentRule::OutOfMemory);
   if (_expansionBound.bytes() <= options.maximumExpandedBytes) return std::nullopt;
   return findOversizedExpansion({*this, root()}, options);
 }
@@ -134,9 +134,8 @@ void PugiTree::boundExpansionOf(pugi::xml_node element, std::size_t depth) {
 }
 
 DocumentError PugiTree::tooDeep(pugi::xml_node element, const LoadOptions& options) const {
-  const std::string limit = std::to_string(options.maximumDepth);
-  return {DocumentErrorKind::TooDeep, "elements are nested deeper than " + limit + " levels",
-          _source.position(offsetOf(element))};
+  return documentError(DocumentRule::TooDeep, {std::to_string(options.maximumDepth)},
+                       _source.position(offsetOf(element)));
 }
 
 pugi::xml_node PugiTree::arrangeText(pugi::xml_node text, bool keepWhiteSpace) {

@@ -27,14 +27,14 @@ class StrictPass {
   [[nodiscard]] std::optional<SyntaxError> run() {
     if (parseWhole(_parser, text())) return std::nullopt;
     if (_refusal) return explained(*_refusal);
-    if (isOutOfMemory(_parser)) return SyntaxError{{}, 0, true};
+    if (isOutOfMemory(_parser)) return SyntaxError{DocumentRule::OutOfMemory};
     return explainedError(_source, XML_GetErrorCode(_parser.get()), offset());
   }
 
  private:
   // Handlers allocate nothing: what they threw would have to pass through the parser.
   struct Refusal {
-    const char* message;  // null for a reference to an unknown entity
+    DocumentRule rule;
     std::size_t offset;
   };
 
@@ -44,8 +44,8 @@ class StrictPass {
   [[nodiscard]] std::size_t offset() const { return currentOffset(_parser); }
 
   [[nodiscard]] SyntaxError explained(const Refusal& refusal) const {
-    if (!refusal.message) return undefinedEntity(text(), refusal.offset);
-    return {refusal.message, refusal.offset};
+    if (refusal.rule == DocumentRule::UnknownEntity) return undefinedEntity(text(), refusal.offset);
+    return {refusal.rule, refusal.offset};
   }
 
   void refuse(const Refusal& refusal) {
@@ -54,21 +54,21 @@ class StrictPass {
   }
 
   // The parser stands somewhere after the keyword that begins the declaration.
-  void refuseDeclaration(std::string_view keyword, const char* message) {
-    refuse({message, text().rfind(keyword, offset())});
+  void refuseDeclaration(std::string_view keyword, DocumentRule rule) {
+    refuse({rule, text().rfind(keyword, offset())});
   }
 
   static void XMLCALL refuseEntityDeclaration(void* userData, const XML_Char* /*name*/, int /*isParameterEntity*/,
                                               const XML_Char* /*value*/, int /*length*/, const XML_Char* /*base*/,
                                               const XML_Char* /*systemId*/, const XML_Char* /*publicId*/,
                                               const XML_Char* /*notation*/) {
-    self(userData).refuseDeclaration("<!ENTITY", "entity declarations are not supported");
+    self(userData).refuseDeclaration("<!ENTITY", DocumentRule::EntityDeclaration);
   }
 
   static void XMLCALL refuseAttributeDeclaration(void* userData, const XML_Char* /*element*/,
                                                  const XML_Char* /*attribute*/, const XML_Char* /*type*/,
                                                  const XML_Char* /*value*/, int /*isRequired*/) {
-    self(userData).refuseDeclaration("<!ATTLIST", "attribute-list declarations are not supported");
+    self(userData).refuseDeclaration("<!ATTLIST", DocumentRule::AttributeListDeclaration);
   }
 
   // Called where something outside the document may declare entities. From there on the parser
@@ -76,7 +76,7 @@ class StrictPass {
   static int XMLCALL expectUnknownReferences(void* userData) {
     StrictPass& pass = self(userData);
     if (pass.text().substr(pass.offset()).starts_with('%')) {
-      pass.refuse({"parameter-entity references are not supported", pass.offset()});
+      pass.refuse({DocumentRule::ParameterEntityReference, pass.offset()});
     }
     XML_SetStartElementHandler(pass._parser.get(), checkReferencesOfTag);
     return XML_STATUS_OK;
@@ -84,14 +84,14 @@ class StrictPass {
 
   static void XMLCALL refuseSkippedReference(void* userData, const XML_Char* /*name*/, int /*isParameterEntity*/) {
     StrictPass& pass = self(userData);
-    pass.refuse({nullptr, pass.offset()});
+    pass.refuse({DocumentRule::UnknownEntity, pass.offset()});
   }
 
   static void XMLCALL checkReferencesOfTag(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
     StrictPass& pass = self(userData);
     const auto length = static_cast<std::size_t>(XML_GetCurrentByteCount(pass._parser.get()));
     const std::size_t at = unknownReference(pass.text().substr(pass.offset(), length));
-    if (at != std::string_view::npos) pass.refuse({nullptr, pass.offset() + at});
+    if (at != std::string_view::npos) pass.refuse({DocumentRule::UnknownEntity, pass.offset() + at});
   }
 
   const SourceText& _source;
@@ -104,8 +104,7 @@ class StrictPass {
 std::optional<DocumentError> findSyntaxError(const SourceText& source) {
   std::optional<SyntaxError> error = StrictPass(source).run();
   if (!error) return std::nullopt;
-  if (error->outOfMemory) return outOfMemory();
-  return DocumentError{DocumentErrorKind::Malformed, std::move(error->message), source.position(error->offset)};
+  return DocumentError{error->rule, std::move(error->message), source.position(error->offset)};
 }
 
 }  // namespace korvex

@@ -72,26 +72,32 @@ class OpenTags {
   std::vector<std::size_t> _offsets;
 };
 
-// "'name', opened on line 3" of the element whose start tag stands at `offset`.
-std::string openedElement(const SourceText& source, std::size_t offset) {
-  return quoted(nameAt(source.text(), offset + 1)) + ", opened on line " + std::to_string(source.position(offset).line);
+// Of the element whose start tag stands at `offset`.
+std::string_view elementNameAt(const SourceText& source, std::size_t offset) {
+  return nameAt(source.text(), offset + 1);
+}
+
+std::string lineOf(const SourceText& source, std::size_t offset) {
+  return std::to_string(source.position(offset).line);
 }
 
 // The parser points at the name in the end tag.
 SyntaxError mismatchedTag(const SourceText& source, std::size_t offset) {
   constexpr std::size_t endTagOpening = 2;
   const OpenTags tags(source.text());
-  if (tags.outOfMemory()) return {{}, 0, true};
-  const std::string tag = "end tag " + quoted(nameAt(source.text(), offset));
-  return {tag + " does not match " + openedElement(source, tags.innermost().value_or(0)), offset - endTagOpening};
+  if (tags.outOfMemory()) return DocumentRule::OutOfMemory;
+  const std::size_t open = tags.innermost().value_or(0);
+  return {DocumentRule::MismatchedEndTag,
+          offset - endTagOpening,
+          {nameAt(source.text(), offset), elementNameAt(source, open), lineOf(source, open)}};
 }
 
 SyntaxError endedTooSoon(const SourceText& source, std::size_t offset) {
   const OpenTags tags(source.text());
-  if (tags.outOfMemory()) return {{}, 0, true};
+  if (tags.outOfMemory()) return DocumentRule::OutOfMemory;
   const std::optional<std::size_t> tag = tags.innermost();
-  if (!tag) return {"no root element", offset};
-  return {"no end tag for " + openedElement(source, *tag), offset};
+  if (!tag) return {DocumentRule::MissingRoot, offset};
+  return {DocumentRule::MissingEndTag, offset, {elementNameAt(source, *tag), lineOf(source, *tag)}};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -99,23 +105,23 @@ SyntaxError endedTooSoon(const SourceText& source, std::size_t offset) {
 
 struct Opening {
   std::string_view text;
-  std::string_view message;
+  DocumentRule unclosed;
 };
 
 constexpr std::array<Opening, 6> openings{{
-    {"<!--", "comment is not closed"},
-    {"<!DOCTYPE", "DOCTYPE is not closed"},
-    {"<?", "processing instruction is not closed"},
-    {"<![", "CDATA section is not closed"},
-    {"<", "tag is not closed"},
-    {"&", "reference is not closed"},
+    {"<!--", DocumentRule::UnclosedComment},
+    {"<!DOCTYPE", DocumentRule::UnclosedDoctype},
+    {"<?", DocumentRule::UnclosedInstruction},
+    {"<![", DocumentRule::UnclosedCDATASection},
+    {"<", DocumentRule::UnclosedTag},
+    {"&", DocumentRule::UnclosedReference},
 }};
 
 SyntaxError unclosedMarkup(const SourceText& source, std::size_t offset) {
   for (const Opening& opening : openings) {
-    if (standsAt(source.text(), offset, opening.text)) return {std::string(opening.message), offset};
+    if (standsAt(source.text(), offset, opening.text)) return {opening.unclosed, offset};
   }
-  return {"markup is not closed", offset};
+  return {DocumentRule::UnclosedMarkup, offset};
 }
 
 // The parser points at the end of the text; the section is the first one that opens after all
@@ -143,7 +149,7 @@ SyntaxError unknownEntity(const SourceText& source, std::size_t offset) {
 }
 
 SyntaxError duplicateAttribute(const SourceText& source, std::size_t offset) {
-  return {"attribute " + quoted(nameAt(source.text(), offset)) + " is given twice", offset};
+  return {DocumentRule::DuplicateAttribute, offset, {nameAt(source.text(), offset)}};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -167,55 +173,53 @@ Explanation controlCharacter(std::string_view text, std::size_t offset) {
   const auto byte = static_cast<unsigned char>(text[offset]);
   const bool isControl = byte < 0x20U || byte == 0x7FU;
   if (!isControl || xmlWhiteSpace.find(text[offset]) != npos) return std::nullopt;
-  return SyntaxError{
-      std::string("control character U+00") + digits[byte >> 4U] + digits[byte & 0xFU] + " is not allowed", offset};
+  const std::string code{digits[byte >> 4U], digits[byte & 0xFU]};
+  return SyntaxError{DocumentRule::ControlCharacter, offset, {code}};
 }
 
 Explanation invalidUTF8(std::string_view text, std::size_t offset) {
   if (!characterAt(text, offset).empty()) return std::nullopt;
-  return SyntaxError{"not valid UTF-8; save the file as UTF-8, or declare what it is, such as encoding=\"ISO-8859-1\"",
-                     offset};
+  return SyntaxError{DocumentRule::InvalidUTF8, offset};
 }
 
 // The two that are no characters and that XML excludes; printed as they are, nobody would see them.
 Explanation noncharacter(std::string_view text, std::size_t offset) {
   const std::string_view character = characterAt(text, offset);
   if (character != "\uFFFE" && character != "\uFFFF") return std::nullopt;
-  return SyntaxError{character == "\uFFFE" ? "character U+FFFE is not allowed" : "character U+FFFF is not allowed",
-                     offset};
+  return SyntaxError{DocumentRule::Noncharacter, offset, {character == "\uFFFE" ? "FFFE" : "FFFF"}};
 }
 
 // An "&" that begins no reference, with what could be its name between it and the offset.
 Explanation bareAmpersand(std::string_view text, std::size_t offset) {
   const std::size_t at = text.substr(0, offset).find_last_of(xmlNameEnds);
   if (at == npos || text[at] != '&') return std::nullopt;
-  return SyntaxError{"'&' does not begin a reference; write &amp;", at};
+  return SyntaxError{DocumentRule::BareAmpersand, at};
 }
 
 Explanation bareLessThan(std::string_view text, std::size_t offset) {
   if (!standsBefore(text, offset, "<")) return std::nullopt;
-  if (text[offset] == '/') return SyntaxError{"end tag without a start tag", offset - 1};
-  return SyntaxError{"'<' does not begin a tag; write &lt; or use a CDATA section", offset - 1};
+  if (text[offset] == '/') return SyntaxError{DocumentRule::MissingStartTag, offset - 1};
+  return SyntaxError{DocumentRule::BareLessThan, offset - 1};
 }
 
 Explanation misplacedLessThan(std::string_view text, std::size_t offset) {
   if (text[offset] != '<') return std::nullopt;
-  return SyntaxError{"'<' is not allowed here", offset};
+  return SyntaxError{DocumentRule::MisplacedLessThan, offset};
 }
 
 Explanation sectionEndInText(std::string_view text, std::size_t offset) {
   if (text[offset] != '>' || !standsBefore(text, offset, "]]")) return std::nullopt;
-  return SyntaxError{"']]>' is not allowed in text; write ]]&gt;", offset - 2};
+  return SyntaxError{DocumentRule::SectionEndInText, offset - 2};
 }
 
 Explanation misplacedWhiteSpace(std::string_view text, std::size_t offset) {
   if (xmlWhiteSpace.find(text[offset]) == npos) return std::nullopt;
-  return SyntaxError{"unexpected white space", offset};
+  return SyntaxError{DocumentRule::MisplacedWhiteSpace, offset};
 }
 
 Explanation dashesInComment(std::string_view text, std::size_t offset) {
   if (!standsBefore(text, offset, "--")) return std::nullopt;
-  return SyntaxError{"'--' is not allowed in a comment", offset - 2};
+  return SyntaxError{DocumentRule::DashesInComment, offset - 2};
 }
 
 using Rule = Explanation (*)(std::string_view, std::size_t);
@@ -257,11 +261,10 @@ SyntaxError unexpectedCharacter(const SourceText& source, std::size_t offset) {
   const std::string_view text = source.text();
   if (Explanation error = firstThatApplies(rulesEverywhere, text, offset)) return *std::move(error);
   const LastMarkup markup(text);
-  if (markup.outOfMemory()) return {{}, 0, true};
-  if (std::optional<std::string> fault = faultInTag(source, markup.offset(), offset))
-    return {*std::move(fault), offset};
+  if (markup.outOfMemory()) return DocumentRule::OutOfMemory;
+  if (Explanation error = faultInTag(source, markup.offset(), offset)) return *std::move(error);
   if (Explanation error = firstThatApplies(rulesOutsideTags, text, offset)) return *std::move(error);
-  return {"unexpected " + quoted(characterAt(text, offset)), offset};
+  return {DocumentRule::UnexpectedCharacter, offset, {characterAt(text, offset)}};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -281,26 +284,24 @@ constexpr std::array<Explainer, 7> explainers{{
     {XML_ERROR_INVALID_TOKEN, unexpectedCharacter},
 }};
 
-struct PlainMessage {
+struct PlainRule {
   XML_Error code;
-  std::string_view message;
+  DocumentRule rule;
 };
 
-constexpr std::array<PlainMessage, 4> plainMessages{{
-    {XML_ERROR_SYNTAX, "unexpected content before the root element"},
-    {XML_ERROR_JUNK_AFTER_DOC_ELEMENT, "unexpected content after the root element"},
-    {XML_ERROR_MISPLACED_XML_PI, "an XML declaration is allowed only at the very start of a document"},
-    {XML_ERROR_PARTIAL_CHAR, "the last character is cut off"},
+constexpr std::array<PlainRule, 4> plainRules{{
+    {XML_ERROR_SYNTAX, DocumentRule::ContentBeforeRoot},
+    {XML_ERROR_JUNK_AFTER_DOC_ELEMENT, DocumentRule::ContentAfterRoot},
+    {XML_ERROR_MISPLACED_XML_PI, DocumentRule::MisplacedDeclaration},
+    {XML_ERROR_PARTIAL_CHAR, DocumentRule::CutOffCharacter},
 }};
 
 }  // namespace
 
 SyntaxError explainedError(const SourceText& source, XML_Error code, std::size_t offset) {
   if (const Explainer* row = rowWith(explainers, &Explainer::code, code)) return row->explain(source, offset);
-  if (const PlainMessage* row = rowWith(plainMessages, &PlainMessage::code, code)) {
-    return {std::string(row->message), offset};
-  }
-  return {XML_ErrorString(code), offset};
+  if (const PlainRule* row = rowWith(plainRules, &PlainRule::code, code)) return {row->rule, offset};
+  return {DocumentRule::NotWellFormed, offset, {XML_ErrorString(code)}};
 }
 
 std::size_t unknownReference(std::string_view markup) {
@@ -310,7 +311,7 @@ std::size_t unknownReference(std::string_view markup) {
 }
 
 SyntaxError undefinedEntity(std::string_view text, std::size_t offset) {
-  return {"entity " + quoted(nameAt(text, offset + 1)) + " is not defined", offset};
+  return {DocumentRule::UnknownEntity, offset, {nameAt(text, offset + 1)}};
 }
 
 }  // namespace korvex

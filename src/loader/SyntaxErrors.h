@@ -4,18 +4,24 @@
 #include <expat.h>
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
+#include "korvex/DocumentError.h"
 #include "korvex/SourceText.h"
+#include "loader/DocumentErrors.h"
 
 namespace korvex {
 
-// One line without a final period, and the byte offset in the text that it is about.
+// What is wrong, and the byte offset in the text that it is about.
 struct SyntaxError {
+  SyntaxError(DocumentRule violated, std::size_t place = 0, std::initializer_list<std::string_view> details = {})
+      : rule(violated), message(documentMessage(violated, details)), offset(place) {}
+
+  DocumentRule rule;  // OutOfMemory when nothing has been found out
   std::string message;
-  std::size_t offset = 0;
-  bool outOfMemory = false;  // then nothing has been found out, and the rest is empty
+  std::size_t offset;
 };
 
 // Explains why Expat refused the text, from its error code and the byte offset where it stopped.

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
+#include <string>
 #include <string_view>
 
 #include "markup/Names.h"
 #include "markup/TagReader.h"
-#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {
@@ -20,29 +21,35 @@ struct TagFault {
   std::string_view attribute;  // the name of the last one
   std::string_view value;      // its value as far as it goes, without quotes
   std::string_view rest;       // of the text, from the character that is out of place
-  std::size_t line;            // where the tag begins
-  std::size_t valueLine;       // where the last value begins
+  std::size_t offset;          // of that character
+  std::string line;            // where the tag begins
+  std::string valueLine;       // where the last value begins
 };
 
-using TagExplanation = std::optional<std::string>;
+using TagExplanation = std::optional<SyntaxError>;
 
-std::string openedOn(std::size_t line) { return ", opened on line " + std::to_string(line) + ','; }
-
-std::string tagOf(const TagFault& fault) {
-  return (fault.tag.isEndTag ? "end tag " : "tag ") + quoted(fault.name) + openedOn(fault.line);
+SyntaxError violated(const TagFault& fault, DocumentRule rule, std::initializer_list<std::string_view> details = {}) {
+  return {rule, fault.offset, details};
 }
 
-std::string attributeOf(const TagFault& fault) { return "attribute " + quoted(fault.attribute); }
+SyntaxError aboutAttribute(const TagFault& fault, DocumentRule rule) {
+  return violated(fault, rule, {fault.attribute});
+}
 
-std::string valueOf(const TagFault& fault) { return "the value of " + quoted(fault.attribute); }
+SyntaxError aboutOpenValue(const TagFault& fault, DocumentRule rule) {
+  return violated(fault, rule, {fault.attribute, fault.valueLine});
+}
 
-std::string notClosed(const TagFault& fault) { return tagOf(fault) + " is not closed with '>'"; }
+SyntaxError notClosed(const TagFault& fault) {
+  const DocumentRule rule = fault.tag.isEndTag ? DocumentRule::UnclosedEndTag : DocumentRule::UnclosedStartTag;
+  return violated(fault, rule, {fault.name, fault.line});
+}
 
 bool isIn(std::string_view set, char character) { return set.find(character) != std::string_view::npos; }
 
 TagExplanation afterAttributeName(const TagFault& fault) {
-  if (isIn("/>", fault.rest.front())) return attributeOf(fault) + " has no value";
-  return attributeOf(fault) + " in " + tagOf(fault) + " has no value: '=' is missing behind it, or '>' before it";
+  if (isIn("/>", fault.rest.front())) return aboutAttribute(fault, DocumentRule::MissingValue);
+  return violated(fault, DocumentRule::MissingEquals, {fault.attribute, fault.name, fault.line});
 }
 
 bool beginsWithTypographicQuote(std::string_view text) {
@@ -51,9 +58,9 @@ bool beginsWithTypographicQuote(std::string_view text) {
 }
 
 TagExplanation beforeValue(const TagFault& fault) {
-  if (isIn("<>", fault.rest.front())) return attributeOf(fault) + " has no value";
-  if (beginsWithTypographicQuote(fault.rest)) return valueOf(fault) + " is in typographic quotes; write \" or '";
-  return valueOf(fault) + " is not in quotes";
+  if (isIn("<>", fault.rest.front())) return aboutAttribute(fault, DocumentRule::MissingValue);
+  const bool typographic = beginsWithTypographicQuote(fault.rest);
+  return aboutAttribute(fault, typographic ? DocumentRule::TypographicQuotes : DocumentRule::MissingQuotes);
 }
 
 // A "<" in a value is either meant, or the next tag after a value without an end.
@@ -61,22 +68,22 @@ TagExplanation inValue(const TagFault& fault) {
   if (fault.rest.front() != '<') return std::nullopt;
   const bool wentOn = fault.value.find_first_of(">\n\r") != std::string_view::npos;
   if ((wentOn && !nameAt(fault.rest, 1).empty()) || fault.rest.starts_with("</")) {
-    return valueOf(fault) + openedOn(fault.valueLine) + " has no closing quote";
+    return aboutOpenValue(fault, DocumentRule::MissingClosingQuote);
   }
-  const std::string opening = wentOn ? openedOn(fault.valueLine) + " before its closing quote" : "";
-  return "'<' is not allowed in " + valueOf(fault) + opening + "; write &lt;";
+  if (wentOn) return aboutOpenValue(fault, DocumentRule::LessThanInOpenValue);
+  return aboutAttribute(fault, DocumentRule::LessThanInValue);
 }
 
 // Where the quote that closes a value is missing, the next one that opens a value closes it.
 TagExplanation afterValue(const TagFault& fault) {
-  if (fault.value.ends_with('=')) return valueOf(fault) + openedOn(fault.valueLine) + " has no closing quote";
+  if (fault.value.ends_with('=')) return aboutOpenValue(fault, DocumentRule::MissingClosingQuote);
   if (isIn(",;", fault.rest.front()))
-    return "attributes are separated by white space, not by " + quoted(fault.rest.substr(0, 1));
+    return violated(fault, DocumentRule::AttributeSeparator, {fault.rest.substr(0, 1)});
   if (nameAt(fault.rest, 0).empty()) return std::nullopt;
-  return "white space is missing behind " + valueOf(fault);
+  return aboutAttribute(fault, DocumentRule::MissingWhiteSpace);
 }
 
-TagExplanation afterSlash(const TagFault& /*fault*/) { return "'/' in a tag stands only before '>'"; }
+TagExplanation afterSlash(const TagFault& fault) { return violated(fault, DocumentRule::MisplacedSlash); }
 
 struct TagExplainer {
   TagState state;
@@ -100,15 +107,16 @@ TagFault faultOf(const Tag& tag, const SourceText& source, std::size_t start, st
           last.name.of(text),
           value.of(text),
           text.substr(offset),
-          source.position(start).line,
-          source.position(value.begin).line};
+          offset,
+          std::to_string(source.position(start).line),
+          std::to_string(source.position(value.begin).line)};
 }
 
 bool isTag(const TagFault& fault) { return !fault.name.empty() && !isIn("!?", fault.name.front()); }
 
 }  // namespace
 
-std::optional<std::string> faultInTag(const SourceText& source, std::size_t start, std::size_t offset) {
+std::optional<SyntaxError> faultInTag(const SourceText& source, std::size_t start, std::size_t offset) {
   const std::string_view markup = source.text().substr(0, offset);
   if (!markup.substr(start).starts_with('<')) return std::nullopt;
   const Tag tag = readTag(markup, start);

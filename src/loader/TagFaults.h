@@ -3,14 +3,14 @@
 
 #include <cstddef>
 #include <optional>
-#include <string>
 
 #include "korvex/SourceText.h"
+#include "loader/SyntaxErrors.h"
 
 namespace korvex {
 
 // Explains the character at `offset`, which is out of place in the markup that begins at `start` and is right up to
 // there. Nothing when that is no tag, or when the character tells nothing of what was meant.
-[[nodiscard]] std::optional<std::string> faultInTag(const SourceText& source, std::size_t start, std::size_t offset);
+[[nodiscard]] std::optional<SyntaxError> faultInTag(const SourceText& source, std::size_t start, std::size_t offset);
 
 }  // namespace korvex

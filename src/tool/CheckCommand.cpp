@@ -8,7 +8,7 @@
 #include <system_error>
 
 #include "checks/DocumentCheck.h"
-#include "checks/RuleNames.h"
+#include "checks/Rules.h"
 #include "korvex/Definition.h"
 #include "korvex/QXDAOPackReader.h"
 #include "korvex/SourceText.h"
@@ -34,7 +34,7 @@ bool holdsWholeSet(const std::vector<std::string>& paths) {
 
 WarningSelection selectionOf(const CheckOptions& options) {
   WarningSelection selection;
-  if (holdsWholeSet(options.paths)) selection.want(*ruleNamed(RuleNames::undefinedMap), true);
+  if (holdsWholeSet(options.paths)) selection.want(ruleOf(Warning::UndefinedMap), true);
   for (const std::string& name : options.warnings) selection.want(*ruleNamed(name), true);
   for (const std::string& name : options.noWarnings) selection.want(*ruleNamed(name), false);
   if (options.warningsAreErrors) selection.takeForErrors();
@@ -69,7 +69,7 @@ class Check {
     const Document::Result result = readDocument(file, _console.in, _options.load);
     if (result.document) {
       checkDocument(path, result);
-    } else if (!blamesDocument(result.error->kind)) {
+    } else if (!blamesDocument(result.error->kind())) {
       addUnreadable({path, result.error->message});
     } else {
       ++_totals.files;
@@ -105,7 +105,7 @@ class Check {
     _report->finish(_totals);
     _console.out.flush();
     if (_unexplained && _options.format == CheckFormat::Text) {
-      _console.err << "korvex-dao explain NAME tells more, such as: korvex-dao explain " << _unexplained->name << '\n';
+      _console.err << "For details: korvex-dao explain " << _unexplained->name << '\n';
     }
     _console.err << counted(_totals.definitions, "definition") << " in " << counted(_totals.files, "file") << ", "
                  << counted(_totals.errors, "error");

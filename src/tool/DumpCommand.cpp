@@ -43,7 +43,7 @@ void printDefinitions(std::ostream& out, const std::vector<Definition>& definiti
 }
 
 ExitCode reportFailure(const std::string& path, const Document::Result& result, std::ostream& err) {
-  if (!blamesDocument(result.error->kind)) {
+  if (!blamesDocument(result.error->kind())) {
     printUnreadable(err, {path, result.error->message});
     return ExitCodeTrouble;
   }

@@ -1,4 +1,4 @@
-// korvex-dao explain: what a rule means, and how to keep it.
+// korvex-dao explain: what a rule means and how to follow it.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,8 @@ namespace korvex {
 enum class ExplainFormat { Text, Markdown };
 
 struct ExplainOptions {
-  std::optional<std::string> what;  // the name of a rule, a message or a finding; absent for a list of all rules
+  std::optional<std::string>
+      what;  // the name of a rule, or a finding that ends with it; absent for a list of all rules
   ExplainFormat format = ExplainFormat::Text;
 };
 

@@ -44,9 +44,7 @@ void printFinding(std::ostream& out, const Finding& finding, const SourceText* s
   const Style& style = color ? colored : colorless;
   printPlace(out, finding.path, finding.position, style);
   printSeverity(out, finding.severity, style);
-  out << style.bold << visibleText(finding.message) << style.plain;
-  if (finding.rule->severity == Severity::Warning) out << " [" << finding.rule->name << ']';
-  out << '\n';
+  out << style.bold << visibleText(finding.message) << style.plain << " [" << finding.rule->name << "]\n";
   if (source) printExcerpt(out, excerptOf(*source, finding.position), style);
   if (!finding.help.empty()) out << style.cyan << "help: " << style.plain << visibleText(finding.help) << '\n';
   for (const Related& related : finding.related) printRelated(out, related, style);

@@ -8,8 +8,8 @@
 
 namespace korvex {
 
-// "path:line:column: error: message" on one line, whatever the message holds, behind a warning's the name of its rule;
-// then the source line and a caret, when there is a source, a line of help, and a line for each related place.
+// "path:line:column: severity: message [rule]" on one line, whatever the message holds; then the source line and a
+// caret, when there is a source, a line of help, and a line for each related place.
 void printFinding(std::ostream& out, const Finding& finding, const SourceText* source, bool color);
 
 }  // namespace korvex

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <system_error>
 
+#include "loader/DocumentErrors.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {
@@ -36,7 +37,7 @@ InputBytes readStream(const std::string& name, std::istream& in) {
 Document::Result readStandardInput(std::istream& in, const LoadOptions& options) {
   std::string bytes = readAll(in, options.maximumBytes);
   if (!in.bad()) return Document::fromBytes(std::move(bytes), options);
-  return {nullptr, DocumentError{DocumentErrorKind::Unreadable, "cannot read standard input", {}}, nullptr};
+  return {nullptr, documentError(DocumentRule::UnreadableInput), nullptr};
 }
 
 }  // namespace

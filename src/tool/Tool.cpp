@@ -33,9 +33,9 @@ constexpr const char* generalFooter = R"(Examples:
   korvex-dao check --help)";
 
 constexpr const char* checkFooter = R"(Prints one finding for each refused definition or malformed document, and for
-what is taken but hardly meant:
-  path:line:column: error: message
-  path:line:column: warning: message [name]
+what is accepted but probably unintended:
+  path:line:column: error: message [rule]
+  path:line:column: warning: message [rule]
 with the source line and a caret below it. Lines and columns count from 1,
 columns in characters (code points).
 
@@ -76,12 +76,11 @@ Exit codes:
   2  wrong usage, an input that cannot be read or a directory without *.xml
      (the others are checked all the same), or an output that cannot be written)";
 
-constexpr const char* explainFooter = R"(Without RULE it lists all rules: name, severity, whether it is on, and how to
-mend what violates it.
+constexpr const char* explainFooter = R"(A finding of check ends with the name of its rule in brackets. Without RULE all
+rules are listed: name, severity, whether it is on, and how to follow it.
 
 Examples:
   korvex-dao explain condition-format
-  korvex-dao explain "Condition 'if' is of wrong format."
   korvex-dao explain
 
 Exit codes:
@@ -212,8 +211,7 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
 
 CLI::App* addExplain(CLI::App& tool, ExplainOptions& options) {
   CLI::App* command = tool.add_subcommand("explain", "Explain a rule, by a wrong and a right example");
-  command->add_option("RULE", options.what, "The name of a rule, or a message or finding that check printed")
-      ->type_name("");
+  command->add_option("RULE", options.what, "The name of a rule, or a finding as check prints it")->type_name("");
   addChoice<ExplainFormat>(*command, "--format", options.format,
                            {{"text", ExplainFormat::Text}, {"markdown", ExplainFormat::Markdown}},
                            "How to print it: text (if not given) or markdown");

@@ -80,7 +80,7 @@ std::string outcomeOf(const char* text, bool strict) {
   LoadOptions options;
   options.strict = strict;
   const Document::Result result = Document::fromBytes(text, options);
-  if (result.error && result.error->kind == DocumentErrorKind::OutOfMemory) throw std::bad_alloc();
+  if (result.error && result.error->rule == DocumentRule::OutOfMemory) throw std::bad_alloc();
   if (result.error) return result.error->message;
   std::string outcome;
   for (const Definition& definition : loadDefinitions(*result.document)) {

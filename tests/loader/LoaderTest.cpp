@@ -126,7 +126,7 @@ void expectFaults(const std::vector<Fault>& cases, const LoadOptions& load) {
     const Document::Result result = Document::fromBytes(bytes, load);
     ASSERT_TRUE(result.error);
     EXPECT_EQ(result.document, nullptr);
-    EXPECT_EQ(result.error->kind, DocumentErrorKind::Malformed);
+    EXPECT_EQ(result.error->kind(), DocumentErrorKind::Malformed);
     EXPECT_EQ(result.error->message, message);
     const XMLPosition position = result.error->position;
     EXPECT_EQ(position, (XMLPosition{line, column})) << "at " << position.line << ":" << position.column;
@@ -278,10 +278,10 @@ TEST(Document, SizeIsLimited) {
   load.maximumBytes = 4;
   EXPECT_TRUE(Document::fromBytes("<a/>", load).document);
   const auto error = Document::fromBytes("<a/>\n", load).error.value();
-  EXPECT_EQ(error.kind, DocumentErrorKind::TooLarge);
+  EXPECT_EQ(error.kind(), DocumentErrorKind::TooLarge);
   EXPECT_EQ(error.message, "document is larger than 4 bytes");
   load.maximumBytes = 1000;  // an endless file is not read to its end
-  EXPECT_EQ(Document::fromFile("/dev/zero", load).error->kind, DocumentErrorKind::TooLarge);
+  EXPECT_EQ(Document::fromFile("/dev/zero", load).error->kind(), DocumentErrorKind::TooLarge);
 }
 
 std::string nested(std::size_t depth) {
@@ -296,7 +296,7 @@ TEST(Document, DepthIsLimited) {
   constexpr std::size_t manyLevels = 300000;
   for (const std::size_t depth : {std::size_t{256}, manyLevels}) {
     const auto error = Document::fromBytes("<d><b/>\n" + nested(depth) + "</d>").error.value();
-    EXPECT_EQ(error.kind, DocumentErrorKind::TooDeep);
+    EXPECT_EQ(error.kind(), DocumentErrorKind::TooDeep);
     EXPECT_EQ(error.message, "elements are nested deeper than 256 levels");
     EXPECT_EQ(error.position, (XMLPosition{2, 255 * 3 + 1}));
   }
@@ -336,12 +336,12 @@ TEST(Document, ExpansionIsLimited) {
     EXPECT_TRUE(Document::fromBytes(document, load).document);
     load.maximumExpandedBytes = bytes - 1;
     const auto error = Document::fromBytes(document, load).error.value();
-    EXPECT_EQ(error.kind, DocumentErrorKind::TooLarge);
+    EXPECT_EQ(error.rule, DocumentRule::ExpansionTooLarge);
     EXPECT_EQ(error.message, "list references expand to more than " + std::to_string(bytes - 1) + " bytes");
     EXPECT_EQ(error.position, position);
   }
   const std::string bomb = repeated("*", 20000).append("',").append(repeated("aaaaaaa,", 20000));
-  EXPECT_EQ(Document::fromBytes("<sql id='s'>%{'" + bomb + "}</sql>").error->kind, DocumentErrorKind::TooLarge);
+  EXPECT_EQ(Document::fromBytes("<sql id='s'>%{'" + bomb + "}</sql>").error->rule, DocumentRule::ExpansionTooLarge);
 }
 
 TEST(Document, Files) {
@@ -360,7 +360,7 @@ TEST(Document, Files) {
   for (const auto& [unreadable, message] : {std::pair(path, "cannot read the file: No such file or directory"),
                                             std::pair(testing::TempDir(), "cannot read the file: Is a directory")}) {
     const Document::Result result = Document::fromFile(unreadable);
-    EXPECT_EQ(result.error.value().kind, DocumentErrorKind::Unreadable);
+    EXPECT_EQ(result.error.value().kind(), DocumentErrorKind::Unreadable);
     EXPECT_EQ(result.error->message, message);
     EXPECT_EQ(result.source, nullptr);
   }

@@ -47,61 +47,27 @@ TEST(Rules, ExamplesViolateTheirRuleAndNoOther) {
   }
 }
 
-TEST(Rules, MessagesLeadToTheirRules) {
-  const Outcome short_ = run({"check", "--format", "short", KORVEX_SOURCE_DIR "/examples/faults.xml"});
-  std::istringstream lines(short_.out);
+TEST(Rules, FindingsLeadToTheirRules) {
+  const std::string out = run({"check", "--format", "short", KORVEX_SOURCE_DIR "/examples/faults.xml"}).out;
+  std::istringstream lines(out);
   std::size_t count = 0;
   for (std::string line; std::getline(lines, line); ++count) {
     const std::string name = line.substr(line.rfind('[') + 1, line.size() - line.rfind('[') - 2);
-    const std::string message = line.substr(0, line.rfind(" ["));
-    for (const std::string& what :
-         {name, line, message, message.substr(message.find(": error: ") + 9), "\n  " + message + "\r\n<select>\n^\n",
-          message.substr(0, message.find_last_not_of('.') + 1)}) {
+    for (const std::string& what : {name, line, "\n  " + line + "\r\n<select>\n^\n"}) {
       const Outcome explained = run({"explain", what});
       EXPECT_TRUE(explained.out.starts_with(name + " (error, always on)\n")) << what << explained.err;
     }
   }
   EXPECT_EQ(count, 34U);
-  for (const char* document : {"",
-                               "<",
-                               "<a>",
-                               "<a></b>",
-                               "<a/><b/>",
-                               "<a b='' b=''/>",
-                               "<a>&x;</a>",
-                               "<a>\x01</a>",
-                               "</a>",
-                               "<a>\xFF</a>",
-                               "<a><!--</a>",
-                               "<a b=<></a>",
-                               "<a>&</a>",
-                               "<a>]]></a>",
-                               "x",
-                               "<a>&#0;</a>",
-                               "<?xml version='1.0' encoding='x'?><a/>",
-                               "<!DOCTYPE a [<!ENTITY b ''>]><a/>",
-                               "< a/>",
-                               "<a b c='d'/>",
-                               "<a b=c/>",
-                               "<a b='c'd='e'/>",
-                               "<a b='c', d='e'/>",
-                               "<a b='c' <d/></a>",
-                               "<a / b>",
-                               "<a>\uFFFE</a>",
-                               "<a b='\n<c d='e'/></a>"}) {
-    const std::string out = run({"check", "-"}, document).out;
-    EXPECT_TRUE(run({"explain", out}).out.starts_with("malformed-document ")) << out;
-  }
 }
 
 TEST(Rules, UnknownOnesAreToldWithAGuess) {
   const std::vector<std::pair<std::string, std::string>> cases = {
       {"conditon-format", "; did you mean 'condition-format'?"},
       {"Condition-Format", "; did you mean 'condition-format'?"},
-      {"\n x\ty [z] \nmore", "no rule and no message 'x\\ty [z]'\n"},
-      {"main.cpp:1:2: error: expected ';' before '}' token", "no message 'main.cpp"},
-      {"", "no message ''\n"},
-      {"Condition 'if' is wrong", "no message 'Condition 'if' is wrong'\n"},
+      {"\n x\ty [z] \nmore", "no rule is called 'x\\ty [z]'\n"},
+      {"main.cpp:1:2: error: expected ';' before '}' token", "no rule is called 'main.cpp"},
+      {"", "no rule is called ''\n"},
   };
   for (const auto& [what, told] : cases) {
     const Outcome outcome = run({"explain", what});

@@ -160,18 +160,18 @@ TEST(Dump, DocumentFailures) {
 TEST(Check, FindingPointsIntoTheLine) {
   const Outcome result = run({"check", "-"}, "<d>\n<update id='u'>\n\té <if/>\n</update><const/></d>");
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.out,
-            "<stdin>:3:4: error: Condition 'if' is of wrong format.\n\té <if/>\n\t  ^\n"
-            "<stdin>:4:10: error: Invalid constant declaration ''.\n</update><const/></d>\n         ^\n");
-  EXPECT_EQ(result.err,
-            "korvex-dao explain NAME tells more, such as: korvex-dao explain condition-format\n"
-            "2 definitions in 1 file, 2 errors\n");
+  EXPECT_EQ(
+      result.out,
+      "<stdin>:3:4: error: Condition 'if' is of wrong format. [condition-format]\n\té <if/>\n\t  ^\n"
+      "<stdin>:4:10: error: Invalid constant declaration ''. [const-format]\n</update><const/></d>\n         ^\n");
+  EXPECT_EQ(result.err, "For details: korvex-dao explain condition-format\n2 definitions in 1 file, 2 errors\n");
 }
 
 TEST(Check, DocumentCannotSpeakToTheTerminal) {
   const std::string xml = "<d><const a='1'>x\n\xC2\x9B\x7F</const></d>";
-  EXPECT_EQ(run({"check", "-"}, xml).out,
-            "<stdin>:1:4: error: Invalid constant declaration 'x\\n\\u009b\\x7f'.\n<d><const a='1'>x\n   ^\n");
+  EXPECT_EQ(
+      run({"check", "-"}, xml).out,
+      "<stdin>:1:4: error: Invalid constant declaration 'x\\n\\u009b\\x7f'. [const-format]\n<d><const a='1'>x\n   ^\n");
   const Json report = Json::parse(run({"check", "--format=json", "-"}, xml).out);
   EXPECT_EQ(report.at("findings").at(0).at("message"), "Invalid constant declaration 'x\n\xC2\x9B\x7F'.");
 }

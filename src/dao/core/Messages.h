@@ -1,54 +1,74 @@
-// Every message of the language, to the letter. "%@" is the one place that is filled.
+// The rules of the language: how each is called and what its violation says, to the letter. "%@" is the one place
+// that is filled.
 #pragma once
 
+#include <array>
 #include <string_view>
 
-namespace korvex::Messages {
+#include "korvex/QXDAORule.h"
+#include "platform/Tables.h"
 
-using Message = std::string_view;
+namespace korvex {
 
-// Any definition
-inline constexpr Message emptyName = "Element name(id attribute) is empty.";
-inline constexpr Message unknownRootTag = "Unknown root node type '%@'.";
+struct RuleText {
+  QXDAORule rule;
+  std::string_view name;     // stays the same from version to version
+  std::string_view message;  // a format
+};
 
-// Children of containers
-inline constexpr Message unknownElement = "Unknown element with type %@.";
-inline constexpr Message misplacedStep = "Step should only exist in 'update', 'insert', 'delete' and cannot be nested.";
-inline constexpr Message misplacedTry = "Try should only exist in 'update', 'insert', 'delete' and cannot be nested.";
-inline constexpr Message misplacedExcept = "EXCEPT block should only exist in TRY block.";
+inline constexpr std::array<RuleText, 30> ruleTexts = {{
+    // Any definition
+    {QXDAORule::MissingName, "missing-name", "Element name(id attribute) is empty."},
+    {QXDAORule::UnknownDefinition, "unknown-definition", "Unknown root node type '%@'."},
 
-// Methods
-inline constexpr Message invalidUpgrade = "Invalid upgrade declaration '%@'.";
-inline constexpr Message invalidArguments = "Cannot resolve argument list of method '%@'.";
-inline constexpr Message undefinedResult = "Result type of select method '%@' is undefined.";
-inline constexpr Message stepsInSelect = "Select method '%@' cannot contain steps.";
-inline constexpr Message besideSteps = "Method '%@' with steps should not have other elements outside step block.";
-inline constexpr Message besideTry = "Method '%@' with try block should not have other elements outside try block.";
-inline constexpr Message invalidMethodForeach = "Cannot resolve foreach attribute of method '%@'";
+    // Children of containers
+    {QXDAORule::UnknownElement, "unknown-element", "Unknown element with type %@."},
+    {QXDAORule::MisplacedStep, "misplaced-step",
+     "Step should only exist in 'update', 'insert', 'delete' and cannot be nested."},
+    {QXDAORule::MisplacedTry, "misplaced-try",
+     "Try should only exist in 'update', 'insert', 'delete' and cannot be nested."},
+    {QXDAORule::MisplacedExcept, "misplaced-except", "EXCEPT block should only exist in TRY block."},
 
-// Try and except blocks
-inline constexpr Message invalidTry = "Try in method '%@' is of wrong format.";
-inline constexpr Message tooManyExcepts = "Try in method '%@' contains too many except block.";
-inline constexpr Message invalidExcept = "Except in method '%@' is of wrong format.";
+    // Methods
+    {QXDAORule::UpgradeFormat, "upgrade-format", "Invalid upgrade declaration '%@'."},
+    {QXDAORule::ArgumentsFormat, "arguments-format", "Cannot resolve argument list of method '%@'."},
+    {QXDAORule::MissingResult, "missing-result", "Result type of select method '%@' is undefined."},
+    {QXDAORule::StepsInSelect, "steps-in-select", "Select method '%@' cannot contain steps."},
+    {QXDAORule::ContentBesideSteps, "content-beside-steps",
+     "Method '%@' with steps should not have other elements outside step block."},
+    {QXDAORule::ContentBesideTry, "content-beside-try",
+     "Method '%@' with try block should not have other elements outside try block."},
+    {QXDAORule::MethodForeachFormat, "method-foreach-format", "Cannot resolve foreach attribute of method '%@'"},
 
-// Fragments
-inline constexpr Message invalidCondition = "Condition '%@' is of wrong format.";
-inline constexpr Message chooseContent = "Condition 'choose' should only contain nodes as 'when' and 'otherwise'.";
-inline constexpr Message foreachParameters = "Foreach parameter list is of wrong format.";
-inline constexpr Message foreachContent = "Foreach should only contain iterator expression as text.";
-inline constexpr Message invalidFragment = "'%@' is of wrong format.";
+    // Try and except blocks
+    {QXDAORule::TryFormat, "try-format", "Try in method '%@' is of wrong format."},
+    {QXDAORule::SecondExcept, "second-except", "Try in method '%@' contains too many except block."},
+    {QXDAORule::ExceptFormat, "except-format", "Except in method '%@' is of wrong format."},
 
-// Sql blocks and constants
-inline constexpr Message reservedSqlName = "Sql block name cannot be '%@'.";
-inline constexpr Message invalidSqlBlock = "Sql block '%@' is of wrong format.";
-inline constexpr Message invalidConst = "Invalid constant declaration '%@'.";
+    // Fragments
+    {QXDAORule::ConditionFormat, "condition-format", "Condition '%@' is of wrong format."},
+    {QXDAORule::ChooseContent, "choose-content",
+     "Condition 'choose' should only contain nodes as 'when' and 'otherwise'."},
+    {QXDAORule::ForeachParameters, "foreach-parameters", "Foreach parameter list is of wrong format."},
+    {QXDAORule::ForeachContent, "foreach-content", "Foreach should only contain iterator expression as text."},
+    {QXDAORule::FragmentFormat, "fragment-format", "'%@' is of wrong format."},
 
-// Maps, crypt properties and packs
-inline constexpr Message invalidCrypt = "Invalid crypt property declaration '%@'.";
-inline constexpr Message emptyMapResult = "Result type of map '%@' cannot be nil.";
-inline constexpr Message invalidMap = "Map '%@' is of wrong format.";
-inline constexpr Message emptyPackColumn = "Invalid column in pack definition.";
-inline constexpr Message emptyPackProperties = "Empty property list for column '%@'.";
-inline constexpr Message tooFewPackProperties = "You must pack at least two properties for column '%@'.";
+    // Sql blocks and constants
+    {QXDAORule::ReservedSqlName, "reserved-sql-name", "Sql block name cannot be '%@'."},
+    {QXDAORule::SqlFormat, "sql-format", "Sql block '%@' is of wrong format."},
+    {QXDAORule::ConstFormat, "const-format", "Invalid constant declaration '%@'."},
 
-}  // namespace korvex::Messages
+    // Maps, crypt properties and packs
+    {QXDAORule::CryptFormat, "crypt-format", "Invalid crypt property declaration '%@'."},
+    {QXDAORule::MissingMapResult, "missing-map-result", "Result type of map '%@' cannot be nil."},
+    {QXDAORule::MapFormat, "map-format", "Map '%@' is of wrong format."},
+    {QXDAORule::MissingPackColumn, "missing-pack-column", "Invalid column in pack definition."},
+    {QXDAORule::MissingPackProperties, "missing-pack-properties", "Empty property list for column '%@'."},
+    {QXDAORule::SinglePackProperty, "single-pack-property", "You must pack at least two properties for column '%@'."},
+}};
+
+[[nodiscard]] constexpr const RuleText& ruleTextOf(QXDAORule rule) {
+  return *rowWith(ruleTexts, &RuleText::rule, rule);
+}
+
+}  // namespace korvex

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOChoose.h"
@@ -13,6 +12,7 @@
 #include "korvex/QXDAOKeyValueFormatter.h"
 #include "korvex/QXDAOMethod.h"
 #include "korvex/QXDAOMethodStep.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/QXDAOText.h"
 #include "korvex/QXDAOTrim.h"
 #include "korvex/QXDAOTry.h"
@@ -52,7 +52,7 @@ struct TagRule {
   std::string_view tag;
   ChildBuilder build;
   HolderTest mayStandIn = anyHolder;
-  Messages::Message misplaced = {};
+  QXDAORule misplaced = {};  // what it violates elsewhere
 };
 
 // The tag table: every element that may stand inside another one, and where. Filled by the
@@ -66,9 +66,9 @@ constexpr std::array<TagRule, 12> tagTable = {{
     {C_WHERE, buildPlain<QXDAOTrim>},
     {C_SET, buildPlain<QXDAOTrim>},
     {C_TRIM, buildPlain<QXDAOTrim>},
-    {C_STEP, buildLinked<QXDAOMethodStep, QXDAOMethod>, holderIs<QXDAOMethod>, Messages::misplacedStep},
-    {C_TRY, buildLinked<QXDAOTry, QXDAOMethod>, holderIs<QXDAOMethod>, Messages::misplacedTry},
-    {C_EXCEPT, buildLinked<QXDAOExcept, QXDAOTry>, holderIs<QXDAOTry>, Messages::misplacedExcept},
+    {C_STEP, buildLinked<QXDAOMethodStep, QXDAOMethod>, holderIs<QXDAOMethod>, QXDAORule::MisplacedStep},
+    {C_TRY, buildLinked<QXDAOTry, QXDAOMethod>, holderIs<QXDAOMethod>, QXDAORule::MisplacedTry},
+    {C_EXCEPT, buildLinked<QXDAOExcept, QXDAOTry>, holderIs<QXDAOTry>, QXDAORule::MisplacedExcept},
     {C_FORMAT, buildPlain<QXDAOKeyValueFormatter>},
 }};
 
@@ -97,11 +97,11 @@ bool QXDAOContainerElement::appendElement(const XMLNode& node, QXDAOElementList&
   const OptionalStringView tag = node.name();
   const TagRule* rule = rowWith(tagTable, &TagRule::tag, tag);
   if (!rule) {
-    setError(filledFormat(Messages::unknownElement, tag), node);
+    setError(QXDAORule::UnknownElement, tag, node);
     return false;
   }
   if (!rule->mayStandIn(*this)) {
-    setError(std::string(rule->misplaced), node);
+    setError(rule->misplaced, {}, node);
     return false;
   }
   children.push_back(rule->build(node, *this));

@@ -10,6 +10,7 @@
 #include "korvex/QXDAOMap.h"
 #include "korvex/QXDAOMethod.h"
 #include "korvex/QXDAOPack.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/QXDAOSqlBlock.h"
 #include "platform/Tables.h"
 
@@ -64,6 +65,7 @@ std::unique_ptr<QXDAOElement> QXDAOElement::elementWithXML(const XMLNode& xml, s
 QXDAOError QXDAOElement::takenError(const XMLNode& xml) {
   QXDAOError error;
   error.domain = QXDAO_ERROR_DOMAIN;
+  error.rule = _error->rule;
   error.userInfo.emplace("error", std::move(_error->message));
   error.userInfo.emplace("xml", xml);
   error.origin = _error->origin ? _error->origin : xml;
@@ -79,19 +81,19 @@ void QXDAOElement::initNamedElementWithXML(const XMLNode& xml) {
   _name = {};
   _error.reset();
   if (xml.kind() == XMLNodeKind::Element) _name = CompactString(xml.valueOfAttribute(C_ID));
-  if (isEmpty(name())) setError(std::string(Messages::emptyName));
+  if (isEmpty(name())) setError(QXDAORule::MissingName);
 }
 
-void QXDAOElement::setError(std::string message, const XMLNode& origin) {
-  _error = std::make_unique<Failure>(Failure{std::move(message), origin});
+void QXDAOElement::setError(QXDAORule rule, OptionalStringView quoted, const XMLNode& origin) {
+  _error = std::make_unique<Failure>(Failure{rule, filledFormat(ruleTextOf(rule).message, quoted), origin});
 }
 
-void QXDAOElement::setErrorWithName(std::string_view format) { setError(filledFormat(format, name())); }
+void QXDAOElement::setErrorWithName(QXDAORule rule) { setError(rule, name()); }
 
 bool QXDAOElement::adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML) {
   if (!child.failed()) return false;
-  const Failure& failure = *child._error;
-  setError(failure.message, failure.origin ? failure.origin : childXML);
+  _error = std::make_unique<Failure>(*child._error);
+  if (!_error->origin) _error->origin = childXML;
   return true;
 }
 

@@ -1,5 +1,6 @@
 #include "korvex/QXDAOError.h"
 
+#include "dao/core/Messages.h"
 #include "korvex/QXDAOElement.h"
 
 namespace korvex {
@@ -13,6 +14,8 @@ const T* entryOf(const QXDAOError& error, std::string_view key) {
 }
 
 }  // namespace
+
+std::string_view nameOf(QXDAORule rule) { return ruleTextOf(rule).name; }
 
 std::string_view QXDAOError::message() const {
   const auto* message = entryOf<std::string>(*this, "error");

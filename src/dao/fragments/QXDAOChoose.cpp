@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
-#include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOContainerElement.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 
 namespace korvex {
 
@@ -43,14 +43,14 @@ XMLNode nodeOfChild(const XMLNode& xml, const QXDAOElementList& children, QXDAOE
 void QXDAOChoose::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
   if (xml.hasAttributes()) {
-    setError(filledFormat(Messages::invalidCondition, C_CHOOSE));
+    setError(QXDAORule::ConditionFormat, C_CHOOSE);
     return;
   }
   processNodes(xml);
   if (failed()) return;
   const QXDAOElementList& list = *children();
   const auto offender = firstOffender(list);
-  if (offender != list.end()) setError(std::string(Messages::chooseContent), nodeOfChild(xml, list, offender));
+  if (offender != list.end()) setError(QXDAORule::ChooseContent, {}, nodeOfChild(xml, list, offender));
 }
 
 }  // namespace korvex

@@ -4,9 +4,9 @@
 #include <numeric>
 #include <utility>
 
-#include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 #include "platform/Tables.h"
 
 namespace korvex {
@@ -48,7 +48,7 @@ void QXDAOCondition::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
   _type = typeOfTag(xml.name());
   if (!readCondition(xml)) {
-    setError(filledFormat(Messages::invalidCondition, xml.name()));
+    setError(QXDAORule::ConditionFormat, xml.name());
     return;
   }
   processNodes(xml);

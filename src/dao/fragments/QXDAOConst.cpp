@@ -1,14 +1,14 @@
 #include "korvex/QXDAOConst.h"
 
-#include "dao/core/Messages.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/QXDAOText.h"
 
 namespace korvex {
 
 void QXDAOConst::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
-  if (!readDeclaration(xml)) setError(filledFormat(Messages::invalidConst, xml.stringValue()));
+  if (!readDeclaration(xml)) setError(QXDAORule::ConstFormat, xml.stringValue());
 }
 
 bool QXDAOConst::readDeclaration(const XMLNode& xml) {

@@ -2,10 +2,10 @@
 
 #include <array>
 
-#include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/QXDAOText.h"
 #include "platform/Tables.h"
 
@@ -40,7 +40,7 @@ constexpr std::array<ForeachAttribute, 6> foreachAttributes = {{
 void QXDAOForeach::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
   readAttributes(xml);
-  if (isEmpty(item()) || isEmpty(collection())) setError(std::string(Messages::foreachParameters));
+  if (isEmpty(item()) || isEmpty(collection())) setError(QXDAORule::ForeachParameters);
   if (failed()) return;
   readText(xml);
 }
@@ -49,7 +49,7 @@ void QXDAOForeach::readAttributes(const XMLNode& xml) {
   for (const XMLAttribute& attribute : xml.attributes()) {
     const ForeachAttribute* known = rowWith(foreachAttributes, &ForeachAttribute::name, attribute.name());
     if (!known) {
-      setError(std::string(Messages::foreachParameters));
+      setError(QXDAORule::ForeachParameters);
       return;
     }
     known->store(*this, attribute.stringValue());
@@ -58,7 +58,7 @@ void QXDAOForeach::readAttributes(const XMLNode& xml) {
 
 void QXDAOForeach::readText(const XMLNode& xml) {
   const PlainText gathered = plainTextOf(xml, [](std::string_view piece) { return piece; });
-  if (gathered.offender()) setError(std::string(Messages::foreachContent), nodeAtFault(gathered.offender(), xml));
+  if (gathered.offender()) setError(QXDAORule::ForeachContent, {}, nodeAtFault(gathered.offender(), xml));
   _text = QXDAOText::elementWithText(spaceNewLineTabBothEndsTrimmed(gathered.text()));
 }
 

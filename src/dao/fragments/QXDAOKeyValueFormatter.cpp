@@ -1,8 +1,8 @@
 #include "korvex/QXDAOKeyValueFormatter.h"
 
-#include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 
 namespace korvex {
 
@@ -13,7 +13,7 @@ void QXDAOKeyValueFormatter::initWithXML(const XMLNode& xml) {
   setPairs(pairs);
   setJoin(join);
   if (isEmpty(prefix) || isEmpty(pairs) || isEmpty(join)) {
-    setError(filledFormat(Messages::invalidFragment, xml.name()));
+    setError(QXDAORule::FragmentFormat, xml.name());
   }
 }
 

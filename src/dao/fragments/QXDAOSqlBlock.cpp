@@ -1,9 +1,9 @@
 #include "korvex/QXDAOSqlBlock.h"
 
-#include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 #include "korvex/QXDAOText.h"
 
 namespace korvex {
@@ -19,7 +19,7 @@ void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
   QXDAOElement::initNamedElementWithXML(xml);
   if (failed()) return;
   if (isReservedName(*name())) {
-    setError(filledFormat(Messages::reservedSqlName, C_RESERVED_TABLE));
+    setError(QXDAORule::ReservedSqlName, C_RESERVED_TABLE);
     return;
   }
   readText(xml);
@@ -28,8 +28,7 @@ void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
 // Each piece of text is trimmed on its own; comments between pieces leave nothing behind.
 void QXDAOSqlBlock::readText(const XMLNode& xml) {
   const PlainText gathered = plainTextOf(xml, spaceNewLineTabBothEndsTrimmed);
-  if (gathered.offender())
-    setError(filledFormat(Messages::invalidSqlBlock, name()), nodeAtFault(gathered.offender(), xml));
+  if (gathered.offender()) setError(QXDAORule::SqlFormat, name(), nodeAtFault(gathered.offender(), xml));
   _text = QXDAOText::elementWithText(gathered.text());
 }
 

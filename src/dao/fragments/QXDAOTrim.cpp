@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 #include "platform/Tables.h"
 
 namespace korvex {
@@ -59,7 +59,7 @@ void QXDAOTrim::readTrim(const XMLNode& xml) {
   const auto [prefix, prefixes, suffixes] = xml.valuesOfAttributes(C_PREFIX, C_PREFIX_OVERRIDES, C_SUFFIX_OVERRIDES);
   setOperationName(prefix);
   if (isEmpty(prefix) || (isEmpty(prefixes) && isEmpty(suffixes))) {
-    setError(filledFormat(Messages::invalidFragment, xml.name()));
+    setError(QXDAORule::FragmentFormat, xml.name());
     return;
   }
   _prefixOverrides = overridesOf(prefixes);

@@ -1,14 +1,14 @@
 #include "korvex/QXDAOCryptProperty.h"
 
-#include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 
 namespace korvex {
 
 void QXDAOCryptProperty::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
-  if (!validCryptDescription(xml)) setError(filledFormat(Messages::invalidCrypt, xml.stringValue()));
+  if (!validCryptDescription(xml)) setError(QXDAORule::CryptFormat, xml.stringValue());
 }
 
 bool QXDAOCryptProperty::validCryptDescription(const XMLNode& xml) {

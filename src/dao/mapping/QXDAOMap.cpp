@@ -1,9 +1,9 @@
 #include "korvex/QXDAOMap.h"
 
-#include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 
 namespace korvex {
 
@@ -12,7 +12,7 @@ void QXDAOMap::initNamedElementWithXML(const XMLNode& xml) {
   if (failed()) return;
   setResultClass(xml.valueOfAttribute(C_RESULT));
   if (isEmpty(resultClass())) {
-    setErrorWithName(Messages::emptyMapResult);
+    setErrorWithName(QXDAORule::MissingMapResult);
     return;
   }
   readColumns(xml);
@@ -23,7 +23,7 @@ void QXDAOMap::readColumns(const XMLNode& xml) {
   for (const XMLNode& node : xml.children()) {
     if (node.kind() == XMLNodeKind::Comment) continue;
     if (!readColumn(node)) {
-      setError(filledFormat(Messages::invalidMap, name()), nodeAtFault(node, xml));
+      setError(QXDAORule::MapFormat, name(), nodeAtFault(node, xml));
       return;
     }
   }

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAORule.h"
 
 namespace korvex {
 
@@ -17,9 +17,9 @@ constexpr std::size_t fewestProperties = 2;
 void QXDAOPack::initWithXML(const XMLNode& xml) {
   QXDAOElement::initWithXML(xml);
   setColumn(spaceBothEndsTrimmed(xml.valueOfAttribute(C_AS)));
-  if (isEmpty(column())) setError(std::string(Messages::emptyPackColumn));
+  if (isEmpty(column())) setError(QXDAORule::MissingPackColumn);
   const OptionalStringView properties = xml.valueOfAttribute(C_PROPERTIES);
-  if (isEmpty(properties)) setError(filledFormat(Messages::emptyPackProperties, column()));
+  if (isEmpty(properties)) setError(QXDAORule::MissingPackProperties, column());
   if (failed()) return;
   readPropertyList(*properties);
   if (failed()) return;
@@ -31,7 +31,7 @@ void QXDAOPack::initWithXML(const XMLNode& xml) {
 void QXDAOPack::readPropertyList(std::string_view properties) {
   const auto count = 1 + static_cast<std::size_t>(std::count(properties.begin(), properties.end(), ','));
   if (count < fewestProperties) {
-    setError(filledFormat(Messages::tooFewPackProperties, column()));
+    setError(QXDAORule::SinglePackProperty, column());
     return;
   }
   _propertyList.emplace();

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 
-#include "dao/core/Messages.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOContainerElement.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOMethodArgument.h"
 #include "korvex/QXDAOMethodStep.h"
+#include "korvex/QXDAORule.h"
 #include "platform/NumberScanner.h"
 #include "platform/Tables.h"
 
@@ -48,7 +48,7 @@ QXDAOMethodArgument argumentOf(std::string_view declaration) {
 void QXDAOMethod::initNamedElementWithXML(const XMLNode& xml) {
   if (xml.name() == C_UPGRADE) {
     QXDAOElement::initWithXML(xml);
-    if (!readUpgradeDeclaration(xml)) setError(filledFormat(Messages::invalidUpgrade, xml.stringValue()));
+    if (!readUpgradeDeclaration(xml)) setError(QXDAORule::UpgradeFormat, xml.stringValue());
   } else {
     QXDAOElement::initNamedElementWithXML(xml);
   }
@@ -86,7 +86,7 @@ void QXDAOMethod::decideOperation(const XMLNode& xml) {
   if (const OperationTag* row = rowWith(operationTags, &OperationTag::tag, xml.name())) {
     _operation = row->operation;
   } else {
-    setError(filledFormat(Messages::unknownRootTag, xml.name()));
+    setError(QXDAORule::UnknownDefinition, xml.name());
   }
 }
 
@@ -98,7 +98,7 @@ void QXDAOMethod::readArguments(const XMLNode& xml) {
   while (rest) {
     const std::string_view declaration = spaceBothEndsTrimmed(takePiece(rest, ','));
     if (declaration.empty()) {
-      setErrorWithName(Messages::invalidArguments);
+      setErrorWithName(QXDAORule::ArgumentsFormat);
       return;
     }
     list.push_back(argumentOf(declaration));
@@ -123,9 +123,9 @@ void QXDAOMethod::checkStepElements() {
       list.begin(), list.end(), [](const auto& child) { return child->kind() == QXDAOElementKindMethodStep; }));
   if (stepCount == 0) return;
   if (_operation == QXDAOOperationSelect) {
-    setErrorWithName(Messages::stepsInSelect);
+    setErrorWithName(QXDAORule::StepsInSelect);
   } else if (stepCount != list.size()) {
-    setErrorWithName(Messages::besideSteps);
+    setErrorWithName(QXDAORule::ContentBesideSteps);
   } else if (stepCount == 1) {
     setChildren(QXDAOElementCast<QXDAOMethodStep>(list.front().get())->takeChildren());
   } else {
@@ -134,7 +134,7 @@ void QXDAOMethod::checkStepElements() {
 }
 
 void QXDAOMethod::checkTryBlock() {
-  if (_tryBlock && children()->size() != 1) setErrorWithName(Messages::besideTry);
+  if (_tryBlock && children()->size() != 1) setErrorWithName(QXDAORule::ContentBesideTry);
 }
 
 void QXDAOMethod::readForeach(const XMLNode& xml) {
@@ -142,7 +142,7 @@ void QXDAOMethod::readForeach(const XMLNode& xml) {
   if (isEmpty(declaration)) return;
   readBoolean(resumable, _foreachResumable);
   _foreach = readForeachNames(*declaration);
-  if (!_foreach) setErrorWithName(Messages::invalidMethodForeach);
+  if (!_foreach) setErrorWithName(QXDAORule::MethodForeachFormat);
 }
 
 // "collection.item": the collection is an argument, and no argument has the name of the item.

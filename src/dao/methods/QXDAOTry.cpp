@@ -1,9 +1,9 @@
 #include "korvex/QXDAOTry.h"
 
-#include "dao/core/Messages.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOExcept.h"
 #include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAORule.h"
 
 namespace korvex {
 
@@ -12,7 +12,7 @@ void QXDAOTry::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
   _parentMethod = parentMethod;
   _parentMethod->setTryBlock(true);
   if (xml.hasAttributes()) {
-    setError(filledFormat(Messages::invalidTry, _parentMethod->name()));
+    setError(QXDAORule::TryFormat, _parentMethod->name());
     return;
   }
   processNodes(xml);
@@ -20,7 +20,7 @@ void QXDAOTry::initWithXML(const XMLNode& xml, QXDAOMethod* parentMethod) {
     _exceptElement = nullptr;  // destroyed with the children of the failed walk
     return;
   }
-  if (!endsWithExcept()) setError(filledFormat(Messages::invalidTry, _parentMethod->name()));
+  if (!endsWithExcept()) setError(QXDAORule::TryFormat, _parentMethod->name());
 }
 
 bool QXDAOTry::endsWithExcept() const {

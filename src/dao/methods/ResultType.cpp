@@ -2,10 +2,10 @@
 // keyword, ":" and the name of a result map, or a class name. Nothing is trimmed.
 #include <array>
 
-#include "dao/core/Messages.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAORule.h"
 #include "platform/Tables.h"
 
 namespace korvex {
@@ -36,7 +36,7 @@ QXDAOSelectResultType typeOfWord(std::string_view word) {
 
 void QXDAOMethod::decideResultType(OptionalStringView declaration) {
   if (isEmpty(declaration)) {
-    setErrorWithName(Messages::undefinedResult);
+    setErrorWithName(QXDAORule::MissingResult);
     return;
   }
   std::string_view result = *declaration;
