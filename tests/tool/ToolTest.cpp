@@ -32,57 +32,6 @@ Json dumped(const std::string& definition) {
   return Json::parse(result.out).at(0).at("element");
 }
 
-TEST(Dump, JsonOfEveryDefinition) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"<sql id='a'> x\n</sql>",
-       R"({"class":"QXDAOSqlBlock","name":"a","text":{"class":"QXDAOText","name":null,"expression":"x"}})"},
-      {"<const A='%{\"*\"}'/>",
-       R"({"class":"QXDAOConst","name":"A","text":{"class":"QXDAOText","name":null,"expression":"%{\"*\"}"}})"},
-      {"<map id='m' result='P'><result column='b' property='x'/><result column='é' property='y'/>"
-       "<result column='B' property='z'/></map>",
-       R"({"class":"QXDAOMap","name":"m","resultClass":"P","columnPropertyMap":{"B":"z","b":"x","é":"y"}})"},
-      {"<crypt class='P' property='p'/>",
-       R"({"class":"QXDAOCryptProperty","name":null,"className":"P","propertyName":"p"})"},
-      {"<pack as='i' properties='a, b' crypt='true'/>",
-       R"({"class":"QXDAOPack","name":null,"crypted":true,"column":"i","propertyList":["a","b"]})"},
-      {"<select id='s' result='[:m]' arguments='$a, b' parallel='true' foreach='a.i'>x</select>",
-       R"({"class":"QXDAOMethod","name":"s","operation":"QXDAOOperationSelect","profile":false,)"
-       R"("resultType":"QXDAOSelectResultTypeMappedObject","resultArrayed":true,"assignedTable":false,)"
-       R"("resultTypeName":"m","arguments":[{"name":"a","notNull":true},{"name":"b","notNull":false}],)"
-       R"("steped":false,"tryBlock":false,"parallel":true,"foreach":true,"foreachResumable":false,)"
-       R"("foreachItemName":"i","foreachCollection":"a","toVersion":0.0,)"
-       R"("children":[{"class":"QXDAOText","name":null,"expression":"x"}]})"},
-  };
-  for (const auto& [xml, json] : cases) EXPECT_EQ(dumped(xml).dump(), json) << xml;
-}
-
-TEST(Dump, JsonOfEveryChild) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"<if true=' a > 1 '/>",
-       R"({"class":"QXDAOCondition","name":null,"type":"QXDAOConditionTypeIf",)"
-       R"("evaluateAsTrue":true,"expression":"a > 1","tokenList":["a",">","1"],"children":[]})"},
-      {"<choose><otherwise/></choose>",
-       R"({"class":"QXDAOChoose","name":null,"children":[{"class":"QXDAOCondition","name":null,)"
-       R"("type":"QXDAOConditionTypeOtherwise","evaluateAsTrue":false,"expression":null,"tokenList":null,)"
-       R"("children":[]}]})"},
-      {"<foreach item='i' collection='c' open=''/>",
-       R"({"class":"QXDAOForeach","name":null,"item":"i","collection":"c","open":"","separator":null,"close":null,)"
-       R"("text":{"class":"QXDAOText","name":null,"expression":""},"reverse":false})"},
-      {"<set onVoid='quit'/>",
-       R"({"class":"QXDAOTrim","name":null,"operationName":"set","prefixOverrides":[],"suffixOverrides":[","],)"
-       R"("onVoid":"QXDAOTrimOnVoidTypeQuit","children":[]})"},
-      {"<format prefix='p' pairs='q' join='j'/>",
-       R"({"class":"QXDAOKeyValueFormatter","name":null,"prefix":"p","pairs":"q","join":"j"})"},
-      {"<step resumable='1'/><step/>", R"({"class":"QXDAOMethodStep","name":null,"resumable":true,"children":[]})"},
-      {"<try><except/></try>", R"({"class":"QXDAOTry","name":null,"children":[)"
-                               R"({"class":"QXDAOExcept","name":null,"children":[]}]})"},
-  };
-  for (const auto& [xml, json] : cases) {
-    const Json method = dumped("<update id='u'>" + std::string(xml) + "</update>");
-    EXPECT_EQ(method.at("children").at(0).dump(), json) << xml;
-  }
-}
-
 TEST(Dump, VersionsReadBackExactly) {
   for (const double version : {0.1, 1e300, 5e-324, 16777217.0, 1.0000000000000002}) {
     std::ostringstream xml;
@@ -99,47 +48,6 @@ TEST(Dump, EntriesStandInDocumentOrder) {
   EXPECT_TRUE(result.out.starts_with("[\n  {\n    \"tag\": \"const\",\n    \"line\": 2,\n    \"element\": {\n"));
   EXPECT_EQ(Json::parse(result.out).at(1).dump(),
             R"({"tag":"nope","line":3,"error":"Unknown root node type 'nope'."})");
-}
-
-TEST(Dump, TreeShowsTheLanguage) {
-  const Outcome result = run({"dump", "--format", "tree", "-"}, R"(<d>
-<select id='find' result='[:row]' arguments='$a, b' profile='1'>
-  SELECT *
-    FROM t <!-- two texts -->
-  WHERE
-  <where onVoid='ignoreAfter'><if false='b &amp;&amp; a == "&#10;"'>x</if></where>
-  <foreach item='i' collection='a' open='(' reverse='1'>:i</foreach>
-</select>
-<upgrade toVersion='1.5'><try>x<except/></try></upgrade>
-<update id='u' arguments='l' foreach='l.i' resumable='1'>x</update>
-<map id='m' result='P'><result column='b' property='x'/></map>
-<crypt class='P' property='p'/><pack as='i' properties='a, b'/>
-<sql id='q'/><map id='bad'/>
-</d>)");
-  EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.out, R"(line 2: select find($a, b) -> [:row] profile
-  text | SELECT *
-       | FROM t
-  text | WHERE
-  trim "where" prefixOverrides=["AND ", "OR ", "and ", "or "] onVoid=ignoreAfter
-    if false="b && a == "\n""
-      text | x
-  foreach i in a open="(" reverse
-    text | :i
-line 9: upgrade to 1.5 tryBlock
-  try
-    text | x
-    except
-line 10: update u(l) foreach="l.i" resumable
-  text | x
-line 11: map m -> P
-  b -> x
-line 12: crypt P.p
-line 12: pack i (a, b)
-line 13: sql q
-  text |
-line 13: map: error: Result type of map 'bad' cannot be nil.
-)");
 }
 
 TEST(Dump, DocumentFailures) {
