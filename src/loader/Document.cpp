@@ -62,18 +62,17 @@ class Document::Implementation {
   [[nodiscard]] const SourceText& source() const { return *_source; }
 
  private:
-  // Without the strict pass its rules for a DOCTYPE hold all the same, and it still explains what
-  // the fast parser stumbles over.
+  // The strict parser judges, and explains, whatever the fast one refuses or the quick check leaves open. Its rules for
+  // a DOCTYPE hold for every document.
   std::optional<DocumentError> build(const LoadOptions& options) {
-    if (options.strict) {
-      if (auto error = findSyntaxError(*_source)) return error;
-    }
-    auto parseError = _tree.parse(options);
-    if (parseError && parseError->rule == DocumentRule::OutOfMemory) return parseError;
-    if (!options.strict && (parseError || _tree.hasInternalSubset())) {
-      if (auto error = findSyntaxError(*_source)) return error;
-    }
-    return parseError ? std::move(parseError) : _tree.arrange(options);
+    std::optional<DocumentError> error = _tree.parse(options);
+    const bool parsed = !error;
+    if (parsed) error = _tree.arrange(options);
+    if (error && error->rule == DocumentRule::OutOfMemory) return error;
+    const bool settled = options.strict ? !error && _tree.isSurelyWellFormed() : parsed && !_tree.hasInternalSubset();
+    if (settled) return error;
+    std::optional<DocumentError> syntaxError = findSyntaxError(*_source);
+    return syntaxError ? std::move(syntaxError) : std::move(error);
   }
 
   std::shared_ptr<const SourceText> _source;

@@ -86,7 +86,10 @@ std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
   // The string's own zero at the end is part of the buffer: the parser wants to write one there.
   const pugi::xml_parse_result result =
       _document.load_buffer_inplace(_buffer.data(), _buffer.size() + 1, flags, pugi::encoding_utf8);
-  if (result) return std::nullopt;
+  if (result) {
+    if (options.strict) _wellFormedness.emplace(_source.text(), _buffer.data());
+    return std::nullopt;
+  }
   if (result.status == pugi::status_out_of_memory) return documentError(DocumentRule::OutOfMemory);
   const XMLPosition position = _source.position(static_cast<std::size_t>(result.offset));
   return documentError(DocumentRule::NoTree, {result.description()}, position);
@@ -113,11 +116,15 @@ std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
       --depth;
     } else if (node.type() == pugi::node_element) {
       if (++depth > options.maximumDepth) return tooDeep(node, options);
+      checkWellFormedness(node);
       boundExpansionOf(node, depth);
       parent = node;
       node = node.first_child();
+    } else if (isText(node)) {
+      node = arrangeText(node, options.keepWhiteSpaceText);
     } else {
-      node = isText(node) ? arrangeText(node, options.keepWhiteSpaceText) : node.next_sibling();
+      checkWellFormedness(node);
+      node = node.next_sibling();
     }
   }
   if (_outOfMemory) return documentError(DocumentRule::OutOfMemory);
@@ -150,6 +157,7 @@ pugi::xml_node PugiTree::arrangeRun(pugi::xml_node first, bool keepWhiteSpace) {
   std::size_t begin = offsetOf(first);
   pugi::xml_node last;
   for (pugi::xml_node text = first; isText(text); text = text.next_sibling()) {
+    if (isCDATA(text)) checkWellFormedness(text);
     if (isCDATA(text) && !isPCDATA(last)) {
       const std::string_view before = whiteSpaceBefore(offsetOf(text), keepWhiteSpace);
       joined += withLineFeeds(before);

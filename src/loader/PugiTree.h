@@ -13,6 +13,7 @@
 #include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
 #include "loader/ExpansionLimit.h"
+#include "loader/WellFormedness.h"
 
 namespace korvex {
 
@@ -24,9 +25,12 @@ class PugiTree final : public XMLTree {
   PugiTree(const PugiTree&) = delete;
   PugiTree& operator=(const PugiTree&) = delete;
 
-  // Parses the text, whose being well-formed is not checked in full.
+  // Parses the text. Much that is not well-formed is accepted.
   [[nodiscard]] std::optional<DocumentError> parse(const LoadOptions& options);
-  // Whether the DOCTYPE brings declarations of its own.
+  // Whether the text that was parsed and arranged is certainly well-formed. False leaves it open. Once, and only when
+  // the options were strict.
+  [[nodiscard]] bool isSurelyWellFormed() { return _wellFormedness && _wellFormedness->isCertain(_document); }
+  // Whether the DOCTYPE has declarations of its own.
   [[nodiscard]] bool hasInternalSubset() const;
   // Makes each run of text and CDATA between other markup one text node, takes away those of white
   // space only, and refuses elements that are nested too deeply and texts that expand to too much.
@@ -51,6 +55,9 @@ class PugiTree final : public XMLTree {
  private:
   // The element's own share in the bound: that of a constant's text, which is an attribute.
   void boundExpansionOf(pugi::xml_node element, std::size_t depth);
+  void checkWellFormedness(pugi::xml_node node) {
+    if (_wellFormedness) _wellFormedness->add(node);
+  }
   // Both give the node that comes after in the same element.
   [[nodiscard]] pugi::xml_node arrangeText(pugi::xml_node text, bool keepWhiteSpace);
   // Joins a run of texts with CDATA in it, and the white space around the CDATA. That alone is no
@@ -68,7 +75,8 @@ class PugiTree final : public XMLTree {
   const SourceText& _source;
   std::string _buffer;  // parsed in place: names and values of the tree are pieces of it
   pugi::xml_document _document;
-  bool _holdsCDATA = false;  // without any, no two texts are neighbours
+  std::optional<WellFormedness> _wellFormedness;  // looked at while the tree is arranged
+  bool _holdsCDATA = false;                       // without any, no two texts are neighbours
   // Where texts begin that were joined, whose values are not in the buffer any more.
   std::unordered_map<NodeHandle, std::size_t> _joinedTexts;
   bool _outOfMemory = false;  // a joined text could not be kept
