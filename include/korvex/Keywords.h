@@ -1,6 +1,7 @@
 // The keywords of the language: tags, attributes and the attribute values that are reserved.
 #pragma once
 
+#include <array>
 #include <string_view>
 
 namespace korvex {
@@ -56,5 +57,16 @@ inline constexpr std::string_view C_RESUMABLE = "resumable";
 inline constexpr std::string_view C_PACK = "pack";
 inline constexpr std::string_view C_PROPERTIES = "properties";
 inline constexpr std::string_view C_AS = "as";
+
+// The tags of definitions, the elements right below the root, in the order of docs/language.md.
+inline constexpr std::array definitionTags{C_SELECT, C_UPDATE, C_INSERT, C_DELETE, C_UPGRADE,
+                                           C_SQL,    C_CONST,  C_MAP,    C_CRYPT,  C_PACK};
+
+[[nodiscard]] constexpr bool isDefinitionTag(std::string_view tag) {
+  for (const std::string_view definition : definitionTags) {
+    if (tag == definition) return true;
+  }
+  return false;
+}
 
 }  // namespace korvex

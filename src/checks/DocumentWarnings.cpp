@@ -146,7 +146,8 @@ void findIgnoredContent(const XMLNode& node, const ElementEntry& element, Warnin
   if (element.content != Content::PassedOver) return;
   for (const XMLNode& child : node.children()) {
     if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
-    const std::size_t begin = list.places().source().text().find_first_not_of(" \t\r\n", list.places().offsetOf(child));
+    const std::size_t begin =
+        list.places().source().text().find_first_not_of(xmlWhiteSpace, list.places().offsetOf(child));
     list.add(Warning::IgnoredContent, node, list.places().spanAt(begin),
              "what stands in " + quoted(element.tag) + " is passed over");
     return;
@@ -197,14 +198,9 @@ constexpr std::array<DefinitionRule, 10> definitionRules = {{
     {C_UPGRADE, findLostResumable},
 }};
 
-bool isDefinition(std::string_view tag) {
-  const auto tags = definitionTags();
-  return std::find(tags.begin(), tags.end(), tag) != tags.end();
-}
-
 void findInElement(const XMLNode& node, const ElementEntry* holder, bool built, WarningList& list) {
   const ElementEntry* element = vocabularyEntryOf(node.name().value_or(std::string_view()));
-  if (!element || (holder && isDefinition(element->tag))) return;  // has an error
+  if (!element || (holder && isDefinitionTag(element->tag))) return;  // has an error
   findUnreadAttributes(node, *element, list);
   findDoubtfulValues(node, *element, list);
   findIgnoredContent(node, *element, list);
@@ -219,7 +215,7 @@ void findInElement(const XMLNode& node, const ElementEntry* holder, bool built, 
 }  // namespace
 
 void findWarningsIn(const Definition& definition, WarningList& list) {
-  if (!isDefinition(definition.tag())) return;
+  if (!isDefinitionTag(definition.tag())) return;
   list.setDefinition(definition);
   findInElement(definition.xml, nullptr, definition.element != nullptr, list);
   for (const DefinitionRule& rule : definitionRules) {

@@ -16,12 +16,9 @@ namespace {
 
 std::string_view tagOf(const XMLNode& node) { return node.name().value_or(std::string_view()); }
 
-std::string hintAtDefinition(const XMLNode& node) { return didYouMean(tagOf(node), definitionTags()); }
+std::string hintAtDefinition(const XMLNode& node) { return didYouMean(tagOf(node), definitionTags); }
 
-bool isFragment(const ElementEntry& element) {
-  const auto tags = definitionTags();
-  return element.tag != C_RESULT && std::find(tags.begin(), tags.end(), element.tag) == tags.end();
-}
+bool isFragment(const ElementEntry& element) { return element.tag != C_RESULT && !isDefinitionTag(element.tag); }
 
 // An element that there is stands in the wrong place: its tag is meant.
 std::string hintAtElement(const XMLNode& node) {
@@ -67,8 +64,7 @@ std::string hintAtAttributes(const XMLNode& node) {
 
 // Every definition of an unknown tag lacks its name first of all.
 std::string hintAtName(const XMLNode& node) {
-  const auto tags = definitionTags();
-  if (std::find(tags.begin(), tags.end(), tagOf(node)) != tags.end()) return hintAtAttributes(node);
+  if (isDefinitionTag(tagOf(node))) return hintAtAttributes(node);
   const std::string meant = hintAtDefinition(node);
   return std::string("no definition is called '").append(tagOf(node)) + (meant.empty() ? "'" : "'; ") + meant;
 }

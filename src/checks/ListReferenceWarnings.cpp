@@ -13,6 +13,7 @@
 #include "korvex/QXDAOPackReader.h"
 #include "korvex/QXDAOText.h"
 #include "korvex/XMLNode.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {
@@ -35,7 +36,7 @@ std::size_t openingOutsideQuotes(std::string_view text) {
 // ---------------------------------------------------------------------------------------------
 // References that were written out, and took text away with them
 
-bool isBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+bool isBlank(std::string_view text) { return text.find_first_not_of(xmlWhiteSpace) == std::string_view::npos; }
 
 // What is wrong with a reference whose parts do not make up all of it; empty when nothing is. Text before and behind
 // the format is passed over, and without entries the format itself is.

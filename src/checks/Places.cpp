@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/Strings.h"
+
 namespace korvex {
 
 namespace {
@@ -14,7 +16,7 @@ bool isWrittenAs(std::string_view written, std::string_view value, std::vector<s
   std::size_t at = 0;
   for (std::size_t offset = 0; offset < value.size(); ++offset) {
     if (at == written.size()) return false;
-    const bool space = value[offset] == ' ' && std::string_view("\t\r\n").find(written[at]) != std::string_view::npos;
+    const bool space = value[offset] == ' ' && written[at] != ' ' && isXMLWhiteSpace(written[at]);
     if (!space && written[at] != value[offset]) return false;
     const bool longBreak = space && written.substr(at).starts_with("\r\n");
     if (longBreak) longBreaks.push_back(offset);

@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <optional>
 
+#include "platform/Strings.h"
+
 namespace korvex {
 
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\r\n";
-
 // Takes a word and the white space around it off the text; false when the text does not begin with it.
 bool takeWord(std::string_view& text, std::string_view word) {
-  text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+  text.remove_prefix(std::min(text.find_first_not_of(xmlWhiteSpace), text.size()));
   if (!text.starts_with(word)) return false;
   text.remove_prefix(word.size());
   return true;
@@ -23,9 +23,9 @@ std::optional<std::string_view> nameIn(std::string_view comment) {
   constexpr std::size_t closing = 3;
   comment = comment.substr(opening, comment.size() - opening - closing);
   if (!takeWord(comment, "korvex:") || !takeWord(comment, "allow")) return std::nullopt;
-  const std::size_t begin = comment.find_first_not_of(whiteSpace);
+  const std::size_t begin = comment.find_first_not_of(xmlWhiteSpace);
   if (begin == 0 || begin == std::string_view::npos) return std::nullopt;
-  return comment.substr(begin, comment.find_last_not_of(whiteSpace) + 1 - begin);
+  return comment.substr(begin, comment.find_last_not_of(xmlWhiteSpace) + 1 - begin);
 }
 
 const Rule* warningNamed(std::string_view name) {
@@ -35,7 +35,7 @@ const Rule* warningNamed(std::string_view name) {
 
 // Where the next markup begins when nothing but white space is before it.
 std::size_t markupBehind(const Places& places, std::size_t offset) {
-  return places.source().text().find_first_not_of(whiteSpace, offset);
+  return places.source().text().find_first_not_of(xmlWhiteSpace, offset);
 }
 
 }  // namespace

@@ -14,8 +14,6 @@ using Words = std::string_view;
 // ---------------------------------------------------------------------------------------------
 // What may stand inside
 
-constexpr std::array definitions{C_SELECT, C_UPDATE, C_INSERT, C_DELETE, C_UPGRADE,
-                                 C_SQL,    C_CONST,  C_MAP,    C_CRYPT,  C_PACK};
 constexpr std::array inSelect{C_IF, C_CHOOSE, C_FOREACH, C_WHERE, C_SET, C_TRIM, C_FORMAT, C_TRY};
 constexpr std::array inChange{C_IF, C_CHOOSE, C_FOREACH, C_WHERE, C_SET, C_TRIM, C_FORMAT, C_STEP, C_TRY};
 constexpr std::array inFragment{C_IF, C_CHOOSE, C_FOREACH, C_WHERE, C_SET, C_TRIM, C_FORMAT};
@@ -205,7 +203,5 @@ const AttributeEntry* attributeEntryOf(const ElementEntry& element, std::string_
 }
 
 std::span<const std::string_view> toleratedTags() { return tolerated; }
-
-std::span<const std::string_view> definitionTags() { return definitions; }
 
 }  // namespace korvex

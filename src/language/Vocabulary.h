@@ -76,7 +76,4 @@ struct ElementEntry {
 // The tags of elements that are not refused beside text and other elements, though nobody means them to stand there.
 [[nodiscard]] std::span<const std::string_view> toleratedTags();
 
-// The tags of the elements that are definitions.
-[[nodiscard]] std::span<const std::string_view> definitionTags();
-
 }  // namespace korvex

@@ -1,5 +1,4 @@
-#include <algorithm>
-#include <array>
+#include <string_view>
 #include <utility>
 
 #include "korvex/Definition.h"
@@ -13,13 +12,6 @@ namespace korvex {
 
 namespace {
 
-constexpr std::array definitionTags{C_SQL,    C_MAP,    C_CONST,  C_CRYPT,  C_PACK,
-                                    C_SELECT, C_UPDATE, C_INSERT, C_DELETE, C_UPGRADE};
-
-bool isDefinition(const XMLNode& element) {
-  return std::find(definitionTags.begin(), definitionTags.end(), element.name()) != definitionTags.end();
-}
-
 Definition definitionFrom(const XMLNode& xml) {
   std::optional<QXDAOError> error;
   std::unique_ptr<QXDAOElement> element = QXDAOElement::elementWithXML(xml, &error);
@@ -31,7 +23,7 @@ Definition definitionFrom(const XMLNode& xml) {
 std::vector<Definition> loadDefinitions(const Document& document) {
   std::vector<Definition> definitions;
   const XMLNode root = document.root();
-  if (isDefinition(root)) {
+  if (isDefinitionTag(root.name().value_or(std::string_view()))) {
     definitions.push_back(definitionFrom(root));
     return definitions;
   }

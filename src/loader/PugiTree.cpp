@@ -59,12 +59,8 @@ bool isText(pugi::xml_node node) { return typeOf(node).kind == XMLNodeKind::Text
 bool isPCDATA(pugi::xml_node node) { return node.type() == pugi::node_pcdata; }
 bool isCDATA(pugi::xml_node node) { return node.type() == pugi::node_cdata; }
 
-bool isWhiteSpace(char character) {
-  return character == ' ' || character == '\t' || character == '\r' || character == '\n';
-}
-
 bool isWhiteSpace(const char* text) {
-  while (isWhiteSpace(*text)) ++text;
+  while (isXMLWhiteSpace(*text)) ++text;
   return *text == '\0';
 }
 

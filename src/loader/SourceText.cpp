@@ -4,14 +4,13 @@
 #include <functional>
 
 #include "korvex/QXDAOPackReader.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 
 namespace {
 
 constexpr std::size_t blockLength = 1024;
-
-bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 // Every byte but those that continue a UTF-8 character.
 std::size_t characterCount(std::string_view text) {

@@ -12,6 +12,7 @@
 #include "lsp/Descriptions.h"
 #include "lsp/Navigation.h"
 #include "lsp/Place.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex::lsp {
@@ -27,10 +28,7 @@ constexpr int itemKindReference = 18;
 constexpr int plainText = 1;
 constexpr int snippet = 2;
 
-constexpr std::string_view whiteSpace = " \t\r\n";
 constexpr std::array<std::string_view, 2> yesAndNo = {"true", "false"};
-
-bool isWhiteSpace(char character) { return whiteSpace.find(character) != std::string_view::npos; }
 
 std::string tabStop(int number) { return std::string("$").append(std::to_string(number)); }
 
@@ -146,7 +144,7 @@ class Completer {
  private:
   // Behind white space only: words of a text are nobody's attempt at an element.
   void addNewElements(const MarkupElement* holder) {
-    const bool apart = _offset == 0 || isWhiteSpace(_text[_offset - 1]) || _text[_offset - 1] == '>';
+    const bool apart = _offset == 0 || isXMLWhiteSpace(_text[_offset - 1]) || _text[_offset - 1] == '>';
     if (!holder || !_wishes.untyped || !apart) return;
     for (const ElementEntry* element : childrenOf(*holder)) {
       const std::string tag = inAngle(element->tag);
@@ -161,7 +159,7 @@ class Completer {
     const MarkupElement* holder = _markup.parentOf(tag);
     const bool hasRest = isClosed(tag) || std::any_of(tag.attributes.begin(), tag.attributes.end(),
                                                       [](const MarkupAttribute& some) { return some.value; });
-    for (const ElementEntry* element : holder ? childrenOf(*holder) : entriesOf(definitionTags())) {
+    for (const ElementEntry* element : holder ? childrenOf(*holder) : entriesOf(definitionTags)) {
       Json& item = addItem(element->tag, itemKindClass, descriptionOf(*element));
       setEdit(item, tag.name, element->tag, _wishes.snippets && !hasRest ? elementSnippet(*element) : "");
     }
@@ -170,14 +168,14 @@ class Completer {
   void addEndTag(const MarkupElement& element, Span word) {
     if (element.name.begin == element.name.end) return;
     const std::string name(_markup.nameOf(element));
-    const std::size_t next = std::min(_text.find_first_not_of(whiteSpace, word.end), _text.size());
+    const std::size_t next = std::min(_text.find_first_not_of(xmlWhiteSpace, word.end), _text.size());
     const bool ended = next < _text.size() && _text[next] == '>';
     setEdit(addItem(name, itemKindClass, ""), word, ended ? name : name + ">", "");
   }
 
   void addAttributes(const Place& place, Span word) {
     const ElementEntry* element = vocabularyEntryOf(_markup.nameOf(*place.element));
-    if (!element || !isWhiteSpace(_text[word.begin - 1])) return;
+    if (!element || !isXMLWhiteSpace(_text[word.begin - 1])) return;
     const bool inserted = word.begin == word.end;
     const auto isTaken = [&](std::string_view name) {
       return std::any_of(place.element->attributes.begin(), place.element->attributes.end(),
@@ -245,13 +243,8 @@ class Completer {
   // Right below the root, whatever that is called, stand definitions.
   [[nodiscard]] std::vector<const ElementEntry*> childrenOf(const MarkupElement& holder) const {
     const ElementEntry* entry = vocabularyEntryOf(_markup.nameOf(holder));
-    if (!_markup.parentOf(holder) && !isDefinition(entry)) return entriesOf(definitionTags());
+    if (!_markup.parentOf(holder) && !(entry && isDefinitionTag(entry->tag))) return entriesOf(definitionTags);
     return entry ? entriesOf(entry->children) : std::vector<const ElementEntry*>();
-  }
-
-  [[nodiscard]] static bool isDefinition(const ElementEntry* entry) {
-    const std::span<const std::string_view> tags = definitionTags();
-    return entry && std::find(tags.begin(), tags.end(), entry->tag) != tags.end();
   }
 
   [[nodiscard]] static std::vector<const ElementEntry*> entriesOf(std::span<const std::string_view> tags) {

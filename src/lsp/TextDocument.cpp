@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/Strings.h"
+
 namespace korvex::lsp {
 
 namespace {
 
 constexpr std::size_t bytesOfBlock = 1024;
-
-bool beginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
 
 // The UTF-16 units of a character, told by its first byte.
 std::size_t unitsOf(char firstByte) { return static_cast<unsigned char>(firstByte) >= 0xF0U ? 2 : 1; }
@@ -17,12 +17,12 @@ std::size_t unitsOf(char firstByte) { return static_cast<unsigned char>(firstByt
 // Of the characters that begin in the text.
 std::size_t countUnits(std::string_view text) {
   std::size_t units = 0;
-  for (const char byte : text) units += beginsCharacter(byte) ? unitsOf(byte) : 0;
+  for (const char byte : text) units += continuesCharacter(byte) ? 0 : unitsOf(byte);
   return units;
 }
 
 std::size_t beginOfCharacter(std::string_view text, std::size_t at) {
-  while (at < text.size() && !beginsCharacter(text[at])) ++at;
+  while (at < text.size() && continuesCharacter(text[at])) ++at;
   return at;
 }
 

@@ -19,6 +19,10 @@ namespace korvex {
 // What XML counts as white space.
 inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 
+[[nodiscard]] constexpr bool isXMLWhiteSpace(char character) {
+  return xmlWhiteSpace.find(character) != std::string_view::npos;
+}
+
 // The text in single quotes, for a message.
 [[nodiscard]] inline std::string quoted(std::string_view text) { return std::string("'").append(text).append("'"); }
 
@@ -56,6 +60,11 @@ inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 // Copies a text to where there is room for it, if every byte is one of 1 to 127. Otherwise false; what the room then
 // holds is undefined.
 [[nodiscard]] KORVEX_EXPORT bool copyASCIIWithoutZero(std::string_view text, char* room);
+
+// Whether a byte of UTF-8 is not the first of its character.
+[[nodiscard]] constexpr bool continuesCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
 
 // True when every byte belongs to a whole, shortest-form character that is no surrogate (RFC 3629).
 [[nodiscard]] KORVEX_EXPORT bool isValidUTF8(std::string_view text);

@@ -1,5 +1,6 @@
 #include <array>
 
+#include "korvex/Keywords.h"
 #include "schema/Writers.h"
 
 namespace korvex::schema {
@@ -105,7 +106,7 @@ Node definitionOf(const Element& element) {
 
 Node choiceOfDefinitions(Node first) {
   Node choice{"choice", {}, {std::move(first)}};
-  for (const std::string_view tag : definitionTags()) choice.children.push_back(reference(tag));
+  for (const std::string_view tag : definitionTags) choice.children.push_back(reference(tag));
   return choice;
 }
 
@@ -113,7 +114,7 @@ Node definitionOfRoot(std::string_view tag) {
   Node node{"element"};
   if (!tag.empty()) node.attributes.emplace_back("name", tag);
   document(node, rootDocumentation);
-  if (tag.empty()) node.children.push_back(anyNameBut(definitionTags()));
+  if (tag.empty()) node.children.push_back(anyNameBut(definitionTags));
   node.children.push_back(otherAttributes({}, false));
   Node choice = choiceOfDefinitions({"text"});
   choice.children.push_back(reference(elementElsewhere));

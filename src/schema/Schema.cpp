@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "korvex/Keywords.h"
 #include "schema/Writers.h"
 
 namespace korvex::schema {
@@ -40,7 +41,7 @@ bool mayFollow(char character) {
 std::string schemaText(Format format, std::string_view root) { return schemas[static_cast<std::size_t>(format)](root); }
 
 bool mayBeRoot(std::string_view tag) {
-  const auto definitions = definitionTags();
+  const auto definitions = definitionTags;
   return !tag.empty() && mayBegin(tag.front()) && std::all_of(tag.begin(), tag.end(), mayFollow) &&
          std::find(definitions.begin(), definitions.end(), tag) == definitions.end();
 }

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "korvex/Keywords.h"
 #include "schema/Writers.h"
 
 namespace korvex::schema {
@@ -167,7 +168,7 @@ Node typeOfNothing() {
 
 Node typeOfRoot() {
   Node choice{"xs:choice", {{"minOccurs", "0"}, {"maxOccurs", "unbounded"}}};
-  for (const std::string_view tag : definitionTags()) choice.children.push_back(declaration(tag, tag));
+  for (const std::string_view tag : definitionTags) choice.children.push_back(declaration(tag, tag));
   choice.children.push_back(anyElementOf("##other"));
   return {"xs:complexType",
           {{"name", std::string(rootType)}, {"mixed", "true"}},
@@ -179,7 +180,7 @@ Node typeOfRoot() {
 Node xmlSchema(const std::vector<Element>& elements, std::string_view root) {
   Node schema{"xs:schema", {{"xmlns:xs", "http://www.w3.org/2001/XMLSchema"}}};
   schema.children.push_back(declaration(root.empty() ? exampleRoot : root, rootType));
-  for (const std::string_view tag : definitionTags()) schema.children.push_back(declaration(tag, tag));
+  for (const std::string_view tag : definitionTags) schema.children.push_back(declaration(tag, tag));
   schema.children.push_back(typeOfRoot());
   for (const Element& element : elements) schema.children.push_back(typeOf(element));
   schema.children.push_back(typeOfNothing());

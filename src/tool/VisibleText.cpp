@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "platform/Strings.h"
+
 namespace korvex {
 namespace {
 
@@ -60,8 +62,6 @@ constexpr Range wide[] = {
     {0x1F900, 0x1FAFF},  // supplementary pictographs
     {0x20000, 0x3FFFD},  // CJK ideographs, extensions
 };
-
-bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 template <std::size_t count>
 bool isAmong(const Range (&ranges)[count], char32_t character) {
@@ -133,14 +133,14 @@ void appendVisible(std::string& text, std::string_view character) {
 
 std::string_view firstCharacter(std::string_view text) {
   std::size_t length = 1;
-  while (length < text.size() && isContinuation(text[length])) ++length;
+  while (length < text.size() && continuesCharacter(text[length])) ++length;
   return text.substr(0, length);
 }
 
 std::string_view withoutCharacters(std::string_view text, std::size_t count) {
   std::size_t offset = 0;
   for (; offset < text.size(); ++offset) {
-    if (offset > 0 && isContinuation(text[offset])) continue;
+    if (offset > 0 && continuesCharacter(text[offset])) continue;
     if (count-- == 0) break;
   }
   return text.substr(offset);
@@ -148,7 +148,7 @@ std::string_view withoutCharacters(std::string_view text, std::size_t count) {
 
 std::size_t startOfCharacterBefore(std::string_view text, std::size_t end) {
   std::size_t start = end - 1;
-  while (start > 0 && isContinuation(text[start])) --start;
+  while (start > 0 && continuesCharacter(text[start])) --start;
   return start;
 }
 
