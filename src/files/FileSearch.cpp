@@ -7,8 +7,6 @@
 #include <system_error>
 #include <utility>
 
-#include "korvex/QXDAOPackReader.h"
-
 namespace korvex {
 namespace {
 

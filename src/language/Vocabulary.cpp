@@ -3,7 +3,6 @@
 #include <array>
 
 #include "korvex/Keywords.h"
-#include "korvex/QXDAOElement.h"
 
 namespace korvex {
 

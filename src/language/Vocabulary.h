@@ -6,8 +6,6 @@
 #include <span>
 #include <string_view>
 
-#include "korvex/QXDAOPackReader.h"
-
 namespace korvex {
 
 enum class ValueKind {

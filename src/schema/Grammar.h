@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "korvex/QXDAOPackReader.h"
 #include "language/Vocabulary.h"
 
 namespace korvex::schema {

@@ -7,8 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "korvex/QXDAOPackReader.h"
-
 namespace korvex::schema {
 
 enum class Format { RelaxNgCompact, RelaxNg, XmlSchema };
