@@ -2,10 +2,13 @@
 set(KORVEX_PACKAGE_CONTACT "Developers of Korvex DAO <developers@korvex.invalid>"
   CACHE STRING "Whom users of the packages turn to")
 
-install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/korvex-dao RENAME changelog COMPONENT Tool)
-install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libkorvex-dao-dev RENAME changelog COMPONENT Development)
+foreach(package_component "korvex-dao Tool" "libkorvex-dao-dev Development")
+  separate_arguments(package_component)
+  list(POP_FRONT package_component package component)
+  set(documents ${CMAKE_INSTALL_DATADIR}/doc/${package})
+  install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${documents} RENAME changelog COMPONENT ${component})
+  install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${documents} RENAME copyright COMPONENT ${component})
+endforeach()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME korvex-dao)
