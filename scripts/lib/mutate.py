@@ -1,9 +1,13 @@
 """Breaks the core in single places and tells which of the changes no test notices; see scripts/mutate.
 
-The places are chosen by rule, the same ones for the same sources: every file of the core has its share,
-spread over its lines. A change that does not compile says nothing of the tests and is not counted.
+The places are drawn from all that the sources offer, the same ones for the same seed. A change that does not compile
+says nothing of the tests and is not counted. Several changes are tried at once, each in a copy of its own.
 """
 
+import argparse
+import os
+import queue
+import random
 import re
 import resource
 import shutil
@@ -11,20 +15,29 @@ import subprocess
 import sys
 import time
 from collections import Counter
+from concurrent.futures import ThreadPoolExecutor, as_completed
 from pathlib import Path
 from typing import NamedTuple
 
 ROOT = Path(__file__).resolve().parents[2]
-CORE = ("src/dao", "src/evaluator", "src/platform", "include/korvex")
+COPIES = ROOT / "build/mutants"
 NOT_COPIED = ("build", ".git")
-TREE = ROOT / "build/mutants/tree"
-BUILD = ROOT / "build/mutants/build"
 EXPLAINED = ROOT / "scripts/mutants.txt"
-TESTS = ("platform_tests", "evaluator_tests", "dao_tests", "loader_tests", "tool_tests")  # the last one is slow
 
-USUAL_COUNT = 150
-WANTED_RATE = 0.9
-TEST_SECONDS = 20  # a test program takes one or two; a change can make it run for ever
+# The test programs that can notice a change, by the folder that it is in; those that are likelier to come first.
+ABOVE_DAO = ("markup_tests", "loader_tests")
+TESTS = {
+    "src/platform": ("platform_tests", "dao_tests", *ABOVE_DAO),
+    "src/evaluator": ("evaluator_tests", "dao_tests"),
+    "src/dao": ("dao_tests", "own_evaluator_tests", *ABOVE_DAO),
+    "src/loader": ("loader_tests", "allocation_tests"),
+    "src/markup": ("markup_tests", "loader_tests"),
+    "include": ("dao_tests", "platform_tests", "evaluator_tests", *ABOVE_DAO),
+}
+EVERY_TEST = sorted({test for tests in TESTS.values() for test in tests})
+
+WANTED_RATE = 0.95
+TEST_SECONDS = 60  # a test program takes a few; a change can make it run for ever
 TEST_BYTES = 4 << 30  # or take all memory there is
 
 
@@ -36,6 +49,9 @@ class Mutant(NamedTuple):
 
     def key(self):
         return self.file, self.before.strip(), self.after.strip()
+
+    def tests(self):
+        return next(tests for folder, tests in TESTS.items() if self.file.startswith(folder + "/"))
 
     def diff(self):
         return f"{self.file}\n- {self.before.strip()}\n+ {self.after.strip()}".rstrip()
@@ -58,6 +74,8 @@ STEP = re.compile(r"\+\+|--")
 NUMBER = re.compile(r"(?<![\w.<])(?:0x[0-9A-Fa-f]+|\d+)(?=U?[,;:)\]} ]|U?$)(?!>)")
 NOT = re.compile(r"!(?=[\w(])")
 TRUTH = re.compile(r"\b(?:true|false)\b")
+CONDITION = re.compile(r"(?<=\bif \()[^()]*(?:\([^()]*\)[^()]*)*(?=\) )")
+ARGUMENTS = re.compile(r"(?<=[\w>]\()([\w.]+), ([\w.]+)(?=\))")
 TABLE_SIZE = re.compile(r"std::array<[^>]*>")
 # A call, an assignment, a step, a break, and an if with what it does: each whole on its line.
 STATEMENT = re.compile(
@@ -78,6 +96,8 @@ CHANGES = (
     (NUMBER, moved_by_one),
     (NOT, lambda sign: ""),
     (TRUTH, lambda word: "false" if word == "true" else "true"),
+    (CONDITION, lambda condition: f"!({condition})"),
+    (ARGUMENTS, lambda pair: ", ".join(reversed(pair.split(", ")))),
 )
 
 
@@ -94,7 +114,8 @@ def changes_of(code, before, starts_statement):
     found = []
     for pattern, change in CHANGES:
         for match in pattern.finditer(code):
-            found.append((match.start(), before[: match.start()] + change(match.group()) + before[match.end() :]))
+            piece = before[match.start() : match.end()]
+            found.append((match.start(), before[: match.start()] + change(piece) + before[match.end() :]))
     statement = STATEMENT.match(code)
     if statement and starts_statement:
         found.append((statement.start(1), ""))
@@ -115,20 +136,9 @@ def mutants_of(file):
     return mutants
 
 
-def spread(items, count):
-    """`count` of the items at equal distances, or all of them."""
-    if count >= len(items):
-        return items
-    return [items[(2 * at + 1) * len(items) // (2 * count)] for at in range(count)]
-
-
-def chosen_mutants(count):
-    """Each file has a share by the number of its places, but one at least."""
-    files = [path for room in CORE for path in (ROOT / room).rglob("*") if path.suffix in (".h", ".cpp")]
-    places = [mutants_of(path.relative_to(ROOT).as_posix()) for path in sorted(files)]
-    every = sum(len(mutants) for mutants in places)
-    shares = [max(1, round(count * len(mutants) / every)) for mutants in places]
-    return every, [mutant for mutants, share in zip(places, shares) for mutant in spread(mutants, share)]
+def every_mutant():
+    files = sorted(path for folder in TESTS for path in (ROOT / folder).rglob("*") if path.suffix in (".h", ".cpp"))
+    return [mutant for path in files for mutant in mutants_of(path.relative_to(ROOT).as_posix())]
 
 
 # ----------------------------------------------------------------------------------------------
@@ -143,27 +153,8 @@ def copy_if_changed(source, target):
     shutil.copyfile(source, target)
 
 
-def copy_tree():
-    for source in ROOT.iterdir():
-        if source.name in NOT_COPIED:
-            continue
-        for path in [source] if source.is_file() else source.rglob("*"):
-            if path.is_file():
-                copy_if_changed(path, TREE / path.relative_to(ROOT))
-
-
 def ran(command, **options):
     return subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options)
-
-
-def configure():
-    """The preset debug, but for the time that its debug information takes."""
-    flags = ["-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS", "-DKORVEX_BUILD_TESTS=ON"]
-    return ran(["cmake", "-S", TREE, "-B", BUILD, *flags])
-
-
-def build(test):
-    return ran(["cmake", "--build", BUILD, "--parallel", "2", "--target", test])
 
 
 def limit_memory():
@@ -171,33 +162,56 @@ def limit_memory():
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
-def passes(test):
-    command = [BUILD / "tests" / test, "--gtest_brief=1", "--gtest_fail_fast"]
-    try:
-        return ran(command, timeout=TEST_SECONDS, preexec_fn=limit_memory).returncode == 0
-    except subprocess.TimeoutExpired:
-        return False
+class Copy:
+    """A copy of the sources with a build of its own, in which one change at a time is tried."""
 
+    def __init__(self, number):
+        self.tree = COPIES / str(number) / "tree"
+        self.build_folder = COPIES / str(number) / "build"
 
-def outcome():
-    for test in TESTS:
-        if build(test).returncode != 0:
-            return "does not compile"
-        if not passes(test):
-            return "killed"
-    return "survived"
+    def prepare(self):
+        """Whether the unchanged sources build and pass."""
+        for source in ROOT.iterdir():
+            if source.name in NOT_COPIED:
+                continue
+            for path in [source] if source.is_file() else source.rglob("*"):
+                if path.is_file():
+                    copy_if_changed(path, self.tree / path.relative_to(ROOT))
+        flags = ["-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -D_GLIBCXX_ASSERTIONS",
+                 "-DKORVEX_BUILD_TESTS=ON", "-DKORVEX_EXCEPTIONS=ON"]
+        if shutil.which("ccache"):
+            flags.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
+        configured = ran(["cmake", "-S", self.tree, "-B", self.build_folder, *flags]).returncode == 0
+        return configured and self.outcome(EVERY_TEST) == "survived"
 
+    def outcome(self, tests):
+        for test in tests:
+            if ran(["cmake", "--build", self.build_folder, "--target", test], env=self.environment()).returncode != 0:
+                return "does not compile"
+            if not self.passes(test):
+                return "killed"
+        return "survived"
 
-def outcome_of(mutant):
-    path = TREE / mutant.file
-    text = path.read_text()
-    lines = text.split("\n")
-    lines[mutant.line - 1] = mutant.after
-    path.write_text("\n".join(lines))
-    try:
-        return outcome()
-    finally:
-        path.write_text(text)
+    def outcome_of(self, mutant):
+        path = self.tree / mutant.file
+        text = path.read_text()
+        lines = text.split("\n")
+        lines[mutant.line - 1] = mutant.after
+        path.write_text("\n".join(lines))
+        try:
+            return self.outcome(mutant.tests())
+        finally:
+            path.write_text(text)
+
+    def environment(self):
+        return {**os.environ, "CCACHE_BASEDIR": str(self.tree), "CCACHE_NOHASHDIR": "1"}
+
+    def passes(self, test):
+        command = [self.build_folder / "tests" / test, "--gtest_brief=1", "--gtest_fail_fast"]
+        try:
+            return ran(command, timeout=TEST_SECONDS, preexec_fn=limit_memory).returncode == 0
+        except subprocess.TimeoutExpired:
+            return False
 
 
 # ----------------------------------------------------------------------------------------------
@@ -237,22 +251,41 @@ def summary(results, reasons):
     return not unexplained and rate >= WANTED_RATE
 
 
-def main(arguments):
-    if len(arguments) > 1 or any(not argument.isdigit() or int(argument) == 0 for argument in arguments):
-        sys.exit("usage: scripts/mutate [COUNT]")
-    every, mutants = chosen_mutants(int(arguments[0]) if arguments else USUAL_COUNT)
-    reasons = explanations()
-    print(f"{len(mutants)} of {every} places; building what they are tried on")
-    copy_tree()
-    if configure().returncode != 0 or outcome() != "survived":
-        sys.exit("the unchanged sources do not build or do not pass their tests")
-    results = []
-    for mutant in mutants:
-        began = time.monotonic()
-        results.append((mutant, outcome_of(mutant)))
-        report(*results[-1], time.monotonic() - began)
-    sys.exit(0 if summary(results, reasons) else 1)
+def tried(mutant, copies):
+    copy = copies.get()
+    began = time.monotonic()
+    try:
+        return mutant, copy.outcome_of(mutant), time.monotonic() - began
+    finally:
+        copies.put(copy)
+
+
+def arguments():
+    parser = argparse.ArgumentParser(prog="scripts/mutate")
+    parser.add_argument("count", nargs="?", type=int, default=400, help="how many changes are tried (400)")
+    parser.add_argument("--seed", type=int, default=1, help="which of the changes are drawn (1)")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="how many are tried at once (one a core)")
+    return parser.parse_args()
+
+
+def main():
+    wanted = arguments()
+    every = every_mutant()
+    mutants = random.Random(wanted.seed).sample(every, min(wanted.count, len(every)))
+    print(f"{len(mutants)} of {len(every)} changes; building what they are tried on", flush=True)
+    copies = queue.Queue()
+    for number in range(wanted.jobs):
+        copies.put(Copy(number))
+    with ThreadPoolExecutor(wanted.jobs) as pool:
+        if not all(pool.map(Copy.prepare, list(copies.queue))):
+            sys.exit("the unchanged sources do not build or do not pass their tests")
+        results = []
+        for future in as_completed([pool.submit(tried, mutant, copies) for mutant in mutants]):
+            mutant, result, seconds = future.result()
+            results.append((mutant, result))
+            report(mutant, result, seconds)
+    sys.exit(0 if summary(results, explanations()) else 1)
 
 
 if __name__ == "__main__":
-    main(sys.argv[1:])
+    main()

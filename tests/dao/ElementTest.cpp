@@ -160,13 +160,6 @@ TEST(Elements, FailuresComeInOrder) {
   }
 }
 
-TEST(Elements, ChildrenThatAreTakenAreGone) {
-  const auto method = built<QXDAOMethod>(update({Hand::text("A"), Hand::element("where")}));
-  EXPECT_EQ(method->takeChildren()->size(), 2U);
-  EXPECT_FALSE(method->children());
-  EXPECT_FALSE(method->takeChildren());
-}
-
 TEST(Elements, EngineSlotsStartEmptyAndKeepWhatTheyGet) {
   struct Plan : QXDAOEngineValue {};
   const auto method = built<QXDAOMethod>(update({Hand::text("A")}));

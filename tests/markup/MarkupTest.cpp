@@ -85,6 +85,12 @@ TEST(Markup, ElementsEndWhereTheyAreClosedOrTheirParentEnds) {
   for (const auto& [text, shown] : cases) EXPECT_EQ(shownElements(text), shown) << text;
 }
 
+TEST(Span, IsTouchedInsideAndAtItsEnds) {
+  for (std::size_t offset = 0; offset < 9; ++offset) {
+    EXPECT_EQ((Span{3, 5}.touches(offset)), offset >= 3 && offset <= 5) << offset;
+  }
+}
+
 TEST(Markup, FindsWhatIsAtAnOffset) {
   const std::string_view text = "<a x='1' x='2' y><!--c--></a><!--";
   const Markup markup(text);
