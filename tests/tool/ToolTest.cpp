@@ -295,34 +295,22 @@ TEST(Usage, HelpAndMistakes) {
     EXPECT_NE(result.out.find("korvex-dao"), std::string::npos);
     EXPECT_EQ(result.err, "");
   }
-  const std::vector<Arguments> mistakes = {{},
-                                           {"frobnicate"},
-                                           {"check"},
-                                           {"dump"},
-                                           {"dump", "a", "b"},
-                                           {"check", "--nope", "-"},
-                                           {"check", "--format", "tree", "-"},
-                                           {"dump", "--format", "text", "-"},
-                                           {"check", "--color", "2", "-"},
-                                           {"check", "--warn", "unheard-of", "-"},
-                                           {"check", "--no-warn", "-"},
-                                           {"check", "--max-bytes", "-1", "-"},
-                                           {"check", "--max-bytes", "0", "-"},
-                                           {"check", "--max-bytes", "many", "-"},
-                                           {"unpack"},
-                                           {"unpack", "a", "b"},
-                                           {"unpack", "--hex", "00", "-"},
-                                           {"unpack", "--format", "text", "-"},
-                                           {"unpack", "--db", "d", "--table", "t"},
-                                           {"unpack", "--db", "d", "--column", "c"},
-                                           {"unpack", "--where", "1", "-"},
-                                           {"lsp", "somewhere"},
-                                           {"unpack", "--db", "d", "--table", "t", "--column", "c", "-"},
-                                           {"schema", "--format", "dtd"},
-                                           {"schema", "--root", "select"},
-                                           {"schema", "--root", "1"},
-                                           {"schema", "--root", ""},
-                                           {"schema", "--root", "a b"}};
+  std::vector<Arguments> mistakes = {{}, {"schema", "--root", ""}, {"schema", "--root", "a b"}};
+  mistakes.emplace_back();
+  std::istringstream words(
+      "frobnicate ; check ; dump ; dump a b ; check --nope - ; check --format tree - ; dump --format text - ; "
+      "check --color 2 - ; check --warn unheard-of - ; check --no-warn - ; check --max-bytes -1 - ; "
+      "check --max-bytes 0 - ; check --max-bytes many - ; unpack ; unpack a b ; unpack --hex 00 - ; "
+      "unpack --format text - ; unpack --db d --table t ; unpack --db d --column c ; unpack --where 1 - ; "
+      "lsp somewhere ; unpack --db d --table t --column c - ; schema --format dtd ; schema --root select ; "
+      "schema --root 1");
+  for (std::string word; words >> word;) {
+    if (word == ";") {
+      mistakes.emplace_back();
+    } else {
+      mistakes.back().push_back(word);
+    }
+  }
   for (const Arguments& arguments : mistakes) {
     const Outcome result = run(arguments, "<d/>");
     EXPECT_EQ(result.code, 2) << testing::PrintToString(arguments);
