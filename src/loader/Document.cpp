@@ -1,8 +1,11 @@
 #include "korvex/Document.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <system_error>
 #include <utility>
 
@@ -28,6 +31,13 @@ struct FileCloser {
   void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
+
+// The size of a regular file, so that its text can be given memory in one piece; 0 where it is not known.
+std::size_t expectedSize(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : static_cast<std::size_t>(size);
+}
 
 // Appends what the file holds, but not much more than `limit` bytes.
 void readBytes(const File& file, std::size_t limit, std::string& bytes) {
@@ -91,6 +101,7 @@ Document::Result Document::fromFile(const std::string& path, const LoadOptions& 
   const File file(std::fopen(path.c_str(), "rb"));
   if (!file) return {nullptr, unreadable(errno), nullptr};
   std::string bytes;
+  bytes.reserve(std::min(expectedSize(path), options.maximumBytes));
   readBytes(file, options.maximumBytes, bytes);
   if (std::ferror(file.get()) != 0) return {nullptr, unreadable(errno), nullptr};
   return Implementation::load(std::move(bytes), options);
