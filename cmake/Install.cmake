@@ -28,6 +28,10 @@ endforeach()
 install(EXPORT KorvexDAOLibraries NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_DIR} COMPONENT Development)
 
 # Archives do not say what they need: only a shared loader keeps its parsers to itself.
+set(KORVEX_PARSERS "pugixml expat")
+if(KORVEX_PUGIXML_SOURCE)
+  set(KORVEX_PARSERS expat)
+endif()
 get_target_property(loader_type korvex_loader TYPE)
 if(loader_type STREQUAL "STATIC_LIBRARY")
   set(KORVEX_PARSERS_REQUIRED Requires)

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "korvex/Definition.h"
+#include "korvex/DefinitionIndex.h"
 #include "korvex/Document.h"
 #include "korvex/QXDAOMethod.h"
 #include "korvex/QXDAOText.h"
@@ -460,6 +461,51 @@ TEST(Definitions, TreesAreBuiltOnEightThreads) {
   std::vector<std::thread> threads;
   for (int count = 0; count < 8; ++count) threads.emplace_back(build);
   for (std::thread& thread : threads) thread.join();
+}
+
+constexpr const char* everyKind =
+    "<d>\n<select id='s' result='int'>%{'*', a, b}<if true='c'>d</if></select><const A='x'/><sql id='q'>y</sql>\n"
+    "<map id='m' result='P'><result column='c' property='p'/></map><crypt class='P' property='n'/>\n"
+    "<pack as='i' properties='a, b'/><upgrade toVersion='1'/><delete id='r'/><const/><select id='t'/><nope "
+    "id='n'/></d>";
+
+std::string told(const Definition& definition) {
+  if (definition.error) return std::string(definition.error->message());
+  return std::string(definition.tag()) + " " + std::string(definition.element->name().value_or("-"));
+}
+
+TEST(DefinitionIndex, TellsAndBuildsWhatALoadDoes) {
+  for (const char* text : {everyKind, "<sql id='a'>b</sql>", "<sql/>", "<d/>"}) {
+    SCOPED_TRACE(text);
+    const auto loaded = Document::fromBytes(text);
+    const std::vector<Definition> definitions = loadDefinitions(*loaded.document);
+    const DefinitionIndex index(Document::fromBytes(text).document);
+    ASSERT_EQ(index.size(), definitions.size());
+    for (std::size_t place = index.size(); place-- > 0;) {
+      EXPECT_EQ(index.tag(place), definitions[place].tag());
+      EXPECT_EQ(index.position(place), definitions[place].position());
+      EXPECT_EQ(told(index[place]), told(definitions[place]));
+      if (index[place].element) {
+        EXPECT_EQ(index.name(place), index[place].element->name());
+      }
+    }
+  }
+}
+
+TEST(DefinitionIndex, BuildsOnceOnEightThreads) {
+  const DefinitionIndex index(Document::fromBytes(everyKind).document);
+  std::array<std::vector<const void*>, 8> seen;
+  std::vector<std::thread> threads;
+  for (std::vector<const void*>& mine : seen) {
+    threads.emplace_back([&] {
+      for (std::size_t place = 0; place < index.size(); ++place) {
+        mine.push_back(index[place].element.get());
+        mine.push_back(index[place].error.get());
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::vector<const void*>& each : seen) EXPECT_EQ(each, seen[0]);
 }
 
 }  // namespace
