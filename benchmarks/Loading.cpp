@@ -10,6 +10,7 @@
 #include "benchmarks/Documents.h"
 #include "benchmarks/Measuring.h"
 #include "korvex/Definition.h"
+#include "korvex/DefinitionIndex.h"
 
 namespace korvex::benchmarks {
 
@@ -42,6 +43,12 @@ auto passedByExpat(const std::string& text) {
   const auto status = XML_Parse(parser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE);
   require(status == XML_STATUS_OK, "Expat refused the document");
   return parser;
+}
+
+std::unique_ptr<DefinitionIndex> indexed(const std::string& text) {
+  LoadOptions options;
+  options.strict = false;
+  return std::make_unique<DefinitionIndex>(Document::fromBytes(text, options).document);
 }
 
 template <typename Parse>
@@ -83,6 +90,10 @@ void registerLoading() {
   registerLoad("load/fast", whole);
   registerLoad("load/strict", whole, true);
   registerLoad("load/definitions/60", small);
+  registerParse("load/index", whole, indexed);
+  benchmark::RegisterBenchmark("load/destruction", [whole](benchmark::State& state) {
+    timeDestroying(state, [&] { return load(*whole, false); });
+  })->UseManualTime();
   registerParse("parse/pugixml", whole, parsedByPugixml);
   registerParse("parse/pugixml/60", small, parsedByPugixml);
   registerParse("parse/libxml2", whole, parsedByLibxml2);

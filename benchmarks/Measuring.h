@@ -3,10 +3,11 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,18 +38,35 @@ inline void settleHeap() {
   std::free(block);
 }
 
+// The processor time of this thread so far, in seconds.
+[[nodiscard]] inline double threadSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
 // Times make() alone; what it returns is destroyed outside the clock. For benchmarks that use manual
 // time.
 template <typename Make>
 void timeMaking(benchmark::State& state, Make make) {
-  using Clock = std::chrono::steady_clock;
   for ([[maybe_unused]] auto iteration : state) {
     settleHeap();
-    const auto begin = Clock::now();
+    const double begin = threadSeconds();
     auto made = make();
     benchmark::DoNotOptimize(made);
-    const auto end = Clock::now();
-    state.SetIterationTime(std::chrono::duration<double>(end - begin).count());
+    state.SetIterationTime(threadSeconds() - begin);
+  }
+}
+
+// The other way round: times the destruction of what make() returns.
+template <typename Make>
+void timeDestroying(benchmark::State& state, Make make) {
+  for ([[maybe_unused]] auto iteration : state) {
+    std::optional made(make());
+    benchmark::DoNotOptimize(made);
+    const double begin = threadSeconds();
+    made.reset();
+    state.SetIterationTime(threadSeconds() - begin);
   }
 }
 
@@ -75,6 +93,10 @@ void registerLoading();
 void registerTexts();
 void registerPacking();
 void registerServing();
+// Loads the document once in many processes of this program, each started for one load.
+void measureFirstLoads(Figures& figures, bool brief);
+// Whether this is such a process; then it has loaded and printed the time.
+[[nodiscard]] bool measuredFirstLoad(int argc, char** argv);
 // Counts elements, bytes and allocations at once.
 void measureHeap(Figures& figures);
 

@@ -36,6 +36,11 @@ void takeCoreText(std::vector<std::string>& arguments, Figures& figures) {
   });
 }
 
+// By how much `many` costs more than `few`, if both were measured.
+void addGrowth(Figures& figures, const char* name, const char* many, const char* few) {
+  if (figures.contains(many) && figures.contains(few)) figures[name] = figures[many] / figures[few];
+}
+
 // The arguments must outlive the benchmarks.
 void initialize(const char* program, bool brief, std::vector<std::string>& arguments) {
   const std::vector<std::string> defaults = optionsFor(brief);
@@ -53,7 +58,8 @@ void initialize(const char* program, bool brief, std::vector<std::string>& argum
 }  // namespace
 
 int main(int argc, char** argv) {
-  Figures figures{{"goal/references", 400e6}, {"goal/text", 160e3}};
+  if (korvex::benchmarks::measuredFirstLoad(argc, argv)) return 0;
+  Figures figures{{"goal/references", 400e6}, {"goal/text", 130e3}};
   std::vector<std::string> arguments(argv + 1, argv + argc);
   const bool brief = takeBrief(arguments);
   takeCoreText(arguments, figures);
@@ -66,5 +72,8 @@ int main(int argc, char** argv) {
   korvex::benchmarks::registerServing();
   korvex::benchmarks::FigureCollector collector(figures);
   if (benchmark::RunSpecifiedBenchmarks(&collector) == 0 || collector.failed()) return 1;
+  addGrowth(figures, "growth/load", "load/fast", "load/definitions/60");
+  addGrowth(figures, "growth/pugixml", "parse/pugixml", "parse/pugixml/60");
+  korvex::benchmarks::measureFirstLoads(figures, brief);
   korvex::benchmarks::printTable(std::cout, figures, !brief);
 }
