@@ -15,7 +15,7 @@ set(KORVEX_ZSH_COMPLETIONS_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/korvex DESTINATION ${KORVEX_INCLUDE_DIR} COMPONENT Development)
 
-foreach(library platform evaluator dao loader)
+foreach(library platform evaluator dao plan loader)
   set_target_properties(korvex_${library} PROPERTIES EXPORT_NAME ${library})
   target_include_directories(korvex_${library} INTERFACE $<INSTALL_INTERFACE:${KORVEX_INCLUDE_DIR}>)
   install(TARGETS korvex_${library}
@@ -46,7 +46,7 @@ else()
   endif()
   file(RELATIVE_PATH libraries_of_tool
     ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR})
-  set_target_properties(korvex_platform korvex_evaluator korvex_dao korvex_loader PROPERTIES INSTALL_RPATH ${origin})
+  set_target_properties(korvex_platform korvex_evaluator korvex_dao korvex_plan korvex_loader PROPERTIES INSTALL_RPATH ${origin})
   if(TARGET korvex-dao)
     set_target_properties(korvex-dao PROPERTIES INSTALL_RPATH ${origin}/${libraries_of_tool})
   endif()

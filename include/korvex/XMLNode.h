@@ -74,6 +74,9 @@ class KORVEX_EXPORT XMLTree {
   [[nodiscard]] virtual OptionalStringView attributeValue(AttributeHandle attribute) const = 0;
   // Where the node's markup starts (the "<" of a start tag); absent when the parser does not know.
   [[nodiscard]] virtual std::optional<XMLPosition> position(NodeHandle /*node*/) const { return std::nullopt; }
+  // The text that was parsed, and the offset of that place in it; absent when the parser does not keep it.
+  [[nodiscard]] virtual OptionalStringView source() const { return std::nullopt; }
+  [[nodiscard]] virtual std::size_t offset(NodeHandle /*node*/) const { return 0; }
 
   // The two operations by which all of a document is read. The defaults ask the ones above; a tree
   // that can answer in one step is read faster.
@@ -226,6 +229,9 @@ class KORVEX_EXPORT XMLNode {
 
   // Absent when the parser does not know.
   [[nodiscard]] std::optional<XMLPosition> position() const;
+  // The text that was parsed, absent when the parser does not keep it, and where in it the node's markup starts.
+  [[nodiscard]] OptionalStringView source() const { return _handle ? _tree->source() : OptionalStringView(); }
+  [[nodiscard]] std::size_t offset() const { return _handle ? _tree->offset(_handle) : 0; }
 
  private:
   [[nodiscard]] XMLNode nodeAt(XMLTree::NodeHandle handle) const {

@@ -227,6 +227,8 @@ OptionalStringView PugiTree::attributeName(AttributeHandle attribute) const { re
 
 OptionalStringView PugiTree::attributeValue(AttributeHandle attribute) const { return attributeOf(attribute).value(); }
 
+std::size_t PugiTree::offset(NodeHandle node) const { return offsetOf(nodeOf(node)); }
+
 std::optional<XMLPosition> PugiTree::position(NodeHandle node) const {
   return _source.position(offsetOf(nodeOf(node)));
 }

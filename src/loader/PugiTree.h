@@ -49,6 +49,8 @@ class PugiTree final : public XMLTree {
   [[nodiscard]] OptionalStringView attributeName(AttributeHandle attribute) const override;
   [[nodiscard]] OptionalStringView attributeValue(AttributeHandle attribute) const override;
   [[nodiscard]] std::optional<XMLPosition> position(NodeHandle node) const override;
+  [[nodiscard]] OptionalStringView source() const override { return _source.text(); }
+  [[nodiscard]] std::size_t offset(NodeHandle node) const override;
   [[nodiscard]] Node node(NodeHandle node) const override;
   [[nodiscard]] std::size_t readAttributes(AttributeHandle& next, Attribute* result, std::size_t room) const override;
 

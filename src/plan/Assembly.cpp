@@ -1,0 +1,414 @@
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <utility>
+
+#include "korvex/Plan.h"
+#include "korvex/QXDAOForeach.h"
+#include "korvex/QXDAOKeyValueFormatter.h"
+#include "korvex/QXDAOTrim.h"
+#include "plan/AssemblyState.h"
+#include "plan/Evaluation.h"
+#include "plan/SqlText.h"
+#include "platform/Strings.h"
+
+namespace korvex {
+
+namespace {
+
+// "method 'find'", "the upgrade to 2.5".
+std::string titleOf(const Plan& plan) {
+  if (plan.operation() != QXDAOOperationUpgrade) return "method " + quoted(plan.name());
+  std::array<char, 32> digits{};
+  const auto end = std::to_chars(digits.begin(), digits.end(), plan.method().toVersion()).ptr;
+  return "the upgrade to " + std::string(digits.data(), end);
+}
+
+bool changesRows(const Plan& plan) {
+  return plan.operation() == QXDAOOperationUpdate || plan.operation() == QXDAOOperationDelete;
+}
+
+std::string_view pathBehindName(std::string_view path) {
+  const std::size_t dot = path.find('.');
+  return dot == std::string_view::npos ? std::string_view() : path.substr(dot + 1);
+}
+
+constexpr std::string_view wouldChangeAll =
+    " is empty, and without it every row would change: write onVoid=\"quit\", or a condition that is always there";
+
+}  // namespace
+
+// Goes through the instructions of a unit, takes the decisions, and collects the values.
+class DecisionMaker {
+ public:
+  explicit DecisionMaker(Assembly::State& state)
+      : _state(state), _contents(*state.contents), _changesRows(changesRows(*state.plan)) {}
+
+  std::optional<PlanError> run(std::size_t begin) {
+    _at = _place = begin;
+    while (!_ended && _contents.instructions[_at].operation != PlanOperation::End) {
+      if (!take(_at++)) return error();
+    }
+    _state.empty = _code == 0;
+    return std::nullopt;
+  }
+
+ private:
+  // Each gives false when it has failed.
+
+  bool take(std::size_t at) {
+    const PlanInstruction& instruction = _contents.instructions[at];
+    _code += instruction.has(HasCode) ? 1 : 0;
+    switch (instruction.operation) {
+      case PlanOperation::Place:
+        _place = at;
+        return true;
+      case PlanOperation::Value:
+        return bind(instruction.text(), _state.scope.slots[instruction.slot]);
+      case PlanOperation::Table:
+        appendName(_state.key, _state.table);
+        return true;
+      case PlanOperation::If:
+        return test(instruction);
+      case PlanOperation::Jump:
+        _at = instruction.target;
+        return true;
+      case PlanOperation::Trim:
+        return beginTrim(at);
+      case PlanOperation::TrimEnd:
+        return endTrim();
+      case PlanOperation::Foreach:
+        return loop(at);
+      case PlanOperation::Format:
+        return format(instruction);
+      default:
+        return true;
+    }
+  }
+
+  bool test(const PlanInstruction& instruction) {
+    const auto value = evaluate(_contents.expressions.steps, instruction.number, _state.scope, _state.stack, _failure);
+    if (!value) return fail(_failure.code, "condition: " + _failure.message);
+    const bool applies = isTrue(*value) == instruction.has(WantsTrue);
+    _state.key += applies ? '\1' : '\0';
+    if (!applies) _at = instruction.target;
+    return true;
+  }
+
+  bool beginTrim(std::size_t at) {
+    _state.trims.push_back(static_cast<std::uint32_t>(at));
+    _state.trims.push_back(_code);
+    return true;
+  }
+
+  bool endTrim() {
+    const std::uint32_t codeBefore = _state.trims.back();
+    const std::size_t begin = _state.trims[_state.trims.size() - 2];
+    _state.trims.resize(_state.trims.size() - 2);
+    if (_code != codeBefore) return true;
+    const auto& trim = _contents.instructions[begin].element<QXDAOTrim>();
+    if (trim.onVoid() == QXDAOTrimOnVoidTypeQuit) return quit();
+    if (_changesRows && beginsWithWhere(trim.operationName().value_or(std::string_view()))) {
+      _place = begin - 1;
+      return fail(PlanErrorCode::WouldChangeAll, quoted(*trim.operationName()) + std::string(wouldChangeAll));
+    }
+    return trim.onVoid() != QXDAOTrimOnVoidTypeIgnoreAfter || ignoreAfter();
+  }
+
+  bool quit() {
+    _state.quits = _ended = true;
+    _state.values.clear();
+    return true;
+  }
+
+  bool ignoreAfter() {
+    _ended = true;
+    while (!_state.trims.empty()) {
+      if (!endTrim()) return false;
+    }
+    return true;
+  }
+
+  bool loop(std::size_t at) {
+    const PlanInstruction& instruction = _contents.instructions[at];
+    const auto& element = instruction.element<QXDAOForeach>();
+    const ValueList* list = nullptr;
+    if (!readList(*element.collection(), _state.scope.slots[instruction.slot], list)) return false;
+    const std::size_t count = list ? list->size() : 0;
+    appendNumber(_state.key, count);
+    if (!checkNotIn(instruction, element, list)) return false;
+    _code += codeAround(element, count);
+    ValueView& item = _state.scope.slots.back();
+    for (std::size_t entry = 0; entry < count; ++entry) {
+      item = (*list)[element.reverse() ? count - 1 - entry : entry].view();
+      for (_at = at + 1; _at < instruction.number;) {
+        if (!take(_at++)) return false;
+      }
+    }
+    item = {};
+    _at = instruction.number;
+    return true;
+  }
+
+  // The pieces of code that open, separate and close the entries.
+  static std::uint32_t codeAround(const QXDAOForeach& element, std::size_t count) {
+    const auto holdsCode = [](OptionalStringView text) { return text && beginOfCode(*text) < text->size(); };
+    return (holdsCode(element.open()) ? 1U : 0U) + (holdsCode(element.close()) ? 1U : 0U) +
+           (count > 1 && holdsCode(element.separator()) ? 1U : 0U);
+  }
+
+  // Of NOT IN: nothing in the list is every row, and a null in it is none.
+  bool checkNotIn(const PlanInstruction& instruction, const QXDAOForeach& element, const ValueList* list) {
+    if (!instruction.has(AfterNotIn)) return true;
+    const std::string collection = quoted(*element.collection());
+    if (!list || list->empty()) {
+      return !_changesRows || fail(PlanErrorCode::WouldChangeAll,
+                                   "NOT IN an empty " + collection + " holds for every row: test its count by an if");
+    }
+    const auto null = std::find_if(list->begin(), list->end(), [](const Value& entry) { return entry.isNull(); });
+    if (null == list->end()) return true;
+    return fail(PlanErrorCode::NullEntry, "entry " + std::to_string(null - list->begin()) + " of " + collection +
+                                              " is null, and NOT IN with a null finds no row: leave it out");
+  }
+
+  // The list behind a path; null for null.
+  bool readList(std::string_view path, const ValueView& root, const ValueList*& list) {
+    const auto read = readPath(_state.scope, root, pathBehindName(path), ValueUse::Binding, _failure);
+    if (!read) return fail(_failure.code, quoted(path) + ": " + _failure.message);
+    if (read->value.isNull()) return true;
+    if (read->value.type() != ValueType::List) return failType(path, read->value, "a list is gone through");
+    list = &read->value.list();
+    return true;
+  }
+
+  bool format(const PlanInstruction& instruction) {
+    const auto& element = instruction.element<QXDAOKeyValueFormatter>();
+    const auto read = readPath(_state.scope, _state.scope.slots[instruction.slot], pathBehindName(*element.pairs()),
+                               ValueUse::Binding, _failure);
+    if (!read) return fail(_failure.code, quoted(*element.pairs()) + ": " + _failure.message);
+    const bool null = read->value.isNull();
+    if (!null && read->value.type() != ValueType::Dictionary) {
+      return failType(*element.pairs(), read->value, "pairs are those of a dictionary");
+    }
+    const std::size_t count = null ? 0 : read->value.dictionary().size();
+    appendNumber(_state.key, count);
+    if (count > 0) return bindPairs(read->value.dictionary(), *element.pairs());
+    if (!_changesRows || !beginsWithWhere(*element.prefix())) return true;
+    return fail(PlanErrorCode::WouldChangeAll, quoted(*element.pairs()) + std::string(wouldChangeAll));
+  }
+
+  // In the order of the keys: the same keys give the same statement.
+  bool bindPairs(const Dictionary& dictionary, std::string_view path) {
+    std::vector<const Dictionary::Entry*>& pairs = _state.pairs;
+    pairs.clear();
+    for (const Dictionary::Entry& entry : dictionary) pairs.push_back(&entry);
+    std::sort(pairs.begin(), pairs.end(), [](const auto* left, const auto* right) { return left->name < right->name; });
+    for (const Dictionary::Entry* pair : pairs) {
+      if (!canBeName(pair->name)) {
+        return fail(PlanErrorCode::BadName,
+                    "a key of " + quoted(path) + " cannot be the name of a column: it is empty, or no text");
+      }
+      appendName(_state.key, pair->name);
+      if (!bindValue(pair->name, {pair->value.view()})) return false;
+    }
+    ++_code;
+    return true;
+  }
+
+  bool bind(std::string_view path, const ValueView& root) {
+    const std::string_view behind = pathBehindName(path);
+    if (behind.empty()) return bindValue(path, {root});
+    const auto read = readPath(_state.scope, root, behind, ValueUse::Binding, _failure);
+    return read ? bindValue(path, *read) : fail(_failure.code, "':" + std::string(path) + "': " + _failure.message);
+  }
+
+  bool bindValue(std::string_view name, const ReadValue& read) {
+    switch (read.value.type()) {
+      case ValueType::List:
+        return failType(name, read.value, "write a foreach");
+      case ValueType::Dictionary:
+        return failType(name, read.value, "bind one of its entries");
+      case ValueType::Object:
+        return failType(name, read.value, "bind one of its properties");
+      default:
+        break;
+    }
+    _state.values.push_back({read.value, name, read.encrypted});
+    return true;
+  }
+
+  bool failType(std::string_view name, const ValueView& value, std::string_view instead) {
+    return fail(PlanErrorCode::WrongType,
+                quoted(name) + " is " + std::string(nameOf(value.type())) + ": " + std::string(instead));
+  }
+
+  bool fail(PlanErrorCode code, std::string message) {
+    _failure = {code, std::move(message)};
+    return false;
+  }
+
+  // At the instruction that was taken last.
+  PlanError error() {
+    const SourcePlace place = placeOfInstruction(_contents, _place, std::max(_at - 1, _place));
+    return {_failure.code, titleOf(*_state.plan) + ": " + _failure.message, place};
+  }
+
+  Assembly::State& _state;
+  const SetContents& _contents;
+  const bool _changesRows;
+  ValueFailure _failure;
+  std::size_t _at = 0;
+  std::size_t _place = 0;
+  std::uint32_t _code = 0;
+  bool _ended = false;
+};
+
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+PlanError callError(const Plan& plan, PlanErrorCode code, const std::string& message) {
+  return {code, titleOf(plan) + ": " + message, plan.place()};
+}
+
+std::string declaredNames(const QXDAOMethod& method) {
+  std::string names;
+  for (const QXDAOMethodArgument& argument : *method.arguments()) {
+    names.append(names.empty() ? "" : ", ").append(argument.name().value_or(std::string_view()));
+  }
+  return names.empty() ? "it has none" : "it has " + names;
+}
+
+PlanError unknownArgument(const Plan& plan, const Arguments& arguments) {
+  const auto unknown = std::find_if(arguments.begin(), arguments.end(), [&plan](const Dictionary::Entry& entry) {
+    return !plan.method().hasArgumentWithName(entry.name);
+  });
+  return callError(plan, PlanErrorCode::UnknownArgument,
+                   "there is no argument " + quoted(unknown->name) + ": " + declaredNames(plan.method()));
+}
+
+}  // namespace
+
+const Plan& PlanUnit::plan() const { return _contents->plans[_plan]; }
+
+SourcePlace PlanUnit::place() const { return placeOfInstruction(*_contents, _begin, _begin); }
+
+SourcePlace Plan::place() const { return placeOfInstruction(*_contents, _place, _place); }
+
+std::span<const PlanUnit> Plan::units() const { return std::span(_contents->units).subspan(_firstUnit, _unitCount); }
+
+Assembly::Assembly() : _state(std::make_unique<State>()) {}
+
+Assembly::Assembly(Assembly&&) noexcept = default;
+
+Assembly& Assembly::operator=(Assembly&&) noexcept = default;
+
+Assembly::~Assembly() = default;
+
+std::optional<PlanError> Assembly::begin(const Plan& plan, const Arguments& arguments, std::string_view table) {
+  const auto& declared = *plan.method().arguments();
+  State& state = *_state;
+  state.contents = plan._contents;
+  state.plan = &plan;
+  state.table = table;
+  state.entries = nullptr;
+  state.scope.slots.assign(declared.size() + 2, ValueView());
+  std::size_t given = 0;
+  for (std::size_t slot = 0; slot < declared.size(); ++slot) {
+    const std::string_view name = declared[slot].name().value_or(std::string_view());
+    if (const Value* value = arguments.find(name)) {
+      state.scope.slots[slot] = value->view();
+      ++given;
+    }
+    if (declared[slot].notNull() && state.scope.slots[slot].isNull()) {
+      return callError(plan, PlanErrorCode::NullArgument, "argument " + quoted(name) + " must not be null");
+    }
+  }
+  if (given != arguments.size()) return unknownArgument(plan, arguments);
+  if (plan.method().assignedTable() && !canBeName(table)) {
+    return callError(plan, PlanErrorCode::MissingTable, "the call assigns no table, or no name of one");
+  }
+  return plan.method().foreach () ? beginForeach() : std::nullopt;
+}
+
+std::optional<PlanError> Assembly::beginForeach() {
+  const Plan& plan = *_state->plan;
+  const auto& declared = *plan.method().arguments();
+  const std::string_view collection = plan.method().foreachCollection().value_or(std::string_view());
+  const auto found = std::find_if(declared.begin(), declared.end(), [collection](const QXDAOMethodArgument& argument) {
+    return argument.name() == collection;
+  });
+  const ValueView& value = _state->scope.slots[static_cast<std::size_t>(found - declared.begin())];
+  if (value.type() == ValueType::List) _state->entries = &value.list();
+  if (value.isNull() || _state->entries) return std::nullopt;
+  return callError(plan, PlanErrorCode::WrongType,
+                   quoted(collection) + " is " + std::string(nameOf(value.type())) + ": a list is gone through");
+}
+
+std::size_t Assembly::entryCount() const {
+  if (!_state->plan->method().foreach ()) return 1;
+  return _state->entries ? _state->entries->size() : 0;
+}
+
+void Assembly::chooseEntry(std::size_t index) {
+  if (!_state->entries) return;
+  std::vector<ValueView>& slots = _state->scope.slots;
+  slots[slots.size() - 2] = (*_state->entries)[index].view();
+}
+
+std::optional<PlanError> Assembly::assemble(const PlanUnit& unit) {
+  State& state = *_state;
+  state.scope.set = unit._contents->set;
+  state.scope.objects.clear();
+  state.scope.packed.clear();
+  state.trims.clear();
+  state.values.clear();
+  state.quits = false;
+  state.empty = true;
+  state.unit = &unit;
+  state.key.resize(sizeof unit._number);
+  for (unsigned byte = 0; byte < sizeof unit._number; ++byte) {
+    state.key[byte] = static_cast<char>(unit._number >> (8 * byte));
+  }
+  std::optional<PlanError> error = DecisionMaker(state).run(unit._begin);
+  if (error) state.unit = nullptr;
+  return error;
+}
+
+bool Assembly::quits() const { return _state->quits; }
+
+bool Assembly::empty() const { return _state->empty; }
+
+std::string_view Assembly::key() const { return _state->key; }
+
+std::span<const BoundValue> Assembly::values() const { return _state->values; }
+
+std::string Assembly::sql() const {
+  if (!_state->unit || _state->quits) return {};
+  return std::move(AssembledText(*_state->contents, *_state->unit, _state->key).sql());
+}
+
+SourcePlace Assembly::placeOf(std::size_t offset) const {
+  if (!_state->unit || _state->quits) return _state->plan->place();
+  return AssembledText(*_state->contents, *_state->unit, _state->key).placeOf(offset);
+}
+
+Assembled assemble(const PlanUnit& unit, const Arguments& arguments, std::string_view table, std::size_t entry) {
+  Assembly assembly;
+  Assembled result;
+  result.error = assembly.begin(unit.plan(), arguments, table);
+  if (result.error) return result;
+  if (entry < assembly.entryCount()) assembly.chooseEntry(entry);
+  result.error = assembly.assemble(unit);
+  if (result.error) return result;
+  result.quits = assembly.quits();
+  result.sql = assembly.sql();
+  result.key = assembly.key();
+  for (const BoundValue& value : assembly.values()) {
+    result.values.push_back(Value::copyOf(value.value));
+    result.encrypted.push_back(value.encrypted);
+  }
+  return result;
+}
+
+}  // namespace korvex

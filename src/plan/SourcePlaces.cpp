@@ -1,0 +1,154 @@
+#include "plan/SourcePlaces.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+#include "plan/SetContents.h"
+#include "plan/SqlText.h"
+
+namespace korvex {
+
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+constexpr std::string_view cdataBegin = "<![CDATA[";
+constexpr std::string_view cdataEnd = "]]>";
+
+bool isBlank(char character) { return blanks.find(character) != std::string_view::npos; }
+
+std::size_t characters(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(
+      text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+}
+
+std::size_t firstVisible(std::string_view source, std::size_t at) {
+  while (at < source.size()) {
+    if (isBlank(source[at])) {
+      ++at;
+    } else if (source.substr(at).starts_with(cdataBegin)) {
+      at += cdataBegin.size();
+    } else {
+      break;
+    }
+  }
+  return at;
+}
+
+// How many bytes the character stands for that "&#...;" means; the named entities stand for one.
+std::size_t bytesOfReference(std::string_view reference) {
+  unsigned long code = 0;
+  if (!reference.starts_with("&#")) return 1;
+  const bool hexadecimal = reference.substr(2).starts_with('x');
+  for (const char digit : reference.substr(hexadecimal ? 3 : 2)) {
+    if (digit == ';') break;
+    const int value = digit <= '9' ? digit - '0' : (digit | 0x20) - 'a' + 10;
+    code = code * (hexadecimal ? 16 : 10) + static_cast<unsigned long>(value);
+  }
+  return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
+}
+
+// The offset in the source of the byte that is `decoded` bytes behind one in the text that the parser made of it.
+std::size_t sourceOffset(std::string_view source, std::size_t at, std::size_t decoded) {
+  while (at < source.size()) {
+    const std::string_view rest = source.substr(at);
+    if (rest.starts_with(cdataBegin)) {
+      at += cdataBegin.size();
+    } else if (rest.starts_with(cdataEnd)) {
+      at += cdataEnd.size();
+    } else if (decoded == 0) {
+      break;
+    } else if (rest.front() == '&') {
+      const std::string_view reference = rest.substr(0, rest.find(';') + 1);
+      decoded -= std::min(decoded, bytesOfReference(reference));
+      at += std::max<std::size_t>(reference.size(), 1);
+    } else {
+      at += rest.starts_with("\r\n") ? 2 : 1;
+      --decoded;
+    }
+  }
+  return at;
+}
+
+XMLPosition positionOf(const XMLNode& node) { return node.position().value_or(XMLPosition()); }
+
+// The position of an offset at or behind the beginning of a node.
+XMLPosition positionIn(const XMLNode& node, std::string_view source, std::size_t offset) {
+  const std::size_t begin = std::min(node.offset(), offset);
+  return advanced(positionOf(node), source.substr(begin, offset - begin));
+}
+
+// Behind the quote that opens an attribute's value; absent when it is not found.
+std::optional<std::size_t> valueBegin(std::string_view source, std::size_t tag, std::string_view attribute) {
+  for (std::size_t at = tag; at < source.size() && source[at] != '>'; ++at) {
+    const std::size_t end = at + attribute.size();
+    if (source[at] == '"' || source[at] == '\'') {
+      at = std::min(source.find(source[at], at + 1), source.size());
+    } else if (isBlank(source[at]) && source.substr(at + 1).starts_with(attribute)) {
+      const std::size_t equals = source.find_first_not_of(blanks, end + 1);
+      if (equals == std::string_view::npos || source[equals] != '=') continue;
+      return source.find_first_not_of(blanks, equals + 1) + 1;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+XMLPosition PlaceCursor::of(const XMLNode& node) { return _source ? at(node.offset()) : positionOf(node); }
+
+XMLPosition PlaceCursor::ofText(const XMLNode& text) {
+  return _source ? at(firstVisible(*_source, text.offset())) : positionOf(text);
+}
+
+XMLPosition PlaceCursor::ofContent(const XMLNode& element) {
+  for (const XMLNode& child : element.children()) {
+    if (child.kind() == XMLNodeKind::Text) return ofText(child);
+  }
+  return of(element);
+}
+
+XMLPosition PlaceCursor::at(std::size_t offset) {
+  if (offset < _offset) _offset = 0, _position = {};
+  std::string_view passed = _source->substr(_offset, offset - _offset);
+  while (const void* end = passed.empty() ? nullptr : std::memchr(passed.data(), '\n', passed.size())) {
+    passed.remove_prefix(static_cast<std::size_t>(static_cast<const char*>(end) - passed.data()) + 1);
+    _position = {_position.line + 1, 1};
+  }
+  _position.column += characters(passed);
+  _offset = offset;
+  return _position;
+}
+
+XMLPosition placeInAttribute(const XMLNode& element, std::string_view attribute, std::size_t offset) {
+  const OptionalStringView source = element.source();
+  const auto begin = source ? valueBegin(*source, element.offset(), attribute) : std::nullopt;
+  if (!begin) return positionOf(element);
+  return positionIn(element, *source, sourceOffset(*source, *begin, offset));
+}
+
+XMLPosition placeInText(const XMLNode& node, std::string_view word, std::size_t earlier) {
+  const OptionalStringView source = node.source();
+  if (!source) return positionOf(node);
+  std::optional<std::size_t> last;
+  const auto search = [&](const XMLNode& text) {
+    const std::string_view characters = text.text().value_or(std::string_view());
+    for (std::size_t at = findSqlWord(characters, word, 0); at < characters.size();
+         at = findSqlWord(characters, word, at + 1)) {
+      last = sourceOffset(*source, text.offset(), at);
+      if (earlier-- == 0) return true;
+    }
+    return false;
+  };
+  if (node.kind() == XMLNodeKind::Text) {
+    static_cast<void>(search(node));
+  } else {
+    for (const XMLNode& child : node.children()) {
+      if (child.kind() == XMLNodeKind::Text && search(child)) break;
+    }
+  }
+  const bool text = node.kind() == XMLNodeKind::Text;
+  return positionIn(node, *source, last.value_or(text ? firstVisible(*source, node.offset()) : node.offset()));
+}
+
+}  // namespace korvex

@@ -1,0 +1,50 @@
+// Reading the values of a call by their paths.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "korvex/DefinitionSet.h"
+#include "korvex/ModelClass.h"
+#include "korvex/Plan.h"
+#include "korvex/Value.h"
+#include "plan/Instruction.h"
+
+namespace korvex {
+
+// Why a value cannot be read or used; the message does not name the method.
+struct ValueFailure {
+  PlanErrorCode code = PlanErrorCode::WrongType;
+  std::string message;
+};
+
+// What a value is read for. An expression counts what is in a dictionary by ".count"; a statement binds the entry of
+// that name. A statement also binds the columns of packs as if they were properties.
+enum class ValueUse : std::uint8_t { Expression, Binding };
+
+// The values of a call, and what keeps alive what was read through them.
+struct ValueScope {
+  const DefinitionSet* set = nullptr;
+  std::vector<ValueView> slots;
+  std::vector<std::shared_ptr<ModelObject>> objects;
+  std::deque<std::string> packed;
+};
+
+struct ReadValue {
+  ValueView value;
+  bool encrypted = false;
+};
+
+// A member of a value: a property, an entry, a count or a length. Absent when there cannot be one.
+[[nodiscard]] std::optional<ReadValue> readMember(ValueScope& scope, const ValueView& value, std::string_view name,
+                                                  ValueUse use, ValueFailure& failure);
+
+// The value behind a path of members, separated by dots; of an empty path the value itself.
+[[nodiscard]] std::optional<ReadValue> readPath(ValueScope& scope, const ValueView& value, std::string_view path,
+                                                ValueUse use, ValueFailure& failure);
+
+}  // namespace korvex
