@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "korvex/OptionalString.h"
-#include "platform/Strings.h"
 
 namespace korvex {
 

@@ -52,7 +52,6 @@
 #include "korvex/Export.h"
 #include "korvex/NumberObject.h"
 #include "korvex/OptionalString.h"
-#include "platform/Strings.h"
 
 namespace korvex {
 

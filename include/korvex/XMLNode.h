@@ -15,7 +15,6 @@
 
 #include "korvex/Export.h"
 #include "korvex/OptionalString.h"
-#include "platform/Strings.h"
 
 namespace korvex {
 

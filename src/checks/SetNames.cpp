@@ -7,6 +7,7 @@
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/XMLNode.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

@@ -10,6 +10,7 @@
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOText.h"
 #include "loader/DocumentErrors.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

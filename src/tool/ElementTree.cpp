@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "korvex/Keywords.h"
+#include "platform/Strings.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "korvex/QXDAOPackEncode.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 #include "tool/Hex.h"
 #include "tool/VisibleText.h"

@@ -16,6 +16,7 @@
 #include "korvex/QXDAOText.h"
 #include "korvex/QXDAOTrim.h"
 #include "korvex/QXDAOTry.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

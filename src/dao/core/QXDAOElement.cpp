@@ -12,6 +12,7 @@
 #include "korvex/QXDAOPack.h"
 #include "korvex/QXDAORule.h"
 #include "korvex/QXDAOSqlBlock.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

@@ -7,6 +7,7 @@
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAORule.h"
 #include "korvex/QXDAOText.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

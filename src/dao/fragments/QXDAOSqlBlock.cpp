@@ -5,6 +5,7 @@
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAORule.h"
 #include "korvex/QXDAOText.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

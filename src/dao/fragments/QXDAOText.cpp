@@ -6,6 +6,7 @@
 #include "dao/fragments/ListReferenceScan.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOPackReader.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

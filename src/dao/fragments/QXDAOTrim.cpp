@@ -5,6 +5,7 @@
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAORule.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {

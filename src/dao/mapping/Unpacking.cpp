@@ -13,6 +13,7 @@
 #include "korvex/QXDAOPack.h"
 #include "korvex/QXDAOPackEncode.h"
 #include "korvex/QXDAOPackReader.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 

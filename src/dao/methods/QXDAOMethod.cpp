@@ -11,6 +11,7 @@
 #include "korvex/QXDAOMethodStep.h"
 #include "korvex/QXDAORule.h"
 #include "platform/NumberScanner.h"
+#include "platform/Strings.h"
 #include "platform/Tables.h"
 
 namespace korvex {
