@@ -8,6 +8,7 @@
 #include "checks/NearMiss.h"
 #include "checks/Places.h"
 #include "checks/Silences.h"
+#include "dao/methods/ResultSpelling.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOError.h"
@@ -48,10 +49,10 @@ OptionalStringView mapOf(const Definition& definition) {
   return mapped ? method->resultTypeName() : OptionalStringView();
 }
 
-// The name in ":name" and "[:name]".
-Span placeOfMap(const Definition& definition, std::string_view map, const Places& places) {
+// Where the result names its map.
+Span placeOfMap(const Definition& definition, const Places& places) {
   const WrittenValue result = places.writtenValueOf(definition.xml, C_RESULT);
-  return result.of(result.value.substr(result.value.find(':') + 1, map.size()));
+  return result.of(readResult(result.value).name);
 }
 
 // Definitions by what is inside them, for places further and further on.
@@ -129,7 +130,7 @@ void SetCheck::addReferences(const std::vector<Definition>& definitions, Warning
     const OptionalStringView map = mapOf(definition);
     if (!map) continue;
     list.setDefinition(definition);
-    list.add(Warning::UndefinedMap, definition.xml, placeOfMap(definition, *map, list.places()),
+    list.add(Warning::UndefinedMap, definition.xml, placeOfMap(definition, list.places()),
              "no map has the name '" + std::string(*map) + "'");
     FoundWarning& warning = list.warnings().back();
     MapReference& reference = _references.emplace_back();

@@ -1,20 +1,17 @@
 #include "checks/ListReferenceWarnings.h"
 
-#include <array>
 #include <functional>
 #include <optional>
 
 #include "checks/SqlSkipping.h"
 #include "dao/core/Reading.h"
 #include "dao/fragments/ListReferenceScan.h"
-#include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOPackReader.h"
 #include "korvex/QXDAOText.h"
 #include "korvex/XMLNode.h"
 #include "platform/Strings.h"
-#include "platform/Tables.h"
 
 namespace korvex {
 
@@ -121,22 +118,17 @@ Span placeInSource(const Places& places, std::size_t from, std::string_view text
   return {from + at, from + at + openingOfReference.size()};
 }
 
-using SourceOffset = std::size_t (*)(const Places& places, const XMLNode& node);
-
-std::size_t beginOf(const Places& places, const XMLNode& node) { return places.offsetOf(node); }
-
-std::size_t contentOf(const Places& places, const XMLNode& node) {
+std::size_t beginOf(TextPlace place, const XMLNode& node, const Places& places) {
   const std::size_t begin = places.offsetOf(node);
-  const MarkupElement* element = places.elementAt(begin);
+  const MarkupElement* element = place == TextPlace::Content ? places.elementAt(begin) : nullptr;
   return element ? element->startTag.end : begin;
 }
 
-// The text begins in the source where `begin` says of that node.
-void findUnfinishedReference(const XMLNode& element, std::string_view text, const XMLNode& node, SourceOffset begin,
+void findUnfinishedReference(const XMLNode& element, std::string_view text, TextPlace place, const XMLNode& node,
                              WarningList& list) {
   if (text.find(openingOfReference) == std::string_view::npos) return;
   const auto placeOf = [&](std::size_t opening) {
-    return placeInSource(list.places(), begin(list.places(), node), text, opening);
+    return placeInSource(list.places(), beginOf(place, node, list.places()), text, opening);
   };
   if (const std::optional<Loss> loss = lossIn(text)) {
     list.add(Warning::UnfinishedListReference, element, placeOf(loss->opening), std::string(loss->message)).help =
@@ -151,42 +143,13 @@ void findUnfinishedReference(const XMLNode& element, std::string_view text, cons
            "this list reference is not written out");
 }
 
-void findInTextNodes(const XMLNode& node, WarningList& list) {
-  for (const XMLNode& child : node.children()) {
-    const OptionalStringView text = child.text();
-    if (text) findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(*text), child, beginOf, list);
-  }
-}
-
-void findInForeach(const XMLNode& node, WarningList& list) {
-  const PlainText gathered = plainTextOf(node, [](std::string_view text) { return text; });
-  findUnfinishedReference(node, spaceNewLineTabBothEndsTrimmed(gathered.text()), node, contentOf, list);
-}
-
-void findInSqlBlock(const XMLNode& node, WarningList& list) {
-  findUnfinishedReference(node, plainTextOf(node, spaceNewLineTabBothEndsTrimmed).text(), node, contentOf, list);
-}
-
-void findInConst(const XMLNode& node, WarningList& list) {
-  findUnfinishedReference(node, *node.onlyAttribute().stringValue(), node, beginOf, list);
-}
-
-struct TextRule {
-  std::string_view tag;
-  void (*find)(const XMLNode& node, WarningList& list);
-};
-
-constexpr std::array<TextRule, 3> gatheredTexts = {{
-    {C_FOREACH, findInForeach},
-    {C_SQL, findInSqlBlock},
-    {C_CONST, findInConst},
-}};
-
 }  // namespace
 
 void findUnfinishedReferences(const XMLNode& node, const ElementEntry& element, WarningList& list) {
-  if (const TextRule* rule = rowWith(gatheredTexts, &TextRule::tag, element.tag)) return rule->find(node, list);
-  if (element.content == Content::TextAndElements) findInTextNodes(node, list);
+  if (element.content == Content::Elements || element.content == Content::PassedOver) return;
+  forEachText(node, [&](std::string_view text, TextPlace place, const XMLNode& origin) {
+    findUnfinishedReference(node, text, place, origin, list);
+  });
 }
 
 }  // namespace korvex

@@ -32,7 +32,7 @@ constexpr ChildRules exceptLast = {.last = C_EXCEPT, .lastRequired = true};
 constexpr std::array<Words, 1> initialVersion{C_INITIAL};
 constexpr std::array<Words, 1> onlyTrue{C_TRUE};
 constexpr std::array<Words, 2> onVoidWords{"quit", "ignoreAfter"};
-constexpr std::array<Words, 7> rowTypes{"int", "long long", "bool", "double", "string", "binary", "{}"};
+constexpr std::array rowTypes{C_INT, C_LONG_LONG, C_BOOL, C_DOUBLE, C_STRING, C_BINARY, C_COLUMN_MAP};
 
 // The forms of values. Only spaces are trimmed off a name in a list.
 constexpr std::string_view argumentList = R"(( *[^ ,][^,]*(, *[^ ,][^,]*)*)?)";

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "dao/core/Reading.h"
-#include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOText.h"
@@ -22,23 +21,12 @@ std::size_t expandedLength(std::string_view text) {
   return text.find('%') == std::string_view::npos ? 0 : QXDAOText::expandedLength(text);
 }
 
-std::string_view asWritten(std::string_view text) { return text; }
-
-std::size_t lengthOfTexts(const XMLNode& element) {
-  std::size_t length = 0;
-  for (const XMLNode& node : element.children()) {
-    if (const OptionalStringView text = node.text()) length += expandedLength(spaceNewLineTabBothEndsTrimmed(*text));
-  }
-  return length;
-}
-
-// What the texts of an element itself expand to, by the way in which it reads them.
 std::size_t expandedLengthOf(const XMLNode& element) {
-  const OptionalStringView tag = element.name();
-  if (tag == C_CONST) return expandedLength(element.onlyAttribute().stringValue().value_or(std::string_view()));
-  if (tag == C_SQL) return expandedLength(plainTextOf(element, spaceNewLineTabBothEndsTrimmed).text());
-  if (tag == C_FOREACH) return expandedLength(plainTextOf(element, asWritten).text());
-  return lengthOfTexts(element);
+  std::size_t length = 0;
+  forEachText(element, [&length](std::string_view text, TextPlace /*place*/, const XMLNode& /*node*/) {
+    length += expandedLength(text);
+  });
+  return length;
 }
 
 DocumentError oversized(const XMLNode& element, const LoadOptions& options) {

@@ -131,7 +131,7 @@ std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
 void PugiTree::boundExpansionOf(pugi::xml_node element, std::size_t depth) {
   constexpr std::size_t deepestDefinition = 2;
   _expansionBound.endRun();
-  if (depth > deepestDefinition || element.name() != C_CONST) return;
+  if (depth > deepestDefinition) return;
   _expansionBound.addText(element.first_attribute().value());
   _expansionBound.endRun();
 }

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string_view>
 
+#include "dao/methods/ResultSpelling.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 
@@ -10,12 +11,12 @@ namespace korvex::lsp {
 
 namespace {
 
-// The name in ":name" or "[:name]".
+// The name of the map that a result names; its value begins at `begin`.
 std::optional<Span> nameInResult(std::string_view result, std::size_t begin) {
-  const bool list = result.size() > 1 && result.front() == '[' && result.back() == ']';
-  const std::size_t skipped = list ? 2 : 1;
-  if (result.size() <= skipped + (list ? 1 : 0) || result[skipped - 1] != ':') return std::nullopt;
-  return Span{begin + skipped, begin + result.size() - (list ? 1 : 0)};
+  const SpelledResult spelled = readResult(result);
+  if (spelled.type != QXDAOSelectResultTypeMappedObject || spelled.name.empty()) return std::nullopt;
+  const std::size_t nameBegin = begin + static_cast<std::size_t>(spelled.name.data() - result.data());
+  return Span{nameBegin, nameBegin + spelled.name.size()};
 }
 
 }  // namespace

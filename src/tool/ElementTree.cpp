@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <ostream>
 
+#include "dao/methods/ResultSpelling.h"
 #include "korvex/Keywords.h"
 #include "platform/Strings.h"
 #include "tool/VisibleText.h"
@@ -63,9 +64,9 @@ std::string argumentText(const Json& argument) {
 
 // As the attribute "result" spells it.
 std::string resultText(const Json& method) {
-  const std::string mark = method.at("resultType") == "QXDAOSelectResultTypeMappedObject" ? ":" : "";
-  const std::string type = mark + valueText(method.at("resultTypeName"));
-  return method.at("resultArrayed") == true ? '[' + type + ']' : type;
+  return resultSpelling(method.at("resultArrayed") == true,
+                        method.at("resultType") == "QXDAOSelectResultTypeMappedObject",
+                        valueText(method.at("resultTypeName")));
 }
 
 std::string foreachText(const Json& method) {

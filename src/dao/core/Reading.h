@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "korvex/Export.h"
+#include "korvex/Keywords.h"
+#include "korvex/OptionalString.h"
 #include "korvex/QXDAOPackReader.h"
 #include "korvex/XMLNode.h"
 #include "platform/Strings.h"
@@ -42,5 +44,39 @@ class PlainText {
 
 [[nodiscard]] KORVEX_EXPORT PlainText plainTextOf(const XMLNode& element,
                                                   std::string_view (*piece)(std::string_view text));
+
+// The text of an sql block: each piece is trimmed on its own, and comments between pieces leave nothing.
+[[nodiscard]] inline PlainText textOfSqlBlock(const XMLNode& element) {
+  return plainTextOf(element, spaceNewLineTabBothEndsTrimmed);
+}
+// The text of a foreach, to be trimmed as a whole.
+[[nodiscard]] inline PlainText textOfForeach(const XMLNode& element) {
+  return plainTextOf(element, [](std::string_view piece) { return piece; });
+}
+
+enum class TextPlace {
+  Node,       // a text node
+  Content,    // the element from behind its start tag
+  Attribute,  // the element's only attribute
+};
+
+// Calls `take(text, place, node)` for each text in which an element itself may hold list references, not for those of
+// elements inside it: the text as it is before it is expanded, and the text node or the element.
+template <typename Take>
+void forEachText(const XMLNode& element, const Take& take) {
+  const OptionalStringView tag = element.name();
+  if (tag == C_CONST) {
+    take(element.onlyAttribute().stringValue().value_or(std::string_view()), TextPlace::Attribute, element);
+  } else if (tag == C_SQL) {
+    take(textOfSqlBlock(element).text(), TextPlace::Content, element);
+  } else if (tag == C_FOREACH) {
+    const PlainText gathered = textOfForeach(element);
+    take(spaceNewLineTabBothEndsTrimmed(gathered.text()), TextPlace::Content, element);
+  } else {
+    for (const XMLNode& node : element.children()) {
+      if (const OptionalStringView text = node.text()) take(spaceNewLineTabBothEndsTrimmed(*text), TextPlace::Node, node);
+    }
+  }
+}
 
 }  // namespace korvex

@@ -58,7 +58,7 @@ void QXDAOForeach::readAttributes(const XMLNode& xml) {
 }
 
 void QXDAOForeach::readText(const XMLNode& xml) {
-  const PlainText gathered = plainTextOf(xml, [](std::string_view piece) { return piece; });
+  const PlainText gathered = textOfForeach(xml);
   if (gathered.offender()) setError(QXDAORule::ForeachContent, {}, nodeAtFault(gathered.offender(), xml));
   _text = QXDAOText::elementWithText(spaceNewLineTabBothEndsTrimmed(gathered.text()));
 }

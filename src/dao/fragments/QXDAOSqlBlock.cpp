@@ -26,9 +26,8 @@ void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
   readText(xml);
 }
 
-// Each piece of text is trimmed on its own; comments between pieces leave nothing behind.
 void QXDAOSqlBlock::readText(const XMLNode& xml) {
-  const PlainText gathered = plainTextOf(xml, spaceNewLineTabBothEndsTrimmed);
+  const PlainText gathered = textOfSqlBlock(xml);
   if (gathered.offender()) setError(QXDAORule::SqlFormat, name(), nodeAtFault(gathered.offender(), xml));
   _text = QXDAOText::elementWithText(gathered.text());
 }
