@@ -27,9 +27,9 @@ _korvex-dao() {
             '(-h --help)--help[Print this help message and exit]' \
             '(--format)--format=[How to print the findings\: text (if not given), short, json, sarif, or github]:WORD:(github json sarif short text)' \
             '(--color)--color=[When to color the text\: always, never, or auto (if not given)\: on a terminal without NO_COLOR]:WORD:(always auto never)' \
-            '*--warn=[Give the warnings of this name; may be repeated]:NAME:(unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable doubtful-value unused-silence unknown-warning)' \
-            '*--no-warn=[Do not give the warnings of this name; may be repeated]:NAME:(unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable doubtful-value unused-silence unknown-warning)' \
-            '(--werror)--werror[Take warnings for errors]' \
+            '*--warn=[Give the warnings of this name; may be repeated]:NAME:(unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable doubtful-value unused-suppression unknown-warning)' \
+            '*--no-warn=[Do not give the warnings of this name; may be repeated]:NAME:(unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable doubtful-value unused-suppression unknown-warning)' \
+            '(--werror)--werror[Treat warnings as errors]' \
             '(--no-strict)--no-strict[Skip the check for well-formed XML; only for documents that have passed it before]' \
             '(--keep-white-space)--keep-white-space[Keep texts of white space only; a map with indented children is refused then]' \
             '(--max-bytes)--max-bytes=[The largest document to read, in bytes; 67108864 if not given]:N: ' \

@@ -7,7 +7,7 @@
 #include "checks/ErrorHints.h"
 #include "checks/NearMiss.h"
 #include "checks/Places.h"
-#include "checks/Silences.h"
+#include "checks/Suppressions.h"
 #include "dao/methods/ResultSpelling.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
@@ -21,8 +21,8 @@ namespace korvex {
 
 namespace {
 
-// Looking for a similar name takes time in proportion to all of them.
-constexpr std::size_t mostHints = 100;
+// Finding a similar name takes time proportional to the number of names.
+constexpr std::size_t maxHints = 100;
 
 // At the node at fault.
 Finding errorOf(const Definition& definition, const WarningList& list) {
@@ -55,7 +55,7 @@ Span placeOfMap(const Definition& definition, const Places& places) {
   return result.of(readResult(result.value).name);
 }
 
-// Definitions by what is inside them, for places further and further on.
+// Finds the definition around an offset. Offsets must not decrease.
 class DefinitionFinder {
  public:
   DefinitionFinder(const std::vector<Definition>& definitions, const Places& places)
@@ -76,16 +76,16 @@ class DefinitionFinder {
   const Definition* _last = nullptr;
 };
 
-Finding unusedSilence(const Silence& silence, const WarningList& list) {
-  Finding finding = list.findingAt(ruleOf(Warning::UnusedSilence), silence.comment);
-  finding.message = "there is no warning '" + std::string(silence.name) + "' to silence here";
+Finding unusedSuppression(const Suppression& suppression, const WarningList& list) {
+  Finding finding = list.findingAt(ruleOf(Warning::UnusedSuppression), suppression.comment);
+  finding.message = "there is no warning '" + std::string(suppression.name) + "' to suppress here";
   return finding;
 }
 
-Finding unknownWarning(const Silence& silence, const WarningList& list) {
-  Finding finding = list.findingAt(ruleOf(Warning::UnknownWarning), silence.comment);
-  finding.message = "no warning has the name '" + std::string(silence.name) + "'";
-  finding.help = didYouMean(silence.name, warningNames());
+Finding unknownWarning(const Suppression& suppression, const WarningList& list) {
+  Finding finding = list.findingAt(ruleOf(Warning::UnknownWarning), suppression.comment);
+  finding.message = "no warning has the name '" + std::string(suppression.name) + "'";
+  finding.help = didYouMean(suppression.name, warningNames());
   return finding;
 }
 
@@ -97,7 +97,7 @@ Finding findingOf(const std::string& path, const DocumentError& error, const Sou
   const WarningList list(places, path);
   Finding finding = list.findingAt(ruleOf(error.kind()), places.spanAt(places.source().offset(error.position)));
   finding.position = error.position;
-  // Of a text that cannot be read, the parser alone knows the place.
+  // The text could not be decoded, so only the parser knows the position.
   if (isBefore(finding.end, finding.position)) finding.end = finding.position;
   finding.message = error.message;
   return finding;
@@ -113,18 +113,19 @@ std::vector<Finding> SetCheck::check(const std::string& path, const Document& do
     findWarningsIn(definition, list);
   }
   _names.add(definitions, list);
-  Silences silences(places);
+  Suppressions suppressions(places);
   for (FoundWarning& warning : list.warnings()) {
-    if (!silences.use(warning)) hand(std::move(warning.finding), findings);
+    if (!suppressions.use(warning)) report(std::move(warning.finding), findings);
   }
   list.warnings().clear();
-  addReferences(definitions, list, silences);
-  handSilences(definitions, list, silences, findings);
+  addReferences(definitions, list, suppressions);
+  reportSuppressions(definitions, list, suppressions, findings);
   std::stable_sort(findings.begin(), findings.end(), standsBefore);
   return findings;
 }
 
-void SetCheck::addReferences(const std::vector<Definition>& definitions, WarningList& list, Silences& silences) {
+void SetCheck::addReferences(const std::vector<Definition>& definitions, WarningList& list,
+                             Suppressions& suppressions) {
   if (!_selection.wants(ruleOf(Warning::UndefinedMap))) return;
   for (const Definition& definition : definitions) {
     const OptionalStringView map = mapOf(definition);
@@ -135,44 +136,44 @@ void SetCheck::addReferences(const std::vector<Definition>& definitions, Warning
     FoundWarning& warning = list.warnings().back();
     MapReference& reference = _references.emplace_back();
     reference.map = *map;
-    if (const Silence* silence = silences.use(warning)) {
-      reference.silenced = true;
-      reference.unusedSilence = unusedSilence(*silence, list);
+    if (const Suppression* suppression = suppressions.use(warning)) {
+      reference.suppressed = true;
+      reference.unusedSuppression = unusedSuppression(*suppression, list);
     }
     reference.finding = std::move(warning.finding);
   }
 }
 
-void SetCheck::hand(Finding finding, std::vector<Finding>& findings) const {
+void SetCheck::report(Finding finding, std::vector<Finding>& findings) const {
   if (!_selection.wants(*finding.rule)) return;
   finding.severity = _selection.severityOf(*finding.rule);
   findings.push_back(std::move(finding));
 }
 
-// Whether a warning would be there that nobody wants is not asked.
-void SetCheck::handSilences(const std::vector<Definition>& definitions, const WarningList& list,
-                            const Silences& silences, std::vector<Finding>& findings) {
+// Suppressions of warnings that are switched off are not checked.
+void SetCheck::reportSuppressions(const std::vector<Definition>& definitions, const WarningList& list,
+                                  const Suppressions& suppressions, std::vector<Finding>& findings) {
   DefinitionFinder finder(definitions, list.places());
-  for (const Silence& silence : silences.all()) {
-    if (!silence.rule) {
-      hand(unknownWarning(silence, list), findings);
-    } else if (!silence.used && _selection.wants(*silence.rule)) {
-      handUnused(silence, finder.definitionAround(silence.element), list, findings);
+  for (const Suppression& suppression : suppressions.all()) {
+    if (!suppression.rule) {
+      report(unknownWarning(suppression, list), findings);
+    } else if (!suppression.used && _selection.wants(*suppression.rule)) {
+      reportUnused(suppression, finder.definitionAround(suppression.element), list, findings);
     }
   }
 }
 
-// Not all warnings are given of a definition with an error, and a name may be repeated in a document to come.
-void SetCheck::handUnused(const Silence& silence, const Definition* definition, const WarningList& list,
-                          std::vector<Finding>& findings) {
+// A definition with an error does not get all warnings, and a later document may repeat a name.
+void SetCheck::reportUnused(const Suppression& suppression, const Definition* definition, const WarningList& list,
+                            std::vector<Finding>& findings) {
   if (definition && definition->error) return;
-  const bool aboutName = silence.rule == &ruleOf(Warning::DuplicateName) && definition &&
-                         list.places().offsetOf(definition->xml) == silence.element;
+  const bool aboutName = suppression.rule == &ruleOf(Warning::DuplicateName) && definition &&
+                         list.places().offsetOf(definition->xml) == suppression.element;
   std::optional<SetNames::Name> name = aboutName ? SetNames::nameOf(*definition) : std::nullopt;
   if (!name) {
-    hand(unusedSilence(silence, list), findings);
+    report(unusedSuppression(suppression, list), findings);
   } else if (_whole) {
-    _nameSilences.push_back({std::move(*name), unusedSilence(silence, list)});
+    _nameSuppressions.push_back({std::move(*name), unusedSuppression(suppression, list)});
   }
 }
 
@@ -182,15 +183,15 @@ std::vector<Finding> SetCheck::finish() {
   const std::vector<std::string_view> maps = _names.mapNames();
   for (MapReference& reference : _references) {
     const bool defined = _names.hasMap(reference.map);
-    if (!defined && !reference.silenced) {
-      if (findings.size() < mostHints) reference.finding.help = didYouMean(reference.map, maps);
-      hand(std::move(reference.finding), findings);
-    } else if (defined && reference.silenced) {
-      hand(std::move(*reference.unusedSilence), findings);
+    if (!defined && !reference.suppressed) {
+      if (findings.size() < maxHints) reference.finding.help = didYouMean(reference.map, maps);
+      report(std::move(reference.finding), findings);
+    } else if (defined && reference.suppressed) {
+      report(std::move(*reference.unusedSuppression), findings);
     }
   }
-  for (NameSilence& silence : _nameSilences) {
-    if (!_names.isRepeated(silence.name)) hand(std::move(silence.unused), findings);
+  for (NameSuppression& suppression : _nameSuppressions) {
+    if (!_names.isRepeated(suppression.name)) report(std::move(suppression.unused), findings);
   }
   return findings;
 }

@@ -1,4 +1,4 @@
-// What is to be said about definition documents: one by one, and as a set.
+// Checks definition documents, one by one and as a set.
 #pragma once
 
 #include <optional>
@@ -15,13 +15,13 @@
 
 namespace korvex {
 
-class Silences;
-struct Silence;
+class Suppressions;
+struct Suppression;
 
-// The finding of a document that cannot be read; `source` is null when there is no text either.
+// The finding for a document that cannot be read. `source` is null if its text could not be read either.
 [[nodiscard]] Finding findingOf(const std::string& path, const DocumentError& error, const SourceText* source);
 
-// The errors and warnings of documents that belong together, given one after the other.
+// Finds the errors and warnings of documents that belong together. They are passed in one after the other.
 class SetCheck {
  public:
   explicit SetCheck(WarningSelection selection = {}) : _selection(std::move(selection)) {}
@@ -29,50 +29,50 @@ class SetCheck {
   // The findings of the next document and its definitions, in the order of their places.
   [[nodiscard]] std::vector<Finding> check(const std::string& path, const Document& document,
                                            const std::vector<Definition>& definitions);
-  // The documents are all there are: what none of them has is nowhere.
-  void takeForWhole() { _whole = true; }
-  // A document that belongs to the set, but cannot be read: what it defines nobody knows.
+  // Declares that there are no other documents, so that what none of them defines is undefined.
+  void treatAsComplete() { _whole = true; }
+  // Records a document of the set that cannot be read, so that its definitions are unknown.
   void addUnread() { _complete = false; }
 
-  // Whether finish() may have more to say about the document that was checked last.
+  // Whether finish() may return more findings for the document that was checked last.
   [[nodiscard]] bool hasMoreAbout(const std::string& path) const {
     return (!_references.empty() && _references.back().finding.path == path) ||
-           (!_nameSilences.empty() && _nameSilences.back().unused.path == path);
+           (!_nameSuppressions.empty() && _nameSuppressions.back().unused.path == path);
   }
-  // What only the whole set can tell, when all documents have been checked.
+  // The findings that depend on the whole set. Call it once all documents have been checked.
   [[nodiscard]] std::vector<Finding> finish();
 
  private:
-  // A result that names a map, with the warnings for when there is no such map, or for when there is.
+  // A result that names a map, with one warning for each case: the map is missing, or it exists.
   struct MapReference {
     std::string map;
     Finding finding;
-    bool silenced = false;
-    std::optional<Finding> unusedSilence;
+    bool suppressed = false;
+    std::optional<Finding> unusedSuppression;
   };
 
-  // A comment that silences the warning about a name that comes twice, with the warning for when it does not.
-  struct NameSilence {
+  // A comment that suppresses a duplicate-name warning, with the warning to give if the name is unique.
+  struct NameSuppression {
     SetNames::Name name;
     Finding unused;
   };
 
-  void addReferences(const std::vector<Definition>& definitions, WarningList& list, Silences& silences);
-  void hand(Finding finding, std::vector<Finding>& findings) const;
-  void handSilences(const std::vector<Definition>& definitions, const WarningList& list, const Silences& silences,
+  void addReferences(const std::vector<Definition>& definitions, WarningList& list, Suppressions& suppressions);
+  void report(Finding finding, std::vector<Finding>& findings) const;
+  void reportSuppressions(const std::vector<Definition>& definitions, const WarningList& list,
+                          const Suppressions& suppressions, std::vector<Finding>& findings);
+  void reportUnused(const Suppression& suppression, const Definition* definition, const WarningList& list,
                     std::vector<Finding>& findings);
-  void handUnused(const Silence& silence, const Definition* definition, const WarningList& list,
-                  std::vector<Finding>& findings);
 
   WarningSelection _selection;
   SetNames _names;
   std::vector<MapReference> _references;
-  std::vector<NameSilence> _nameSilences;
+  std::vector<NameSuppression> _nameSuppressions;
   bool _whole = false;
   bool _complete = true;
 };
 
-// The findings of a document that stands alone.
+// The findings of a single document.
 [[nodiscard]] std::vector<Finding> findingsOf(const std::string& path, const Document& document,
                                               const std::vector<Definition>& definitions);
 

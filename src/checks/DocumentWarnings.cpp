@@ -80,8 +80,8 @@ void findDoubtfulValues(const XMLNode& node, const ElementEntry& element, Warnin
 // ---------------------------------------------------------------------------------------------
 // Names that are written twice
 
-// Adds a warning for each name that an earlier one repeats. Names are views that stay valid. Only for a warning is
-// asked where in the source the items stand that bear them.
+// Adds a warning for each repeated name. Names are views that stay valid. The places of items in the source are looked
+// up only for a warning.
 template <typename Item, typename PlaceOf>
 class Repetitions {
  public:
@@ -149,17 +149,17 @@ void findIgnoredContent(const XMLNode& node, const ElementEntry& element, Warnin
     const std::size_t begin =
         list.places().source().text().find_first_not_of(xmlWhiteSpace, list.places().offsetOf(child));
     list.add(Warning::IgnoredContent, node, list.places().spanAt(begin),
-             "what stands in " + quoted(element.tag) + " is passed over");
+             "the content of " + quoted(element.tag) + " is ignored");
     return;
   }
 }
 
-void findMisplacedWhen(const XMLNode& node, const ElementEntry& element, const ElementEntry* holder,
+void findMisplacedWhen(const XMLNode& node, const ElementEntry& element, const ElementEntry* parent,
                        WarningList& list) {
   const bool when = element.tag == C_WHEN;
-  if ((!when && element.tag != C_OTHERWISE) || (holder && holder->tag == C_CHOOSE)) return;
+  if ((!when && element.tag != C_OTHERWISE) || (parent && parent->tag == C_CHOOSE)) return;
   Finding& finding = list.add(Warning::MisplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
-                              quoted(element.tag) + " stands outside 'choose'");
+                              quoted(element.tag) + " is outside 'choose'");
   finding.help = when ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
 }
 
@@ -174,7 +174,7 @@ void findLostResumable(const Definition& definition, WarningList& list) {
   }
   if (!booleanAttributeValue(step.valueOfAttribute(C_RESUMABLE))) return;
   list.add(Warning::LostResumable, step, list.places().nameOf(step, C_RESUMABLE),
-           "a single step is not resumable: it is taken as if its content stood in the method");
+           "a single step is not resumable: it is treated as if its content were in the method");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -198,13 +198,13 @@ constexpr std::array<DefinitionRule, 10> definitionRules = {{
     {C_UPGRADE, findLostResumable},
 }};
 
-void findInElement(const XMLNode& node, const ElementEntry* holder, bool built, WarningList& list) {
+void findInElement(const XMLNode& node, const ElementEntry* parent, bool built, WarningList& list) {
   const ElementEntry* element = vocabularyEntryOf(node.name().value_or(std::string_view()));
-  if (!element || (holder && isDefinitionTag(element->tag))) return;  // has an error
+  if (!element || (parent && isDefinitionTag(element->tag))) return;  // has an error
   findUnreadAttributes(node, *element, list);
   findDoubtfulValues(node, *element, list);
   findIgnoredContent(node, *element, list);
-  findMisplacedWhen(node, *element, holder, list);
+  findMisplacedWhen(node, *element, parent, list);
   if (built) findUnfinishedReferences(node, *element, list);
   if (element->content == Content::PassedOver) return;
   for (const XMLNode& child : node.children()) {

@@ -1,4 +1,4 @@
-// Warnings that need no other definition to be seen.
+// Warnings that depend on one definition alone.
 #pragma once
 
 #include "checks/WarningList.h"
@@ -6,7 +6,7 @@
 
 namespace korvex {
 
-// Of a definition that was refused, only those that are true of it all the same.
+// A definition that was refused gets only the warnings that do not depend on its element tree.
 void findWarningsIn(const Definition& definition, WarningList& list);
 
 }  // namespace korvex

@@ -102,12 +102,12 @@ std::string_view withoutBrackets(std::string_view result) {
 std::optional<Doubt> doubtAboutResult(const AttributeEntry& attribute, std::string_view value) {
   const std::string_view word = withoutBrackets(value);
   if (value.starts_with('[') != value.ends_with(']')) {
-    return Doubt{quoted(value) + " is no list: one of its brackets is missing",
+    return Doubt{quoted(value) + " is not a list: one of its brackets is missing",
                  "did you mean '[" + std::string(word) + "]'?"};
   }
   const std::string_view meant = typeMeantBy(word, attribute.words);
   if (meant.empty()) return std::nullopt;
-  return Doubt{quoted(word) + " is taken for a class", "did you mean " + quoted(meant) + "?"};
+  return Doubt{quoted(word) + " is read as a class", "did you mean " + quoted(meant) + "?"};
 }
 
 struct DoubtRule {

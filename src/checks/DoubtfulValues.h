@@ -1,4 +1,4 @@
-// Values of attributes that are taken for something else than they look like.
+// Attribute values that are read as something other than they look like.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ struct Doubt {
   std::string help;
 };
 
-// Absent when the value is clear, or when nobody can know what it was meant for.
+// Absent if the value is clear, or if its intention cannot be guessed.
 [[nodiscard]] std::optional<Doubt> doubtAbout(const AttributeEntry& attribute, std::string_view value);
 
 }  // namespace korvex

@@ -20,7 +20,7 @@ std::string hintAtDefinition(const XMLNode& node) { return didYouMean(tagOf(node
 
 bool isFragment(const ElementEntry& element) { return element.tag != C_RESULT && !isDefinitionTag(element.tag); }
 
-// An element that there is stands in the wrong place: its tag is meant.
+// A known element stands in the wrong place; its tag is no typing error.
 std::string hintAtElement(const XMLNode& node) {
   if (vocabularyEntryOf(tagOf(node))) return {};
   std::vector<std::string_view> tags;
@@ -35,7 +35,7 @@ bool isNeeded(const ElementEntry& element, const AttributeEntry& attribute) {
   return attribute.required || std::find(needed.begin(), needed.end(), attribute.name) != needed.end();
 }
 
-// Attributes that an element does not have, though without them, or with others in their place, it is refused.
+// The attributes that the element lacks and is refused for.
 std::vector<std::string_view> missingAttributes(const XMLNode& node, const ElementEntry& element) {
   std::vector<std::string_view> missing;
   for (const AttributeEntry& attribute : element.attributes) {
@@ -62,7 +62,7 @@ std::string hintAtAttributes(const XMLNode& node) {
   return {};
 }
 
-// Every definition of an unknown tag lacks its name first of all.
+// A definition with an unknown tag and no name is reported as nameless.
 std::string hintAtName(const XMLNode& node) {
   if (isDefinitionTag(tagOf(node))) return hintAtAttributes(node);
   const std::string meant = hintAtDefinition(node);

@@ -1,4 +1,4 @@
-// What somebody may have meant who wrote a definition that was refused.
+// Suggestions for definitions that were refused.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace korvex {
 
-// Something to say beside the error's message about the node at fault; empty when there is nothing.
+// A suggestion about the node at fault, shown with the error's message; empty if there is none.
 [[nodiscard]] std::string hintAbout(QXDAORule rule, const XMLNode& origin);
 
 }  // namespace korvex

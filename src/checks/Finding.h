@@ -1,4 +1,4 @@
-// What is wrong with a definition document, or looks as if it were.
+// An error or warning about a definition document.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace korvex {
 
-// Another place that a finding is about, such as the first of two that bear the same name.
+// Another place that a finding refers to, such as the first of two definitions with the same name.
 struct Related {
   std::string path;
   XMLPosition position;
@@ -20,20 +20,20 @@ struct Related {
 };
 
 struct Finding {
-  // The definition at fault; a document that cannot be read as a whole has none.
+  // The definition at fault. A document that cannot be read as a whole has none.
   struct InDefinition {
     std::string tag;
     OptionalString name;  // its "id"
     std::size_t line = 0;
   };
 
-  const Rule* rule = nullptr;           // the rule that is violated; never null in a finding that is handed out
-  Severity severity = Severity::Error;  // that of the rule, unless warnings are taken for errors
+  const Rule* rule = nullptr;           // the rule that is violated; never null in a reported finding
+  Severity severity = Severity::Error;  // that of the rule, unless warnings are treated as errors
   std::string path;
   XMLPosition position;
   XMLPosition end;  // one past the last character
   std::string message;
-  std::string help;  // how to mend it; may be empty
+  std::string help;  // how to fix it; may be empty
   std::vector<Related> related;
   std::optional<InDefinition> definition;
 };

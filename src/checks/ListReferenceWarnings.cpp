@@ -39,14 +39,14 @@ bool isBlank(std::string_view text) { return text.find_first_not_of(xmlWhiteSpac
 // the format is passed over, and without entries the format itself is.
 std::string_view lossOf(const ReferenceList& reference) {
   const std::string_view inside = reference.inside;
-  if (!reference.stars) return "this list reference has no entries: nothing is left of it";
+  if (!reference.stars) return "this list reference has no entries and expands to nothing";
   const auto formatBegin = static_cast<std::size_t>(reference.format.data() - inside.data());
   const auto starsBegin = static_cast<std::size_t>(reference.stars->data() - inside.data());
   const std::size_t formatEnd = formatBegin + reference.format.size();
   const bool parted = std::less<>()(inside.data(), reference.format.data()) && formatEnd + 2 <= starsBegin &&
                       isBlank(inside.substr(0, formatBegin - 1)) &&
                       isBlank(inside.substr(formatEnd + 1, starsBegin - 1 - (formatEnd + 1)));
-  return parted ? std::string_view() : "text in this list reference is passed over";
+  return parted ? std::string_view() : "text in this list reference is lost";
 }
 
 struct Loss {
@@ -107,8 +107,8 @@ std::size_t openingBeforeExpansion(std::string_view text, std::string_view expan
 // The opening in the source: of those behind `from`, the one that has as many before it as in the text. It may be
 // written with character references; then `from` is as near as one gets.
 Span placeInSource(const Places& places, std::size_t from, std::string_view text, std::size_t opening) {
-  constexpr std::size_t mostPerByte = 16;  // comments included
-  const std::string_view source = places.source().text().substr(from, mostPerByte * text.size());
+  constexpr std::size_t maxPerByte = 16;  // comments included
+  const std::string_view source = places.source().text().substr(from, maxPerByte * text.size());
   std::size_t at = source.find(openingOfReference);
   for (std::size_t other = text.find(openingOfReference); other < opening && at != std::string_view::npos;
        other = text.find(openingOfReference, other + 1)) {
@@ -132,7 +132,7 @@ void findUnfinishedReference(const XMLNode& element, std::string_view text, Text
   };
   if (const std::optional<Loss> loss = lossIn(text)) {
     list.add(Warning::UnfinishedListReference, element, placeOf(loss->opening), std::string(loss->message)).help =
-        "write %{'FORMAT', ENTRY, ENTRY}, or divide what is none: '%' || '{'";
+        "write %{'FORMAT', ENTRY, ENTRY}; if no reference is meant, split it: '%' || '{'";
     return;
   }
   const auto written = QXDAOText::elementWithText(text);
@@ -140,7 +140,7 @@ void findUnfinishedReference(const XMLNode& element, std::string_view text, Text
   const std::size_t left = openingOutsideQuotes(expanded);
   if (left == std::string_view::npos) return;
   list.add(Warning::UnfinishedListReference, element, placeOf(openingBeforeExpansion(text, expanded, left)),
-           "this list reference is not written out");
+           "this list reference is not expanded");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Warnings about list references that hardly become what was meant.
+// Warnings about list references whose expansion is probably unintended.
 #pragma once
 
 #include "checks/WarningList.h"

@@ -10,7 +10,7 @@ namespace korvex {
 
 namespace {
 
-// How many letters have to be put in, taken out, replaced, or exchanged with their neighbour.
+// The number of letters to insert, delete, replace, or exchange with a neighbour.
 std::size_t distanceBetween(std::string_view from, std::string_view to) {
   std::vector<std::size_t> beforeLast(to.size() + 1);
   std::vector<std::size_t> last(to.size() + 1);
@@ -31,13 +31,14 @@ std::size_t distanceBetween(std::string_view from, std::string_view to) {
 
 std::size_t differenceOf(std::size_t a, std::size_t b) { return a < b ? b - a : a - b; }
 
-// Nobody mistypes a longer word for one that he knows, and comparing takes time by the product of the lengths.
-constexpr std::size_t longestWord = 64;
+// Longer words are not typing errors, and the time to compare two words is proportional to the product of their
+// lengths.
+constexpr std::size_t maxWordLength = 64;
 
 }  // namespace
 
 std::string_view nearestOf(std::string_view written, std::span<const std::string_view> words) {
-  if (written.size() > longestWord) return {};
+  if (written.size() > maxWordLength) return {};
   const std::string lowered = asciiLowerCase(written);
   std::size_t bound = std::max<std::size_t>(1, written.size() / 3) + 1;
   std::string_view nearest;

@@ -1,4 +1,4 @@
-// What somebody may have meant who wrote something else.
+// Suggestions for misspelled words.
 #pragma once
 
 #include <span>
@@ -7,11 +7,11 @@
 
 namespace korvex {
 
-// The nearest of the words, case aside, when it is near enough for a slip of the fingers; else empty, as it is for a
-// very long one.
+// The most similar of the words, ignoring case, if it is similar enough to be a typing error; otherwise empty. Very
+// long words have no similar one.
 [[nodiscard]] std::string_view nearestOf(std::string_view written, std::span<const std::string_view> words);
 
-// "did you mean 'parallel'?", or nothing when no word is near.
+// "did you mean 'parallel'?", or an empty string if no word is similar.
 [[nodiscard]] std::string didYouMean(std::string_view written, std::span<const std::string_view> words);
 
 }  // namespace korvex

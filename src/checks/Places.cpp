@@ -8,8 +8,8 @@ namespace korvex {
 
 namespace {
 
-// In bytes. Some documents are one long line.
-constexpr std::size_t longestSpan = 400;
+// In bytes: some documents are one long line.
+constexpr std::size_t maxSpan = 400;
 
 // Each white space of a value is read as a space, CR LF as one. Notes where it was.
 bool isWrittenAs(std::string_view written, std::string_view value, std::vector<std::size_t>& longBreaks) {
@@ -38,7 +38,7 @@ const MarkupElement* Places::elementAt(std::size_t offset) const {
 
 Span Places::spanAt(std::size_t offset) const {
   if (const MarkupElement* element = elementAt(offset)) return {offset, element->name.end};
-  const std::string_view line = _source.text().substr(offset, longestSpan);
+  const std::string_view line = _source.text().substr(offset, maxSpan);
   return {offset, offset + std::min(line.find_first_of("\r\n"), line.size())};
 }
 

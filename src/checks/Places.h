@@ -1,4 +1,4 @@
-// Where in a source text the things stand that findings are about.
+// Maps document nodes to places in the source text.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace korvex {
 
-// An attribute's value and where it stands.
+// The value of an attribute and its place in the source.
 struct WrittenValue {
   Span whole;
   std::string_view value;

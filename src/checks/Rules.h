@@ -12,7 +12,7 @@ namespace korvex {
 
 enum class Severity {
   Error,    // the definition or the document is refused
-  Warning,  // it is taken, but hardly as it was meant
+  Warning,  // it is accepted but probably unintended
 };
 
 enum class Warning {
@@ -27,7 +27,7 @@ enum class Warning {
   DuplicateArgument,
   LostResumable,
   DoubtfulValue,
-  UnusedSilence,
+  UnusedSuppression,
   UnknownWarning,
 };
 
@@ -40,7 +40,7 @@ struct Rule {
   Severity severity = Severity::Error;
   bool onByDefault = true;
   std::string_view message;       // of an error the message, "%@" the place that is filled; of a warning its title
-  std::string_view help = {};     // one sentence: how to mend it
+  std::string_view help = {};     // one sentence: how to fix it
   std::string_view meaning = {};  // a few sentences
   // Definitions that violate this rule alone, and that violate none.
   std::string_view wrong = {};

@@ -1,4 +1,4 @@
-// The names that the definitions of several documents bear.
+// The names of the definitions in several documents.
 #pragma once
 
 #include <array>
@@ -17,10 +17,10 @@ namespace korvex {
 
 class SetNames {
  public:
-  // Gives a warning for each definition that bears the name of an earlier one of its kind.
+  // Adds a warning for each definition that has the name of an earlier one of its kind.
   void add(const std::vector<Definition>& definitions, WarningList& list);
 
-  // A map that was refused counts, too.
+  // Includes maps that were refused.
   [[nodiscard]] bool hasMap(const std::string& name) const { return _maps.contains(name); }
   [[nodiscard]] std::vector<std::string_view> mapNames() const;
 
@@ -31,7 +31,7 @@ class SetNames {
   };
   // Absent for a definition that has no name to share.
   [[nodiscard]] static std::optional<Name> nameOf(const Definition& definition);
-  // Whether several definitions bear that name, or may once those that were refused are mended.
+  // Whether several definitions have that name, or may have it once the refused ones are fixed.
   [[nodiscard]] bool isRepeated(const Name& name) const;
 
  private:
@@ -49,7 +49,7 @@ class SetNames {
   std::vector<std::string> _documents;  // their paths
   std::array<std::unordered_map<std::string, Place>, kinds> _first;
   std::array<std::unordered_set<std::string>, kinds> _repeated;
-  std::unordered_set<std::string> _refused;  // what definitions that were refused may be called
+  std::unordered_set<std::string> _refused;  // the possible names of refused definitions
   std::unordered_set<std::string> _maps;
 };
 

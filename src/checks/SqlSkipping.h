@@ -1,4 +1,4 @@
-// Where SQL says nothing: strings, quoted names and comments.
+// Skips strings, quoted names and comments in SQL.
 #pragma once
 #include <array>
 #include <cstddef>

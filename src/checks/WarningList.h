@@ -1,4 +1,4 @@
-// Warnings of a document as they are found, before anybody asks whether they are wanted.
+// Collects all warnings of a document, whether they are switched on or not.
 #pragma once
 
 #include <string>
@@ -29,7 +29,7 @@ class WarningList {
 
   // Those added from now on are about this definition.
   void setDefinition(const Definition& definition) { _definition = &definition; }
-  // A warning about an element, at a place that belongs to it. It may be completed until the next one is added.
+  // Adds a warning about an element at a place. The reference is valid until the next one is added.
   Finding& add(Warning warning, const XMLNode& element, Span place, std::string message);
 
   // Without a message.

@@ -9,43 +9,41 @@ namespace korvex {
 
 inline constexpr std::array<Rule, 13> warningRules = {{
     {Warning::UnreadAttribute, "unread-attribute", Severity::Warning, true, "An attribute that its element never reads",
-     "Correct the spelling of the attribute, move it to the element that it is meant for, or take it out.",
-     "Most elements pass over attributes that they do not know, so a slip in a name goes unnoticed: the element is "
-     "taken as if the attribute were not there. Names count case. The options of a select mean nothing elsewhere, and "
-     "a method reads 'resumable' only together with 'foreach'. Attributes whose names have a prefix are left alone.",
+     "Correct the attribute, move it to the element it belongs to, or remove it.",
+     "Most elements ignore unknown attributes, so a misspelled name goes unnoticed: the element is read as if the "
+     "attribute were missing. Names are case-sensitive. The options of a select have no effect on other methods, and a "
+     "method reads 'resumable' only together with 'foreach'. Attributes with a namespace prefix are not checked.",
      R"(<select id="allTags" result="[string]" paralell="true">
   SELECT title FROM tag
 </select>)",
      R"(<select id="allTags" result="[string]" parallel="true">
   SELECT title FROM tag
 </select>)"},
-    {Warning::DuplicateName, "duplicate-name", Severity::Warning, true, "Two definitions of a kind bear the same name",
-     "Give one of them another name, or take it out.",
-     "Which of them the name stands for is the engine's decision. Select, update, insert and delete "
-     "methods share their names; maps, sql blocks and constants each have their own. All documents that are checked "
-     "together count, in their order; the finding is the later definition, and tells where the first one is.",
+    {Warning::DuplicateName, "duplicate-name", Severity::Warning, true, "Two definitions of a kind have the same name",
+     "Rename or remove one of them.",
+     "The engine decides which of them the name refers to. Select, update, insert and delete methods share one set of "
+     "names; maps, sql blocks and constants each have their own. Documents that are checked together share their "
+     "names. The warning is given for the later definition and points to the first one.",
      R"(<const PAGE_SIZE="50"/>
 <const PAGE_SIZE="20"/>)",
      R"(<const PAGE_SIZE="50"/>
 <sql id="PAGE_SIZE">50</sql>)"},
     {Warning::UndefinedMap, "undefined-map", Severity::Warning, false, "A result names a map that is not defined",
      "Correct the name, define the map, or check the documents that define it together with this one.",
-     "A result of \":name\" is made through the map of that name. Whether it is defined shows only when all documents "
-     "are checked together: this warning is given when a directory is checked, which is taken for all there is, or "
-     "when it is asked for. It is not given when one of the documents cannot be read.",
+     "A result \":name\" uses the map of that name. Only all documents together show whether it is defined, so this "
+     "warning is on when a directory is checked, and otherwise off unless switched on. It is not given if one of the "
+     "documents cannot be read.",
      R"(<select id="allPersons" result="[:personMap]">SELECT * FROM person</select>)",
      R"(<select id="allPersons" result="[:personMap]">SELECT * FROM person</select>
 <map id="personMap" result="Person">
   <result column="name" property="name"/>
 </map>)"},
     {Warning::UnfinishedListReference, "unfinished-list-reference", Severity::Warning, true,
-     "A list reference that is not written out, or loses text", "Complete the reference: %{'FORMAT', ENTRY, ENTRY}.",
-     "A list reference is written out only when it has a format in single quotes and ends with a brace, and when its "
-     "text is long enough; otherwise its \"%{\" reaches the database as it is. Where it is written out, text before "
-     "the "
-     "format and between the format and the first comma is lost, and without entries all of it is. SQL strings, quoted "
-     "names and comments are no exception: a \"%{\" in them begins a reference, too, and does no harm only as long as "
-     "nothing completes it. A pattern that needs one is divided: '%' || '{'.",
+     "A list reference not expanded, or losing text", "Complete the reference: %{'FORMAT', ENTRY, ENTRY}.",
+     "A list reference is expanded only if it has a format in single quotes, ends with a brace, and is long enough. "
+     "Otherwise its \"%{\" reaches the database unchanged. In an expanded reference, text before the format or between "
+     "the format and the first comma is lost, and a reference without entries is lost completely. A \"%{\" in an SQL "
+     "string, a quoted name or a comment begins a reference, too. Split a pattern that needs one: '%' || '{'.",
      R"(<select id="kinds" result="[Kind]">
   SELECT * FROM kind WHERE doc LIKE '%{"kind":%' AND doc NOT LIKE '%}]'
 </select>)",
@@ -53,18 +51,18 @@ inline constexpr std::array<Rule, 13> warningRules = {{
   SELECT %{'k.*', id, doc} FROM kind k
   WHERE doc LIKE '%' || '{"kind":%' AND doc NOT LIKE '%}]'
 </select>)"},
-    {Warning::IgnoredContent, "ignored-content", Severity::Warning, true, "Content of an element that has none",
-     "Move the content to where it has a meaning, or take it out.",
-     "A format, a result of a map and a pack are read from their attributes alone; whatever stands inside is passed "
-     "over, well-formed or not a word of the language.",
+    {Warning::IgnoredContent, "ignored-content", Severity::Warning, true, "Content in an element that cannot have any",
+     "Move the content to another element, or remove it.",
+     "A format, a pack and a result of a map consist of their attributes alone. Their content is ignored, whatever it "
+     "is.",
      R"(<pack as="info" properties="company, website">jobTitle</pack>)",
      R"(<pack as="info" properties="company, website, jobTitle">
   <!-- more to come -->
 </pack>)"},
     {Warning::MisplacedWhen, "misplaced-when", Severity::Warning, true, "A when or otherwise outside choose",
      "Write 'if', or put it in a 'choose'.",
-     "Only a choose takes the first 'when' that applies, and its 'otherwise' when none does. Outside, each of them is "
-     "a condition of its own.",
+     "Only a choose selects the first 'when' that applies, or its 'otherwise' if none does. Outside a choose, each of "
+     "them is an independent condition.",
      R"(<select id="persons" arguments="byAge" result="[Person]">
   SELECT * FROM person <when true="byAge">ORDER BY age</when>
 </select>)",
@@ -72,9 +70,9 @@ inline constexpr std::array<Rule, 13> warningRules = {{
   SELECT * FROM person <choose><when true="byAge">ORDER BY age</when></choose>
 </select>)"},
     {Warning::DuplicateColumn, "duplicate-column", Severity::Warning, true, "A map names a column twice",
-     "Take out one of the two, or name the column that is meant.",
-     "A column fills one property of an object: that of the last result that names it. The property of the earlier one "
-     "is not filled by this column.",
+     "Remove one of the two, or correct the column.",
+     "A column fills one property: that of the last result that names it. The property of an earlier result is not "
+     "filled.",
      R"(<map id="personMap" result="Person">
   <result column="name" property="givenName"/>
   <result column="name" property="familyName"/>
@@ -84,13 +82,13 @@ inline constexpr std::array<Rule, 13> warningRules = {{
   <result column="name" property="familyName"/>
 </map>)"},
     {Warning::RepeatedProperty, "repeated-property", Severity::Warning, true, "A pack names a property twice",
-     "Take out one of the two, or name the property that is meant.",
-     "The value of a property that is named twice stands in the column twice, and is read back twice.",
+     "Remove one of the two, or correct the property.",
+     "The value of a property that is named twice is stored twice and read back twice.",
      R"(<pack as="info" properties="company, website, company"/>)",
      R"(<pack as="info" properties="company, website, Company"/>)"},
     {Warning::DuplicateArgument, "duplicate-argument", Severity::Warning, true, "A method declares an argument twice",
-     "Take out one of the two, or name the argument that is meant.",
-     "A name can stand for one value only. A '$' in front is not part of the name.",
+     "Remove one of the two, or correct the name.",
+     "A name can refer to only one value. The '$' before a name is not part of it.",
      R"(<delete id="forget" arguments="$personId, before, personId">
   DELETE FROM recent
 </delete>)",
@@ -98,8 +96,8 @@ inline constexpr std::array<Rule, 13> warningRules = {{
   DELETE FROM recent
 </delete>)"},
     {Warning::LostResumable, "lost-resumable", Severity::Warning, true, "A single step is not resumable",
-     "Divide the method into several steps, or write its content without a step.",
-     "A method with a single step is taken as if the step's content stood directly in the method, and the step's "
+     "Split the method into several steps, or remove the step around its content.",
+     "A method with a single step is treated as if the step's content were directly in the method, and the step's "
      "'resumable' is lost.",
      R"(<delete id="forgetAll">
   <step resumable="true">DELETE FROM recent</step>
@@ -109,32 +107,31 @@ inline constexpr std::array<Rule, 13> warningRules = {{
   <step>DELETE FROM tag</step>
 </delete>)"},
     {Warning::DoubtfulValue, "doubtful-value", Severity::Warning, true,
-     "A value that is read as something else than it looks like",
-     "Write one of the words that the attribute knows, as it is.",
-     "Yes is what begins with \"y\", \"t\" or a number other than 0, in either case; all else is no, \"on\" too. The "
-     "'crypt' of a pack is only for \"true\", to the letter, and 'onVoid' only for its two words. A 'result' that is "
-     "no "
-     "plain type, in small letters, is the name of a class, and so is one with a single bracket. The warning is given "
-     "only for what looks like a word that is known.",
+     "A value read as something other than it looks like", "Use exactly one of the attribute's values.",
+     "A value that begins with \"y\", \"t\" or a digit other than 0, in upper or lower case, means yes. Any other "
+     "value "
+     "means no, \"on\" included. The 'crypt' of a pack must be exactly \"true\", and 'onVoid' one of its two values. A "
+     "'result' that is not a plain type in lower case is a class name, and so is one with a single bracket. The "
+     "warning is given only for values that look like a known one.",
      R"(<select id="allTags" result="[string]" parallel="on">
   SELECT title FROM tag
 </select>)",
      R"(<select id="allTags" result="[string]" parallel="yes">
   SELECT title FROM tag
 </select>)"},
-    {Warning::UnusedSilence, "unused-silence", Severity::Warning, true, "A comment that silences nothing",
-     "Take the comment out, or put it directly before the element that is meant.",
-     "The comment \"korvex: allow NAME\" takes away the warnings of that name about the element that follows it with "
-     "nothing but white space and comments between. There is none here: it was mended, or stands in another place. "
-     "Nothing is said before a definition with an error, which may hide the warning, and of a name that would have to "
-     "come twice only when a directory is checked.",
+    {Warning::UnusedSuppression, "unused-suppression", Severity::Warning, true, "A comment that suppresses nothing",
+     "Remove the comment, or move it directly before its element.",
+     "The comment \"korvex: allow NAME\" suppresses the warnings of that name about the next element, with only white "
+     "space and comments in between. There is no such warning here: it was fixed, or is in another place. Comments "
+     "before a definition with an error are not checked, since the error may hide the warning. Comments about "
+     "duplicate names are checked only when a directory is checked.",
      R"(<!-- korvex: allow unread-attribute -->
 <sql id="columns">id, name</sql>)",
      R"(<!-- korvex: allow unread-attribute -->
 <sql id="columns" author="me">id, name</sql>)"},
     {Warning::UnknownWarning, "unknown-warning", Severity::Warning, true,
-     "A comment that silences a warning of an unknown name", "Correct the name; 'korvex-dao check --help' lists them.",
-     "The comment \"korvex: allow NAME\" has the name of one warning. Errors cannot be silenced.",
+     "A comment that suppresses an unknown warning", "Correct the name; 'korvex-dao check --help' lists them.",
+     "The comment \"korvex: allow NAME\" names one warning. Errors cannot be suppressed.",
      R"(<!-- korvex: allow duplicate-names -->
 <const PAGE_SIZE="50"/>)",
      R"(<!-- korvex is the app's own library: allow for that -->

@@ -1,4 +1,4 @@
-// Which warnings somebody wants to see.
+// Which warnings are switched on.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@ class WarningSelection {
  public:
   // A later choice replaces an earlier one; without any, the rule's default holds.
   void want(const Rule& rule, bool wanted) { _choices.emplace_back(&rule, wanted); }
-  void takeForErrors() { _errors = true; }
+  void treatAsErrors() { _errors = true; }
 
   [[nodiscard]] bool wants(const Rule& rule) const {
     const auto choice = std::find_if(_choices.rbegin(), _choices.rend(),

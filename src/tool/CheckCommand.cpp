@@ -37,7 +37,7 @@ WarningSelection selectionOf(const CheckOptions& options) {
   if (holdsWholeSet(options.paths)) selection.want(ruleOf(Warning::UndefinedMap), true);
   for (const std::string& name : options.warnings) selection.want(*ruleNamed(name), true);
   for (const std::string& name : options.noWarnings) selection.want(*ruleNamed(name), false);
-  if (options.warningsAreErrors) selection.takeForErrors();
+  if (options.warningsAreErrors) selection.treatAsErrors();
   return selection;
 }
 
@@ -49,7 +49,7 @@ class Check {
         _console(console),
         _report(makeCheckReport(options.format, console.out, colorWanted(options.color, console))),
         _set(selectionOf(options)) {
-    if (holdsWholeSet(options.paths)) _set.takeForWhole();
+    if (holdsWholeSet(options.paths)) _set.treatAsComplete();
   }
 
   ExitCode run() {

@@ -1,8 +1,11 @@
 #include "tool/RuleText.h"
 
+#include <algorithm>
 #include <array>
 #include <ostream>
 #include <sstream>
+
+#include "platform/Strings.h"
 
 namespace korvex {
 namespace {
@@ -94,6 +97,19 @@ void printRules(std::ostream& out, std::span<const Rule> rules) {
   }
 }
 
+std::string warningList() {
+  const auto names = warningNames();
+  const auto longest = std::max_element(names.begin(), names.end(),
+                                        [](std::string_view a, std::string_view b) { return a.size() < b.size(); });
+  std::string list;
+  for (const std::string_view name : names) {
+    const std::string title(ruleNamed(name)->message);
+    list.append(indentation).append(name).append(longest->size() - name.size() + indentation.size(), ' ');
+    list.append(asciiLowerCase(title.substr(0, 1))).append(title.substr(1)).append("\n");
+  }
+  return list;
+}
+
 std::string markdownOf(const Rule& rule) {
   std::ostringstream out;
   out << code(filledIn(rule.message)) << " (" << severityName(rule.severity) << ", " << defaultOf(rule) << ")\n\n"
@@ -107,7 +123,7 @@ std::string markdownOf(const Rule& rule) {
 std::string markdownOf(std::span<const Rule> rules) {
   std::ostringstream out;
   out << "# Rules\n\nWhat `korvex-dao check` finds, by the names of the rules that are violated. "
-         "`korvex-dao explain RULE` tells the same\nof one rule; this page is what "
+         "`korvex-dao explain RULE` shows one\nof them; this page is what "
          "`korvex-dao explain --format markdown` prints.\n\n"
       << "| Rule | Severity | Default | In short |\n|---|---|---|---|\n";
   for (const Rule& rule : rules) {

@@ -21,7 +21,10 @@ void printRule(std::ostream& out, const Rule& rule);
 // The name of each rule, whether it is on, and one sentence.
 void printRules(std::ostream& out, std::span<const Rule> rules);
 
-// The same two in Markdown.
+// The names of the warnings, each with its title in a second column, in lines of at most 80 characters.
+[[nodiscard]] std::string warningList();
+
+// A rule and all rules in Markdown.
 [[nodiscard]] std::string markdownOf(const Rule& rule);
 [[nodiscard]] std::string markdownOf(std::span<const Rule> rules);
 

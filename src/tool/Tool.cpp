@@ -18,6 +18,7 @@
 #include "tool/ExplainCommand.h"
 #include "tool/LanguageServerCommand.h"
 #include "tool/ManPage.h"
+#include "tool/RuleText.h"
 #include "tool/SchemaCommand.h"
 #include "tool/UnpackCommand.h"
 #include "tool/VisibleText.h"
@@ -32,7 +33,8 @@ constexpr const char* generalFooter = R"(Examples:
   korvex-dao unpack --db app.sqlite --table person --column info
   korvex-dao check --help)";
 
-constexpr const char* checkFooter = R"(Prints one finding for each refused definition or malformed document, and for
+constexpr std::string_view checkFindings =
+    R"(Prints one finding for each refused definition or malformed document, and for
 what is accepted but probably unintended:
   path:line:column: error: message [rule]
   path:line:column: warning: message [rule]
@@ -40,21 +42,10 @@ with the source line and a caret below it. Lines and columns count from 1,
 columns in characters (code points).
 
 Warnings, by the names that --warn and --no-warn take:
-  unread-attribute           an attribute that its element never reads
-  duplicate-name             two definitions of a kind with the same name
-  undefined-map              a result names a map that is not defined; given
-                             with --warn, and when PATH is a directory
-  unfinished-list-reference  a list reference not written out, or losing text
-  ignored-content            content of a format, a pack or a map's result
-  misplaced-when             a when or otherwise outside choose
-  duplicate-column           a map names a column twice
-  repeated-property          a pack names a property twice
-  duplicate-argument         a method declares an argument twice
-  lost-resumable             the resumable of a single step
-  doubtful-value             a value read as something else than it looks like
-  unused-silence             a comment that silences nothing
-  unknown-warning            a comment that silences an unknown warning
-The comment <!-- korvex: allow NAME --> directly before an element silences
+)";
+
+constexpr std::string_view checkFooter = R"(All but undefined-map are on; undefined-map is on when PATH is a directory.
+The comment <!-- korvex: allow NAME --> directly before an element suppresses
 the warnings of that name about this element, not about those inside it.
 
 Formats:
@@ -203,9 +194,9 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
                        "When to color the text: always, never, or auto (if not given): on a terminal without NO_COLOR");
   addWarnings(*command, "--warn", options.warnings, "Give the warnings of this name; may be repeated");
   addWarnings(*command, "--no-warn", options.noWarnings, "Do not give the warnings of this name; may be repeated");
-  command->add_flag("--werror", options.warningsAreErrors, "Take warnings for errors");
+  command->add_flag("--werror", options.warningsAreErrors, "Treat warnings as errors");
   addLoadOptions(*command, options.load);
-  command->footer(checkFooter);
+  command->footer(std::string(checkFindings).append(warningList()).append(checkFooter));
   return command;
 }
 

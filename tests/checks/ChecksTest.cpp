@@ -50,7 +50,7 @@ WarningSelection everyWarning() {
 // "path:line:column: rule" for each finding of documents that are checked together, named "1", "2" and so on.
 Texts findingsIn(const Texts& documents, const WarningSelection& selection = everyWarning(), bool whole = false) {
   SetCheck set(selection);
-  if (whole) set.takeForWhole();
+  if (whole) set.treatAsComplete();
   Texts found;
   const auto add = [&found](const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
@@ -181,17 +181,17 @@ TEST(Warnings, AboutNamesInSeveralDocuments) {
   EXPECT_TRUE(incomplete.finish().empty());
 }
 
-TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
+TEST(Warnings, AreSuppressedByACommentBeforeTheElement) {
   const std::string allow = "<!-- korvex: allow unread-attribute -->";
   const std::string wrong = "<sql id='a' x=''/>";
   const std::string missing = "<select id='a' result=':m'>x</select>";
   const std::pair<std::string, Texts> cases[] = {
       {allow + wrong, {}},
       {"<!--korvex:\tallow\nunread-attribute-->\n <!-- why -->\n" + wrong, {}},
-      {allow + "<!-- korvex: allow duplicate-column -->" + wrong, {"1:1:43: unused-silence"}},
-      {wrong + allow, {"1:1:16: unread-attribute", "1:1:22: unused-silence"}},
-      {allow + "x" + wrong, {"1:1:4: unused-silence", "1:1:56: unread-attribute"}},
-      {allow + "<update id='u'><step x=''/></update>", {"1:1:4: unused-silence", "1:1:64: unread-attribute"}},
+      {allow + "<!-- korvex: allow duplicate-column -->" + wrong, {"1:1:43: unused-suppression"}},
+      {wrong + allow, {"1:1:16: unread-attribute", "1:1:22: unused-suppression"}},
+      {allow + "x" + wrong, {"1:1:4: unused-suppression", "1:1:56: unread-attribute"}},
+      {allow + "<update id='u'><step x=''/></update>", {"1:1:4: unused-suppression", "1:1:64: unread-attribute"}},
       {"<update id='u'>a" + allow + "<where x=''/></update>", {}},
       {"<update id='u'><![CDATA[" + allow + "]]><where x=''/></update>", {"1:1:77: unread-attribute"}},
       {"<!-- korvex: allow condition-format --><update id='u'><if/></update>",
@@ -200,9 +200,9 @@ TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
       {"<!-- korvex: allow -->" + wrong, {"1:1:38: unread-attribute"}},
       {"<!-- korvex: allow lost-resumable --><update id='u'>" + allow + "<if/></update>", {"1:1:95: condition-format"}},
       {"<!-- korvex: allow duplicate-name --><update id='u'>" + allow + "<where/></update>",
-       {"1:1:56: unused-silence"}},
+       {"1:1:56: unused-suppression"}},
       {"<!-- korvex: allow undefined-map -->" + missing, {}},
-      {"<!-- korvex: allow undefined-map -->" + missing + "<map id='m' result='P'/>", {"1:1:4: unused-silence"}},
+      {"<!-- korvex: allow undefined-map -->" + missing + "<map id='m' result='P'/>", {"1:1:4: unused-suppression"}},
   };
   for (const auto& [definitions, expected] : cases) {
     EXPECT_EQ(findingsIn({wrapped(definitions)}), expected) << definitions;
@@ -210,10 +210,10 @@ TEST(Warnings, AreSilencedByACommentBeforeTheElement) {
   EXPECT_EQ(findingsIn({wrapped("<!-- korvex: allow undefined-map -->" + missing)}, {}), Texts());
 }
 
-TEST(Warnings, OfUnusedSilencesAboutNamesWaitForTheWholeSet) {
+TEST(Warnings, OfUnusedSuppressionsAboutNamesWaitForTheWholeSet) {
   const std::string allow = "<!-- korvex: allow duplicate-name -->";
   const std::string other = "<d><delete id='a'>x</delete></d>";
-  const Texts unused = {"1:1:4: unused-silence"};
+  const Texts unused = {"1:1:4: unused-suppression"};
   const std::tuple<Texts, Texts> cases[] = {
       {{"<d>" + allow + "<update id='a'>x</update></d>"}, unused},
       {{"<d>" + allow + "<update id='a'>x</update></d>", other}, {"2:1:16: duplicate-name"}},

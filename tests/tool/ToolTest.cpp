@@ -136,7 +136,7 @@ TEST(Check, Warnings) {
     const char* counts;
   } cases[] = {
       {{}, 1, "1 error, 2 warnings"},
-      {{"--no-warn", "unused-silence", "--no-warn=unread-attribute"}, 1, "1 error"},
+      {{"--no-warn", "unused-suppression", "--no-warn=unread-attribute"}, 1, "1 error"},
       {{"--werror"}, 1, "3 errors"},
       {{"--no-warn", "duplicate-column"}, 1, "1 error, 1 warning"},
       {{"--warn", "unread-attribute", "--no-warn", "unread-attribute"}, 1, "1 error, 1 warning"},

@@ -74,7 +74,8 @@ void forEachText(const XMLNode& element, const Take& take) {
     take(spaceNewLineTabBothEndsTrimmed(gathered.text()), TextPlace::Content, element);
   } else {
     for (const XMLNode& node : element.children()) {
-      if (const OptionalStringView text = node.text()) take(spaceNewLineTabBothEndsTrimmed(*text), TextPlace::Node, node);
+      if (const OptionalStringView text = node.text())
+        take(spaceNewLineTabBothEndsTrimmed(*text), TextPlace::Node, node);
     }
   }
 }

@@ -1,4 +1,4 @@
-#include "checks/Silences.h"
+#include "checks/Suppressions.h"
 
 #include <algorithm>
 #include <optional>
@@ -40,32 +40,32 @@ std::size_t markupBehind(const Places& places, std::size_t offset) {
 
 }  // namespace
 
-Silences::Silences(const Places& places) {
+Suppressions::Suppressions(const Places& places) {
   const std::vector<Span>& comments = places.markup().comments();
-  std::size_t nextComment = Silence::none;
-  std::size_t nextElement = Silence::none;
+  std::size_t nextComment = Suppression::none;
+  std::size_t nextElement = Suppression::none;
   for (auto comment = comments.rbegin(); comment != comments.rend(); ++comment) {
     const std::size_t behind = markupBehind(places, comment->end);
-    if (behind != nextComment) nextElement = places.elementAt(behind) ? behind : Silence::none;
+    if (behind != nextComment) nextElement = places.elementAt(behind) ? behind : Suppression::none;
     nextComment = comment->begin;
     if (const auto name = nameIn(places.markup().textOf(*comment))) {
-      _silences.push_back({*comment, *name, warningNamed(*name), nextElement});
+      _suppressions.push_back({*comment, *name, warningNamed(*name), nextElement});
     }
   }
-  std::reverse(_silences.begin(), _silences.end());
+  std::reverse(_suppressions.begin(), _suppressions.end());
 }
 
-const Silence* Silences::use(const FoundWarning& warning) {
+const Suppression* Suppressions::use(const FoundWarning& warning) {
   // Sorted by their comments, and those with an element by that, too: it is the next behind the comment.
-  auto silence = std::partition_point(_silences.begin(), _silences.end(), [&warning](const Silence& candidate) {
-    return candidate.comment.begin < warning.element;
-  });
-  while (silence != _silences.begin()) {
-    --silence;
-    if (silence->element != warning.element) break;
-    if (silence->rule != warning.finding.rule) continue;
-    silence->used = true;
-    return &*silence;
+  auto suppression = std::partition_point(
+      _suppressions.begin(), _suppressions.end(),
+      [&warning](const Suppression& candidate) { return candidate.comment.begin < warning.element; });
+  while (suppression != _suppressions.begin()) {
+    --suppression;
+    if (suppression->element != warning.element) break;
+    if (suppression->rule != warning.finding.rule) continue;
+    suppression->used = true;
+    return &*suppression;
   }
   return nullptr;
 }
