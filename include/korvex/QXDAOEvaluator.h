@@ -33,9 +33,10 @@ using QXDAOTokenList = std::vector<QXDAOToken>;
 class KORVEX_EXPORT QXDAOEvaluator {
  public:
   // The tokens of the expression in order; none if the expression has none or cannot be tokenised (an
-  // unclosed string, a number that runs into a name, an unknown character, a no-break space or a curly
-  // quote in a name). Whether the tokens form an expression is up to the evaluator that runs them.
-  // Called on any thread, on several at once.
+  // unclosed string, a number that runs into a name, an unknown character, in a name one that cannot be
+  // seen or is taken for another, or bytes that are not UTF-8). Memory grows with the tokens. Whether
+  // the tokens form an expression is up to the evaluator that runs them. Called on any thread, on several
+  // at once.
   //
   // The text of a token is a piece of the expression, a constant, or text of the evaluator's own that
   // stays valid until it is called again on the same thread. QXDAOCondition copies what it is given.

@@ -62,14 +62,63 @@ bool classAt(std::string_view text, std::size_t at) {
   return at < text.size() && is<classes>(text[at]);
 }
 
-// Characters that word processors put in place of spaces and quotes. As part of a name they would
-// go unseen.
-constexpr std::array<std::string_view, 5> lookalikes = {"\u00A0", "\u2018", "\u2019", "\u201C", "\u201D"};
+struct CharacterRange {
+  char32_t first;
+  char32_t last;
+};
 
-bool holdsLookalike(std::string_view name) {
-  if (std::none_of(name.begin(), name.end(), is<NotASCII>)) return false;
-  return std::any_of(lookalikes.begin(), lookalikes.end(),
-                     [name](std::string_view character) { return name.find(character) != std::string_view::npos; });
+// What cannot be seen, or is taken for a character of ASCII: spaces, marks of direction and order, quotes, dashes,
+// signs of mathematics, full-width forms. As part of a name they would go unnoticed.
+constexpr std::array<CharacterRange, 26> lookalikes = {{
+    {0x80, 0xA0},     {0xAB, 0xAB},       {0xAD, 0xAD},     {0xB4, 0xB4},     {0xBB, 0xBB},     {0xD7, 0xD7},
+    {0xF7, 0xF7},     {0x2B9, 0x2BF},     {0x34F, 0x34F},   {0x61C, 0x61C},   {0x115F, 0x1160}, {0x1680, 0x1680},
+    {0x17B4, 0x17B5}, {0x180B, 0x180F},   {0x2000, 0x206F}, {0x2190, 0x23FF}, {0x2500, 0x2BFF}, {0x2E00, 0x2E7F},
+    {0x3000, 0x3004}, {0x3008, 0x3020},   {0x3164, 0x3164}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE6F}, {0xFEFF, 0xFF60},
+    {0xFFA0, 0xFFFF}, {0xE0000, 0xE0FFF},
+}};
+
+bool isLookalike(char32_t character) {
+  const auto* range = std::find_if(lookalikes.begin(), lookalikes.end(),
+                                   [character](const CharacterRange& entry) { return character <= entry.last; });
+  return range != lookalikes.end() && character >= range->first;
+}
+
+struct DecodedCharacter {
+  char32_t code = 0;
+  std::size_t length = 0;  // 0 for what is not UTF-8
+};
+
+// The first character of a text that is not empty.
+DecodedCharacter decodedCharacter(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text.front());
+  const std::size_t length = first < 0x80   ? 1
+                             : first < 0xC2 ? 0
+                             : first < 0xE0 ? 2
+                             : first < 0xF0 ? 3
+                             : first < 0xF5 ? 4
+                                            : 0;
+  if (length == 1) return {first, 1};
+  if (length == 0 || text.size() < length) return {};
+  char32_t code = first & (0x7FU >> length);
+  for (std::size_t at = 1; at < length; ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if ((byte & 0xC0U) != 0x80U) return {};
+    code = code << 6U | (byte & 0x3FU);
+  }
+  constexpr std::array<char32_t, 5> least = {0, 0, 0x80, 0x800, 0x10000};
+  const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+  return code < least[length] || code > 0x10FFFF || surrogate ? DecodedCharacter{} : DecodedCharacter{code, length};
+}
+
+// Whether every character is what it looks like.
+bool isHonest(std::string_view name) {
+  if (std::none_of(name.begin(), name.end(), is<NotASCII>)) return true;
+  while (!name.empty()) {
+    const DecodedCharacter character = decodedCharacter(name);
+    if (character.length == 0 || isLookalike(character.code)) return false;
+    name.remove_prefix(character.length);
+  }
+  return true;
 }
 
 // Each function below gives the length of its token at the front of the text, which begins with a character that such a
@@ -79,7 +128,7 @@ std::size_t lengthOfName(std::string_view text) {
   std::size_t length = 0;
   while (classAt<NameStart>(text, length)) {
     length += countWhile(text, length, is<NameStart | Digit>);
-    if (!classAt<Point>(text, length)) return holdsLookalike(text.substr(0, length)) ? 0 : length;
+    if (!classAt<Point>(text, length)) return isHonest(text.substr(0, length)) ? length : 0;
     ++length;
   }
   return 0;  // no name at all, or a dot without a name after it
@@ -155,16 +204,12 @@ bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
 
 void skipWhiteSpace(std::string_view& text) { text.remove_prefix(countWhile(text, 0, is<WhiteSpace>)); }
 
-// Most people put a space between two tokens.
-std::size_t usualTokenCount(std::string_view expression) {
-  return 1 + static_cast<std::size_t>(std::count(expression.begin(), expression.end(), ' '));
-}
-
 }  // namespace
 
 QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view expression) {
   QXDAOTokenList tokens;
-  tokens.reserve(usualTokenCount(expression));
+  constexpr std::size_t usualTokenCount = 4;
+  tokens.reserve(usualTokenCount);
   for (skipWhiteSpace(expression); !expression.empty(); skipWhiteSpace(expression)) {
     if (!takeToken(expression, tokens)) return {};
   }

@@ -17,6 +17,30 @@ std::string tokens(std::string_view expression) {
   return line;
 }
 
+// Outside strings, what cannot be seen or is taken for another character; letters of any script are names.
+TEST(Evaluator, RefusesLookalikes) {
+  for (const char* character :
+       {"\u00A0", "\u202F", "\u3000",   "\u2003",       "\u200B",          "\u200D", "\u2060", "\uFEFF",
+        "\u00AD", "\u202E", "\u2028",   "\u2013",       "\u2212",          "\u2265", "\u2260", "\u00D7",
+        "\u00AB", "\u2019", "\u201C",   "\uFF1D",       "\uFF41",          "\uFF08", "\u3164", "\U000E0061",
+        "\x80",   "\xC3",   "\xC0\xAF", "\xED\xA0\x80", "\xF5\x80\x80\x80"}) {
+    for (const std::string& expression :
+         {character + std::string("a"), "a" + std::string(character), "a " + std::string(character) + " 1"}) {
+      EXPECT_EQ(tokens(expression), "") << expression;
+    }
+    const std::string text = "'" + std::string(character) + "'";
+    EXPECT_EQ(tokens(text), "s:" + text);
+  }
+  for (const char* name : {"größe", "имя", "名前", "α", "नाम", "\U00020000", "é.ñ"}) {
+    EXPECT_EQ(tokens(name), std::string("n:") + name);
+  }
+}
+
+TEST(Evaluator, MemoryGrowsWithTokens) {
+  const std::string expression = "a" + std::string(1'000'000, ' ') + "'" + std::string(1000, ' ') + "'";
+  EXPECT_LE(QXDAOEvaluator::buildTokenListWithExpression(expression).capacity(), 16U);
+}
+
 TEST(Evaluator, Tokens) {
   const std::vector<std::pair<const char*, const char*>> cases = {
       {"a > 1", "n:a o:> d:1"},
