@@ -58,6 +58,8 @@ class KORVEX_EXPORT Document {
   // The root element; never null.
   [[nodiscard]] XMLNode root() const;
   [[nodiscard]] const SourceText& source() const;
+  // The same text, for whoever needs it longer than the document.
+  [[nodiscard]] const std::shared_ptr<const SourceText>& sharedSource() const;
 
  private:
   class Implementation;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -87,8 +88,11 @@ enum class DocumentRule : std::uint8_t {
 
 struct KORVEX_EXPORT DocumentError {
   DocumentRule rule = DocumentRule::NotWellFormed;
-  std::string message;   // one line without a final period
-  XMLPosition position;  // line 1, column 1 where the error is about the file as a whole
+  std::string message;        // one line without a final period
+  XMLPosition position = {};  // line 1, column 1 where the error is about the file as a whole
+  // The same in bytes from the beginning of the source text; 0 where there is no source text. Its position is then the
+  // parser's own.
+  std::size_t offset = 0;
 
   [[nodiscard]] DocumentErrorKind kind() const;
 };

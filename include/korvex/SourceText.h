@@ -25,9 +25,6 @@ class KORVEX_EXPORT SourceText {
   // The position of the byte at `offset`; an offset past the end gives the position of the end.
   // The time it takes depends on the number of lines, not on their length.
   [[nodiscard]] XMLPosition position(std::size_t offset) const;
-  // The other way round: the offset of the character at a position, or of what follows the last
-  // character when there is none.
-  [[nodiscard]] std::size_t offset(const XMLPosition& position) const;
   // Line `number` (from 1) without its line end; empty when there is no such line.
   [[nodiscard]] std::string_view line(std::size_t number) const;
 

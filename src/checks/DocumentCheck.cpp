@@ -1,7 +1,7 @@
 #include "checks/DocumentCheck.h"
 
 #include <algorithm>
-#include <tuple>
+#include <utility>
 
 #include "checks/DocumentWarnings.h"
 #include "checks/ErrorHints.h"
@@ -27,19 +27,17 @@ constexpr std::size_t maxHints = 100;
 // At the node at fault.
 Finding errorOf(const Definition& definition, const WarningList& list) {
   const QXDAOError& error = *definition.error;
-  const std::size_t begin = list.places().offsetOf(error.origin.position() ? error.origin : definition.xml);
-  Finding finding = list.findingAt(ruleOf(error.rule), list.places().spanAt(begin));
+  const XMLNode& origin = error.origin ? error.origin : definition.xml;
+  Finding finding = list.findingAt(ruleOf(error.rule), list.places().spanAt(origin.offset()));
   finding.message = error.message();
-  finding.help = hintAbout(error.rule, error.origin ? error.origin : definition.xml);
+  finding.help = hintAbout(error.rule, origin);
   finding.definition = inDefinition(definition);
   return finding;
 }
 
-bool isBefore(const XMLPosition& first, const XMLPosition& second) {
-  return std::tie(first.line, first.column) < std::tie(second.line, second.column);
+bool isBefore(const Finding& first, const Finding& second) {
+  return first.location.span.begin < second.location.span.begin;
 }
-
-bool standsBefore(const Finding& first, const Finding& second) { return isBefore(first.position, second.position); }
 
 // The name of the map that a result is made through.
 OptionalStringView mapOf(const Definition& definition) {
@@ -91,14 +89,14 @@ Finding unknownWarning(const Suppression& suppression, const WarningList& list) 
 
 }  // namespace
 
-Finding findingOf(const std::string& path, const DocumentError& error, const SourceText* source) {
-  static const SourceText noSource{""};
-  const Places places(source ? *source : noSource);
-  const WarningList list(places, path);
-  Finding finding = list.findingAt(ruleOf(error.kind()), places.spanAt(places.source().offset(error.position)));
-  finding.position = error.position;
-  // The text could not be decoded, so only the parser knows the position.
-  if (isBefore(finding.end, finding.position)) finding.end = finding.position;
+Finding findingOf(const std::string& path, const DocumentError& error,
+                  const std::shared_ptr<const SourceText>& source) {
+  const Rule& rule = ruleOf(error.kind());
+  Finding finding;
+  finding.rule = &rule;
+  finding.severity = rule.severity;
+  finding.location.file = std::make_shared<const CheckedFile>(CheckedFile{path, source, error.position});
+  if (source) finding.location.span = Places(*source).spanAt(error.offset);
   finding.message = error.message;
   return finding;
 }
@@ -106,7 +104,7 @@ Finding findingOf(const std::string& path, const DocumentError& error, const Sou
 std::vector<Finding> SetCheck::check(const std::string& path, const Document& document,
                                      const std::vector<Definition>& definitions) {
   const Places places(document.source());
-  WarningList list(places, path);
+  WarningList list(places, std::make_shared<const CheckedFile>(CheckedFile{path, document.sharedSource()}));
   std::vector<Finding> findings;
   for (const Definition& definition : definitions) {
     if (definition.error) findings.push_back(errorOf(definition, list));
@@ -120,7 +118,7 @@ std::vector<Finding> SetCheck::check(const std::string& path, const Document& do
   list.warnings().clear();
   addReferences(definitions, list, suppressions);
   reportSuppressions(definitions, list, suppressions, findings);
-  std::stable_sort(findings.begin(), findings.end(), standsBefore);
+  std::stable_sort(findings.begin(), findings.end(), isBefore);
   return findings;
 }
 

@@ -1,6 +1,7 @@
 // Checks definition documents, one by one and as a set.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,9 +20,11 @@ class Suppressions;
 struct Suppression;
 
 // The finding for a document that cannot be read. `source` is null if its text could not be read either.
-[[nodiscard]] Finding findingOf(const std::string& path, const DocumentError& error, const SourceText* source);
+[[nodiscard]] Finding findingOf(const std::string& path, const DocumentError& error,
+                                const std::shared_ptr<const SourceText>& source);
 
-// Finds the errors and warnings of documents that belong together. They are passed in one after the other.
+// Finds the errors and warnings of documents that belong together. They are passed in one after the other. Their source
+// texts are kept, since later findings may refer to them.
 class SetCheck {
  public:
   explicit SetCheck(WarningSelection selection = {}) : _selection(std::move(selection)) {}
@@ -34,11 +37,6 @@ class SetCheck {
   // Records a document of the set that cannot be read, so that its definitions are unknown.
   void addUnread() { _complete = false; }
 
-  // Whether finish() may return more findings for the document that was checked last.
-  [[nodiscard]] bool hasMoreAbout(const std::string& path) const {
-    return (!_references.empty() && _references.back().finding.path == path) ||
-           (!_nameSuppressions.empty() && _nameSuppressions.back().unused.path == path);
-  }
   // The findings that depend on the whole set. Call it once all documents have been checked.
   [[nodiscard]] std::vector<Finding> finish();
 

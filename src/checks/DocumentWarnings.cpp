@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+#include <map>
 
 #include "checks/DoubtfulValues.h"
 #include "checks/ListReferenceWarnings.h"
@@ -92,7 +92,7 @@ class Repetitions {
     const auto [first, isNew] = _items.try_emplace(name, item);
     if (isNew) return;
     Finding& finding = _list.add(_warning, element, _placeOf(item), filledFormat(_message, name));
-    finding.related.push_back(_list.relatedAt(_placeOf(first->second), "the first one is here"));
+    finding.related.push_back({_list.locationOf(_placeOf(first->second)), "the first one is here"});
   }
 
  private:
@@ -100,7 +100,7 @@ class Repetitions {
   std::string_view _message;
   WarningList& _list;
   PlaceOf _placeOf;
-  std::unordered_map<std::string_view, Item> _items;
+  std::map<std::string_view, Item> _items;  // sorted: a document can make hashes collide
 };
 
 void findDuplicateColumns(const Definition& definition, WarningList& list) {

@@ -27,10 +27,6 @@ bool isWrittenAs(std::string_view written, std::string_view value, std::vector<s
 
 }  // namespace
 
-std::size_t Places::offsetOf(const XMLNode& node) const {
-  return _source.offset(node.position().value_or(XMLPosition()));
-}
-
 const MarkupElement* Places::elementAt(std::size_t offset) const {
   const MarkupElement* element = _markup.startTagAt(offset + 1);
   return element && element->startTag.begin == offset ? element : nullptr;
@@ -65,7 +61,7 @@ WrittenValue Places::writtenValueOf(const XMLNode& element, std::string_view att
   const Span whole = valueOf(element, attribute);
   const std::string_view value = element.valueOfAttribute(attribute).value_or(std::string_view());
   WrittenValue written{whole, value, false, {}};
-  written.asItIs = isWrittenAs(_markup.textOf(whole), value, written.longBreaks);
+  written.verbatim = isWrittenAs(_markup.textOf(whole), value, written.longBreaks);
   return written;
 }
 

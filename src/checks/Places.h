@@ -16,12 +16,12 @@ namespace korvex {
 struct WrittenValue {
   Span whole;
   std::string_view value;
-  bool asItIs = false;                  // it is written without character references
+  bool verbatim = false;                // it is written without character references
   std::vector<std::size_t> longBreaks;  // where in the value a space stands for the two bytes CR LF
 
-  // A piece of the value, which is a view into it; the whole when it is not written as it is.
+  // Where a piece of the value is, which must be a view into it; the whole when the value is not verbatim.
   [[nodiscard]] Span of(std::string_view piece) const {
-    if (!asItIs) return whole;
+    if (!verbatim) return whole;
     const auto begin = static_cast<std::size_t>(piece.data() - value.data());
     return {placeOf(begin), placeOf(begin + piece.size())};
   }
@@ -42,7 +42,7 @@ class Places {
   [[nodiscard]] const Markup& markup() const { return _markup; }
 
   // Where a node's markup begins.
-  [[nodiscard]] std::size_t offsetOf(const XMLNode& node) const;
+  [[nodiscard]] static std::size_t offsetOf(const XMLNode& node) { return node.offset(); }
   // The element whose start tag begins there; null when there is none.
   [[nodiscard]] const MarkupElement* elementAt(std::size_t offset) const;
   // The tag's "<" and name where an element begins, else the rest of the line, or as much of it as anybody reads.

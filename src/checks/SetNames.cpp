@@ -1,7 +1,5 @@
 #include "checks/SetNames.h"
 
-#include <algorithm>
-
 #include "korvex/Definition.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
@@ -35,7 +33,6 @@ Span placeOfName(const Definition& definition, const Places& places) {
 }  // namespace
 
 void SetNames::add(const std::vector<Definition>& definitions, WarningList& list) {
-  _documents.push_back(list.path());
   for (const Definition& definition : definitions) {
     if (definition.tag() == C_MAP) _maps.emplace(definition.xml.valueOfAttribute(C_ID).value_or(std::string_view()));
     if (definition.error) addRefused(definition.xml);
@@ -62,20 +59,16 @@ bool SetNames::isRepeated(const Name& name) const {
 }
 
 void SetNames::addNamed(const Name& name, const Definition& definition, WarningList& list) {
-  const auto [first, isNew] =
-      _first[name.kind].try_emplace(name.name, Place{_documents.size() - 1, definition.position()});
+  const Span begin{definition.xml.offset(), definition.xml.offset()};
+  const auto [first, isNew] = _first[name.kind].try_emplace(name.name, list.locationOf(begin));
   if (isNew) return;
   _repeated[name.kind].insert(name.name);
   list.setDefinition(definition);
   Finding& finding = list.add(Warning::DuplicateName, definition.xml, placeOfName(definition, list.places()),
                               filledFormat(namedKinds[name.kind].message, name.name));
-  finding.related.push_back({_documents[first->second.document], first->second.position, "the first one is here"});
+  finding.related.push_back({first->second, "the first one is here"});
 }
 
-std::vector<std::string_view> SetNames::mapNames() const {
-  std::vector<std::string_view> names(_maps.begin(), _maps.end());
-  std::sort(names.begin(), names.end());
-  return names;
-}
+std::vector<std::string_view> SetNames::mapNames() const { return {_maps.begin(), _maps.end()}; }
 
 }  // namespace korvex

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <array>
+#include <functional>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "checks/WarningList.h"
@@ -22,6 +23,7 @@ class SetNames {
 
   // Includes maps that were refused.
   [[nodiscard]] bool hasMap(const std::string& name) const { return _maps.contains(name); }
+  // Sorted.
   [[nodiscard]] std::vector<std::string_view> mapNames() const;
 
   // A definition by what it shares its name with.
@@ -40,17 +42,13 @@ class SetNames {
   void addRefused(const XMLNode& definition);
   void addNamed(const Name& name, const Definition& definition, WarningList& list);
 
-  // Where a name came first.
-  struct Place {
-    std::size_t document;
-    XMLPosition position;
-  };
+  // Sorted containers, since documents can make hashes collide.
+  using Names = std::set<std::string, std::less<>>;
 
-  std::vector<std::string> _documents;  // their paths
-  std::array<std::unordered_map<std::string, Place>, kinds> _first;
-  std::array<std::unordered_set<std::string>, kinds> _repeated;
-  std::unordered_set<std::string> _refused;  // the possible names of refused definitions
-  std::unordered_set<std::string> _maps;
+  std::array<std::map<std::string, Location, std::less<>>, kinds> _first;  // where a name came first
+  std::array<Names, kinds> _repeated;
+  Names _refused;  // the possible names of refused definitions
+  Names _maps;
 };
 
 }  // namespace korvex

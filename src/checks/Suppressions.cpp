@@ -53,21 +53,16 @@ Suppressions::Suppressions(const Places& places) {
     }
   }
   std::reverse(_suppressions.begin(), _suppressions.end());
+  for (std::size_t i = 0; i < _suppressions.size(); ++i)
+    _lastFor[{_suppressions[i].element, _suppressions[i].rule}] = i;
 }
 
 const Suppression* Suppressions::use(const FoundWarning& warning) {
-  // Sorted by their comments, and those with an element by that, too: it is the next behind the comment.
-  auto suppression = std::partition_point(
-      _suppressions.begin(), _suppressions.end(),
-      [&warning](const Suppression& candidate) { return candidate.comment.begin < warning.element; });
-  while (suppression != _suppressions.begin()) {
-    --suppression;
-    if (suppression->element != warning.element) break;
-    if (suppression->rule != warning.finding.rule) continue;
-    suppression->used = true;
-    return &*suppression;
-  }
-  return nullptr;
+  const auto found = _lastFor.find({warning.element, warning.finding.rule});
+  if (found == _lastFor.end()) return nullptr;
+  Suppression& suppression = _suppressions[found->second];
+  suppression.used = true;
+  return &suppression;
 }
 
 }  // namespace korvex

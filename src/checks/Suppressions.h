@@ -2,6 +2,8 @@
 // that name about it, but not about elements inside it.
 #pragma once
 
+#include <map>
+#include <utility>
 #include <vector>
 
 #include "checks/WarningList.h"
@@ -25,11 +27,12 @@ class Suppressions {
 
   // In document order.
   [[nodiscard]] const std::vector<Suppression>& all() const { return _suppressions; }
-  // The suppression of the warning, marked as used; null if there is none.
+  // The last suppression of the warning, marked as used; null if there is none.
   const Suppression* use(const FoundWarning& warning);
 
  private:
   std::vector<Suppression> _suppressions;
+  std::map<std::pair<std::size_t, const Rule*>, std::size_t> _lastFor;  // an element and a warning about it → index
 };
 
 }  // namespace korvex

@@ -3,19 +3,40 @@
 #include "korvex/Definition.h"
 #include "korvex/Keywords.h"
 #include "korvex/XMLNode.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 
-Finding::InDefinition inDefinition(const Definition& definition) {
-  return {std::string(definition.tag()), ownedString(definition.xml.valueOfAttribute(C_ID)),
-          definition.position().line};
+namespace {
+
+// In bytes. A report repeats the name with each finding.
+constexpr std::size_t maxNameInFinding = 256;
+
+OptionalString shortenedName(OptionalStringView name) {
+  if (!name || name->size() <= maxNameInFinding) return ownedString(name);
+  std::size_t end = maxNameInFinding;
+  while (end > 0 && continuesCharacter((*name)[end])) --end;
+  return std::string(name->substr(0, end)).append("…");
+}
+
+}  // namespace
+
+std::shared_ptr<const Finding::InDefinition> inDefinition(const Definition& definition) {
+  return std::make_shared<const Finding::InDefinition>(Finding::InDefinition{
+      std::string(definition.tag()), shortenedName(definition.xml.valueOfAttribute(C_ID)), definition.xml.offset()});
+}
+
+void WarningList::setDefinition(const Definition& definition) {
+  _definition = &definition;
+  _inDefinition = nullptr;
 }
 
 Finding& WarningList::add(Warning warning, const XMLNode& element, Span place, std::string message) {
   _warnings.push_back({findingAt(ruleOf(warning), place), _places.offsetOf(element)});
   Finding& finding = _warnings.back().finding;
   finding.message = std::move(message);
-  if (_definition) finding.definition = inDefinition(*_definition);
+  if (_definition && !_inDefinition) _inDefinition = inDefinition(*_definition);
+  finding.definition = _inDefinition;
   return finding;
 }
 
@@ -23,14 +44,8 @@ Finding WarningList::findingAt(const Rule& rule, Span place) const {
   Finding finding;
   finding.rule = &rule;
   finding.severity = rule.severity;
-  finding.path = _path;
-  finding.position = _places.source().position(place.begin);
-  finding.end = _places.source().position(place.end);
+  finding.location = locationOf(place);
   return finding;
-}
-
-Related WarningList::relatedAt(Span place, std::string message) const {
-  return {_path, _places.source().position(place.begin), std::move(message)};
 }
 
 }  // namespace korvex

@@ -1,6 +1,7 @@
 // Collects all warnings of a document, whether they are switched on or not.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -21,30 +22,31 @@ struct FoundWarning {
 
 class WarningList {
  public:
-  WarningList(const Places& places, std::string path) : _places(places), _path(std::move(path)) {}
+  // The places are those of the file's source.
+  WarningList(const Places& places, std::shared_ptr<const CheckedFile> file)
+      : _places(places), _file(std::move(file)) {}
 
   [[nodiscard]] const Places& places() const { return _places; }
-  [[nodiscard]] const std::string& path() const { return _path; }
   [[nodiscard]] std::vector<FoundWarning>& warnings() { return _warnings; }
 
   // Those added from now on are about this definition.
-  void setDefinition(const Definition& definition) { _definition = &definition; }
+  void setDefinition(const Definition& definition);
   // Adds a warning about an element at a place. The reference is valid until the next one is added.
   Finding& add(Warning warning, const XMLNode& element, Span place, std::string message);
 
   // Without a message.
   [[nodiscard]] Finding findingAt(const Rule& rule, Span place) const;
-  // A place in this document.
-  [[nodiscard]] Related relatedAt(Span place, std::string message) const;
+  [[nodiscard]] Location locationOf(Span place) const { return {_file, place}; }
 
  private:
   const Places& _places;
-  std::string _path;
+  std::shared_ptr<const CheckedFile> _file;
   const Definition* _definition = nullptr;
+  std::shared_ptr<const Finding::InDefinition> _inDefinition;  // null before its first warning
   std::vector<FoundWarning> _warnings;
 };
 
-// What a finding says about its definition.
-[[nodiscard]] Finding::InDefinition inDefinition(const Definition& definition);
+// What findings say about their definition.
+[[nodiscard]] std::shared_ptr<const Finding::InDefinition> inDefinition(const Definition& definition);
 
 }  // namespace korvex

@@ -69,7 +69,7 @@ class Document::Implementation {
   }
 
   [[nodiscard]] XMLNode root() const { return {_tree, _tree.root()}; }
-  [[nodiscard]] const SourceText& source() const { return *_source; }
+  [[nodiscard]] const std::shared_ptr<const SourceText>& source() const { return _source; }
 
  private:
   // The strict parser judges, and explains, whatever the fast one refuses or the quick check leaves open. Its rules for
@@ -109,6 +109,8 @@ Document::Result Document::fromFile(const std::string& path, const LoadOptions& 
 
 XMLNode Document::root() const { return _implementation->root(); }
 
-const SourceText& Document::source() const { return _implementation->source(); }
+const SourceText& Document::source() const { return *_implementation->source(); }
+
+const std::shared_ptr<const SourceText>& Document::sharedSource() const { return _implementation->source(); }
 
 }  // namespace korvex

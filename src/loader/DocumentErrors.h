@@ -2,13 +2,14 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
 #include "korvex/DocumentError.h"
 #include "korvex/Export.h"
-#include "korvex/XMLNode.h"
+#include "korvex/SourceText.h"
 #include "platform/Tables.h"
 
 namespace korvex {
@@ -100,7 +101,13 @@ inline constexpr std::array<DocumentRuleText, 51> texts = {{
 [[nodiscard]] inline DocumentError documentError(DocumentRule rule,
                                                  std::initializer_list<std::string_view> details = {},
                                                  const XMLPosition& position = {}) {
-  return {rule, documentMessage(rule, details), position};
+  return {rule, documentMessage(rule, details), position, 0};
+}
+
+// An error at an offset of the text.
+[[nodiscard]] inline DocumentError documentErrorAt(const SourceText& source, std::size_t offset, DocumentRule rule,
+                                                   std::initializer_list<std::string_view> details = {}) {
+  return {rule, documentMessage(rule, details), source.position(offset), offset};
 }
 
 }  // namespace korvex

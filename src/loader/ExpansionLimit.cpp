@@ -29,9 +29,9 @@ std::size_t expandedLengthOf(const XMLNode& element) {
   return length;
 }
 
-DocumentError oversized(const XMLNode& element, const LoadOptions& options) {
-  return documentError(DocumentRule::ExpansionTooLarge, {std::to_string(options.maximumExpandedBytes)},
-                       element.position().value_or(XMLPosition()));
+DocumentError oversized(const XMLNode& element, const SourceText& source, const LoadOptions& options) {
+  return documentErrorAt(source, element.offset(), DocumentRule::ExpansionTooLarge,
+                         {std::to_string(options.maximumExpandedBytes)});
 }
 
 }  // namespace
@@ -53,14 +53,15 @@ void ExpansionBound::endRun() {
   _runMarks = 0;
 }
 
-std::optional<DocumentError> findOversizedExpansion(const XMLNode& root, const LoadOptions& options) {
+std::optional<DocumentError> findOversizedExpansion(const XMLNode& root, const SourceText& source,
+                                                    const LoadOptions& options) {
   std::size_t length = 0;
   std::vector<XMLNode> elements = {root};  // those that are still to be looked at, the next one last
   while (!elements.empty()) {
     const XMLNode element = elements.back();
     elements.pop_back();
     length += expandedLengthOf(element);
-    if (length > options.maximumExpandedBytes) return oversized(element, options);
+    if (length > options.maximumExpandedBytes) return oversized(element, source, options);
     const auto firstChild = static_cast<std::ptrdiff_t>(elements.size());
     for (const XMLNode& node : element.children()) {
       if (node.kind() == XMLNodeKind::Element) elements.push_back(node);

@@ -8,6 +8,7 @@
 
 #include "korvex/Document.h"
 #include "korvex/QXDAOPackReader.h"
+#include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {
@@ -30,6 +31,7 @@ class ExpansionBound {
 
 // What the texts below an element that hold a "%" expand to, against the limit. For documents
 // whose bound is above it.
-[[nodiscard]] std::optional<DocumentError> findOversizedExpansion(const XMLNode& root, const LoadOptions& options);
+[[nodiscard]] std::optional<DocumentError> findOversizedExpansion(const XMLNode& root, const SourceText& source,
+                                                                  const LoadOptions& options);
 
 }  // namespace korvex

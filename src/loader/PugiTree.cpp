@@ -87,8 +87,8 @@ std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
     return std::nullopt;
   }
   if (result.status == pugi::status_out_of_memory) return documentError(DocumentRule::OutOfMemory);
-  const XMLPosition position = _source.position(static_cast<std::size_t>(result.offset));
-  return documentError(DocumentRule::NoTree, {result.description()}, position);
+  return documentErrorAt(_source, static_cast<std::size_t>(result.offset), DocumentRule::NoTree,
+                         {result.description()});
 }
 
 bool PugiTree::hasInternalSubset() const {
@@ -125,7 +125,7 @@ std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
   }
   if (_outOfMemory) return documentError(DocumentRule::OutOfMemory);
   if (_expansionBound.bytes() <= options.maximumExpandedBytes) return std::nullopt;
-  return findOversizedExpansion({*this, root()}, options);
+  return findOversizedExpansion({*this, root()}, _source, options);
 }
 
 void PugiTree::boundExpansionOf(pugi::xml_node element, std::size_t depth) {
@@ -137,8 +137,7 @@ void PugiTree::boundExpansionOf(pugi::xml_node element, std::size_t depth) {
 }
 
 DocumentError PugiTree::tooDeep(pugi::xml_node element, const LoadOptions& options) const {
-  return documentError(DocumentRule::TooDeep, {std::to_string(options.maximumDepth)},
-                       _source.position(offsetOf(element)));
+  return documentErrorAt(_source, offsetOf(element), DocumentRule::TooDeep, {std::to_string(options.maximumDepth)});
 }
 
 pugi::xml_node PugiTree::arrangeText(pugi::xml_node text, bool keepWhiteSpace) {

@@ -49,17 +49,6 @@ XMLPosition SourceText::position(std::size_t offset) const {
   return {line, charactersBefore(offset) - charactersBefore(starts[line - 1]) + 1};
 }
 
-std::size_t SourceText::offset(const XMLPosition& position) const {
-  const auto& [starts, blocks] = index();
-  if (position.line > starts.size()) return _text.size();
-  std::size_t missing = charactersBefore(starts[position.line - 1]) + position.column - 1;
-  const auto block = static_cast<std::size_t>(std::upper_bound(blocks.begin(), blocks.end(), missing) - blocks.begin());
-  missing -= blocks[block - 1];
-  std::size_t at = (block - 1) * blockLength;
-  while (at < _text.size() && (continuesCharacter(_text[at]) || missing-- > 0)) ++at;
-  return at;
-}
-
 std::string_view SourceText::line(std::size_t number) const {
   const std::vector<std::size_t>& starts = index().lineStarts;
   if (number == 0 || number > starts.size()) return {};

@@ -104,7 +104,7 @@ class StrictPass {
 std::optional<DocumentError> findSyntaxError(const SourceText& source) {
   std::optional<SyntaxError> error = StrictPass(source).run();
   if (!error) return std::nullopt;
-  return DocumentError{error->rule, std::move(error->message), source.position(error->offset)};
+  return DocumentError{error->rule, std::move(error->message), source.position(error->offset), error->offset};
 }
 
 }  // namespace korvex

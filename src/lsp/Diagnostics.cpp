@@ -8,7 +8,6 @@
 #include "korvex/Definition.h"
 #include "korvex/Document.h"
 #include "korvex/QXDAOPackReader.h"
-#include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex::lsp {
@@ -17,7 +16,7 @@ namespace {
 
 constexpr int severityError = 1;
 constexpr int severityWarning = 2;
-constexpr std::size_t mostDiagnostics = 1000;
+constexpr std::size_t maxDiagnostics = 1000;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
@@ -45,11 +44,11 @@ std::string messageOf(const Finding& finding) {
 // Findings of a document for the protocol.
 class DiagnosticWriter {
  public:
-  DiagnosticWriter(const TextDocument& text, const SourceText& source, bool withRelated)
-      : _text(text), _source(source), _withRelated(withRelated), _shift(sizeOfMark(text.text())) {}
+  DiagnosticWriter(const TextDocument& text, bool withRelated)
+      : _text(text), _withRelated(withRelated), _shift(sizeOfMark(text.text())) {}
 
   [[nodiscard]] Json diagnostic(const Finding& finding) const {
-    Json result = {{"range", rangeOf(finding.position, finding.end)},
+    Json result = {{"range", rangeOf(finding.location.span)},
                    {"severity", finding.severity == Severity::Error ? severityError : severityWarning},
                    {"code", finding.rule->name},
                    {"source", "korvex-dao"},
@@ -63,37 +62,35 @@ class DiagnosticWriter {
   [[nodiscard]] Json relatedTo(const Finding& finding) const {
     Json related = Json::array();
     for (const Related& other : finding.related) {
-      related.push_back({{"location", {{"uri", _text.uri()}, {"range", rangeOf(other.position, other.position)}}},
-                         {"message", other.message}});
+      related.push_back(
+          {{"location",
+            {{"uri", _text.uri()}, {"range", rangeOf({other.location.span.begin, other.location.span.begin})}}},
+           {"message", other.message}});
     }
     return related;
   }
 
-  [[nodiscard]] Json rangeOf(const XMLPosition& begin, const XMLPosition& end) const {
-    return _text.rangeOf({_shift + _source.offset(begin), _shift + _source.offset(end)});
-  }
+  [[nodiscard]] Json rangeOf(Span span) const { return _text.rangeOf({_shift + span.begin, _shift + span.end}); }
 
   const TextDocument& _text;
-  const SourceText& _source;
   bool _withRelated;
   std::size_t _shift;  // from the source, which lacks the mark, to the text
 };
 
 std::vector<Finding> findingsIn(const Document::Result& result) {
-  if (result.error) return {findingOf({}, *result.error, result.source.get())};
+  if (result.error) return {findingOf({}, *result.error, result.source)};
   return findingsOf({}, *result.document, loadDefinitions(*result.document));
 }
 
 }  // namespace
 
 Json diagnosticsOf(const MarkedDocument& document, bool withRelated) {
-  static const SourceText noSource{""};  // of a text that was refused unread
   const Document::Result result = Document::fromBytes(withoutEncoding(document.text().text()));
-  const DiagnosticWriter writer(document.text(), result.source ? *result.source : noSource, withRelated);
+  const DiagnosticWriter writer(document.text(), withRelated);
   Json diagnostics = Json::array();
   for (const Finding& finding : findingsIn(result)) {
     diagnostics.push_back(writer.diagnostic(finding));
-    if (diagnostics.size() == mostDiagnostics) break;
+    if (diagnostics.size() == maxDiagnostics) break;
   }
   return diagnostics;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <ostream>
 #include <system_error>
@@ -11,7 +10,6 @@
 #include "checks/Rules.h"
 #include "korvex/Definition.h"
 #include "korvex/QXDAOPackReader.h"
-#include "korvex/SourceText.h"
 #include "tool/Counted.h"
 #include "tool/InputFiles.h"
 #include "tool/OutOfMemory.h"
@@ -56,7 +54,7 @@ class Check {
     const InputFiles inputs = findInputFiles(_options.paths);
     for (const UnreadablePath& path : inputs.unreadable) addUnreadable(path);
     for (const std::string& file : inputs.files) checkFile(file);
-    for (const Finding& finding : _set.finish()) addFinding(finding, _sources.at(finding.path).get());
+    for (const Finding& finding : _set.finish()) addFinding(finding);
     finish();
     if (_unreadable > 0) return ExitCodeTrouble;
     return _totals.errors > 0 ? ExitCodeSomethingFound : ExitCodeNothingFound;
@@ -68,30 +66,27 @@ class Check {
     const InputInProgress input(path);
     const Document::Result result = readDocument(file, _console.in, _options.load);
     if (result.document) {
-      checkDocument(path, result);
+      checkDocument(path, *result.document);
     } else if (!blamesDocument(result.error->kind())) {
       addUnreadable({path, result.error->message});
     } else {
       ++_totals.files;
       _set.addUnread();
-      addFinding(findingOf(path, *result.error, result.source.get()), result.source.get());
+      addFinding(findingOf(path, *result.error, result.source));
     }
   }
 
-  void checkDocument(const std::string& path, const Document::Result& result) {
-    const std::vector<Definition> definitions = loadDefinitions(*result.document);
+  void checkDocument(const std::string& path, const Document& document) {
+    const std::vector<Definition> definitions = loadDefinitions(document);
     ++_totals.files;
     _totals.definitions += definitions.size();
-    for (const Finding& finding : _set.check(path, *result.document, definitions)) {
-      addFinding(finding, result.source.get());
-    }
-    if (_set.hasMoreAbout(path)) _sources.emplace(path, result.source);
+    for (const Finding& finding : _set.check(path, document, definitions)) addFinding(finding);
   }
 
-  void addFinding(const Finding& finding, const SourceText* source) {
+  void addFinding(const Finding& finding) {
     ++(finding.severity == Severity::Error ? _totals.errors : _totals.warnings);
     if (!_unexplained && finding.rule->severity == Severity::Error && finding.help.empty()) _unexplained = finding.rule;
-    _report->add(finding, source);
+    _report->add(finding);
   }
 
   void addUnreadable(const UnreadablePath& path) {
@@ -118,7 +113,6 @@ class Check {
   const Console& _console;
   std::unique_ptr<CheckReport> _report;
   SetCheck _set;
-  std::map<std::string, std::shared_ptr<const SourceText>> _sources;  // of documents that have findings to come
   CheckTotals _totals;
   const Rule* _unexplained = nullptr;  // the first error that has no help of its own
   std::size_t _unreadable = 0;

@@ -15,7 +15,7 @@ namespace {
 class TextReport final : public CheckReport {
  public:
   TextReport(std::ostream& out, bool color) : _out(out), _color(color) {}
-  void add(const Finding& finding, const SourceText* source) override { printFinding(_out, finding, source, _color); }
+  void add(const Finding& finding) override { printFinding(_out, finding, _color); }
 
  private:
   std::ostream& _out;
@@ -25,7 +25,7 @@ class TextReport final : public CheckReport {
 class ShortReport final : public CheckReport {
  public:
   explicit ShortReport(std::ostream& out) : _out(out) {}
-  void add(const Finding& finding, const SourceText* /*source*/) override { printShortFinding(_out, finding); }
+  void add(const Finding& finding) override { printShortFinding(_out, finding); }
 
  private:
   std::ostream& _out;
@@ -34,7 +34,7 @@ class ShortReport final : public CheckReport {
 class GithubReport final : public CheckReport {
  public:
   explicit GithubReport(std::ostream& out) : _out(out) {}
-  void add(const Finding& finding, const SourceText* /*source*/) override { printGithubFinding(_out, finding); }
+  void add(const Finding& finding) override { printGithubFinding(_out, finding); }
   void addUnreadable(const UnreadablePath& path) override { printGithubUnreadable(_out, path); }
 
  private:
@@ -44,7 +44,7 @@ class GithubReport final : public CheckReport {
 class JsonReport final : public CheckReport {
  public:
   explicit JsonReport(std::ostream& out) : _out(out) {}
-  void add(const Finding& finding, const SourceText* /*source*/) override { _findings.push_back(findingJson(finding)); }
+  void add(const Finding& finding) override { _findings.push_back(findingJson(finding)); }
   void addUnreadable(const UnreadablePath& path) override {
     _unreadable.push_back({{"path", path.path}, {"message", path.message}});
   }
@@ -63,7 +63,7 @@ class JsonReport final : public CheckReport {
 class SarifReport final : public CheckReport {
  public:
   explicit SarifReport(std::ostream& out) : _out(out) {}
-  void add(const Finding& finding, const SourceText* /*source*/) override { _findings.push_back(finding); }
+  void add(const Finding& finding) override { _findings.push_back(finding); }
   void addUnreadable(const UnreadablePath& path) override { _unreadable.push_back(path); }
   void finish(const CheckTotals& /*totals*/) override { _out << jsonText(sarifLog(_findings, _unreadable)) << '\n'; }
 

@@ -7,7 +7,6 @@
 
 #include "checks/Finding.h"
 #include "korvex/QXDAOPackReader.h"
-#include "korvex/SourceText.h"
 #include "tool/InputFiles.h"
 
 namespace korvex {
@@ -29,8 +28,7 @@ class CheckReport {
   CheckReport& operator=(const CheckReport&) = delete;
   virtual ~CheckReport() = default;
 
-  // `source` is null where the text could not be read.
-  virtual void add(const Finding& finding, const SourceText* source) = 0;
+  virtual void add(const Finding& finding) = 0;
   // An input that could not be read; standard error tells of it too.
   virtual void addUnreadable(const UnreadablePath& /*path*/) {}
   virtual void finish(const CheckTotals& /*totals*/) {}

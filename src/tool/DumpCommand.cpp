@@ -5,7 +5,6 @@
 
 #include "checks/DocumentCheck.h"
 #include "korvex/Definition.h"
-#include "korvex/SourceText.h"
 #include "tool/ElementJson.h"
 #include "tool/ElementTree.h"
 #include "tool/FindingText.h"
@@ -47,8 +46,7 @@ ExitCode reportFailure(const std::string& path, const Document::Result& result, 
     printUnreadable(err, {path, result.error->message});
     return ExitCodeTrouble;
   }
-  const SourceText* source = result.source.get();
-  printFinding(err, findingOf(path, *result.error, source), source, false);
+  printFinding(err, findingOf(path, *result.error, result.source), false);
   return ExitCodeSomethingFound;
 }
 

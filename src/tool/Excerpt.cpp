@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "korvex/XMLNode.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {
@@ -10,7 +9,7 @@ namespace {
 
 // All in characters. A longer line is cut; the caret then has some of the line to its left.
 constexpr std::size_t maxExcerptWidth = 100;
-constexpr std::size_t farthestCaret = 80;
+constexpr std::size_t maxCaret = 80;
 constexpr std::size_t keptBeforeCaret = 40;
 
 constexpr std::string_view ellipsis = "…";
@@ -50,12 +49,13 @@ std::string paddingFor(std::string_view printed) {
 
 }  // namespace
 
-Excerpt excerptOf(const SourceText& source, const XMLPosition& position) {
+Excerpt excerptOf(const SourceText& source, std::size_t offset) {
+  const XMLPosition position = source.position(offset);
   const std::string_view line = source.line(position.line);
-  const std::size_t lineStart = source.offset({position.line, 1});
-  const std::size_t caret = std::min(source.offset(position) - lineStart, line.size());
+  const auto lineStart = static_cast<std::size_t>(line.data() - source.text().data());
+  const std::size_t caret = std::min(offset - lineStart, line.size());
   const bool fits = withoutCharacters(line, maxExcerptWidth).empty();
-  const bool cut = !fits && position.column - 1 > farthestCaret;
+  const bool cut = !fits && position.column - 1 > maxCaret;
   const std::string_view beforeCaret =
       cut ? lastCharacters(line.substr(0, caret), keptBeforeCaret) : line.substr(0, caret);
   const std::string_view kept = line.substr(caret - beforeCaret.size());

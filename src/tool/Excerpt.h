@@ -1,10 +1,10 @@
 // The source line of a finding, and a caret below the place that is meant.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "korvex/SourceText.h"
-#include "korvex/XMLNode.h"
 
 namespace korvex {
 
@@ -14,10 +14,10 @@ struct Excerpt {
   std::string caretLine;
 };
 
-// The line of that position with the caret below its character, which may be one past the end of
+// The line of the character at that offset with the caret below it, which may be one past the end of
 // the line. The time it takes does not depend on the length of the line. Tabs stay tabs, other invisible characters are
 // escaped, wide ones count two columns, combining ones none, and of a long line only the part around the caret is kept,
 // an ellipsis where it was cut.
-[[nodiscard]] Excerpt excerptOf(const SourceText& source, const XMLPosition& position);
+[[nodiscard]] Excerpt excerptOf(const SourceText& source, std::size_t offset);
 
 }  // namespace korvex

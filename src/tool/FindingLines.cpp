@@ -30,23 +30,25 @@ std::string encoded(std::string_view text, std::string_view characters) {
   return visibleText(result);
 }
 
-void printColumns(std::ostream& out, const Finding& finding) {
-  if (finding.end.line > finding.position.line) return;  // annotations of several lines have none
-  out << ",col=" << finding.position.column
-      << ",endColumn=" << std::max(finding.position.column, finding.end.column - 1);
+void printColumns(std::ostream& out, const XMLPosition& begin, const XMLPosition& end) {
+  if (end.line > begin.line) return;  // annotations of several lines have none
+  out << ",col=" << begin.column << ",endColumn=" << std::max(begin.column, end.column - 1);
 }
 
 }  // namespace
 
 void printShortFinding(std::ostream& out, const Finding& finding) {
-  out << visibleText(finding.path) << ':' << finding.position.line << ':' << finding.position.column << ": "
+  const XMLPosition begin = finding.location.begin();
+  out << visibleText(finding.location.path()) << ':' << begin.line << ':' << begin.column << ": "
       << severityName(finding.severity) << ": " << visibleText(finding.message) << " [" << finding.rule->name << "]\n";
 }
 
 void printGithubFinding(std::ostream& out, const Finding& finding) {
-  out << "::" << severityName(finding.severity) << " file=" << encoded(finding.path, endsOfProperty)
-      << ",line=" << finding.position.line << ",endLine=" << finding.end.line;
-  printColumns(out, finding);
+  const XMLPosition begin = finding.location.begin();
+  const XMLPosition end = finding.location.end();
+  out << "::" << severityName(finding.severity) << " file=" << encoded(finding.location.path(), endsOfProperty)
+      << ",line=" << begin.line << ",endLine=" << end.line;
+  printColumns(out, begin, end);
   out << ",title=" << finding.rule->name << "::" << encoded(messageWithHelp(finding), endsOfMessage) << '\n';
 }
 

@@ -4,7 +4,7 @@
 
 #include "checks/Rules.h"
 #include "files/Uri.h"
-#include "korvex/XMLNode.h"
+#include "korvex/SourceText.h"
 #include "tool/RuleText.h"
 
 namespace korvex {
@@ -37,10 +37,11 @@ Json locationJson(std::string_view path, const Json& region) {
 Json startOf(const XMLPosition& position) { return {{"startLine", position.line}, {"startColumn", position.column}}; }
 
 // The end is one past the last character, as it is in a finding.
-Json regionOf(const Finding& finding) {
-  Json region = startOf(finding.position);
-  region["endLine"] = finding.end.line;
-  region["endColumn"] = finding.end.column;
+Json regionOf(const Location& location) {
+  Json region = startOf(location.begin());
+  const XMLPosition end = location.end();
+  region["endLine"] = end.line;
+  region["endColumn"] = end.column;
   return region;
 }
 
@@ -59,9 +60,9 @@ Json resultJson(const Finding& finding) {
                  {"ruleIndex", finding.rule - rules().data()},
                  {"level", severityName(finding.severity)},
                  {"message", messageText(messageWithHelp(finding))},
-                 {"locations", Json::array({locationJson(finding.path, regionOf(finding))})}};
+                 {"locations", Json::array({locationJson(finding.location.path(), regionOf(finding.location))})}};
   for (const Related& related : finding.related) {
-    Json location = locationJson(related.path, startOf(related.position));
+    Json location = locationJson(related.location.path(), startOf(related.location.begin()));
     location["message"] = messageText(related.message);
     result["relatedLocations"].push_back(location);
   }

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "korvex/XMLNode.h"
+#include "korvex/SourceText.h"
 #include "tool/Excerpt.h"
 #include "tool/VisibleText.h"
 
@@ -21,8 +21,10 @@ struct Style {
 constexpr Style colorless;
 constexpr Style colored = {"\x1b[1m", "\x1b[1;31m", "\x1b[1;35m", "\x1b[1;36m", "\x1b[1;32m", "\x1b[0m"};
 
-void printPlace(std::ostream& out, const std::string& path, const XMLPosition& position, const Style& style) {
-  out << style.bold << visibleText(path) << ':' << position.line << ':' << position.column << ": " << style.plain;
+void printPlace(std::ostream& out, const Location& location, const Style& style) {
+  const XMLPosition position = location.begin();
+  out << style.bold << visibleText(location.path()) << ':' << position.line << ':' << position.column << ": "
+      << style.plain;
 }
 
 void printSeverity(std::ostream& out, Severity severity, const Style& style) {
@@ -34,18 +36,19 @@ void printExcerpt(std::ostream& out, const Excerpt& excerpt, const Style& style)
 }
 
 void printRelated(std::ostream& out, const Related& related, const Style& style) {
-  printPlace(out, related.path, related.position, style);
+  printPlace(out, related.location, style);
   out << style.cyan << "note: " << style.plain << visibleText(related.message) << '\n';
 }
 
 }  // namespace
 
-void printFinding(std::ostream& out, const Finding& finding, const SourceText* source, bool color) {
+void printFinding(std::ostream& out, const Finding& finding, bool color) {
   const Style& style = color ? colored : colorless;
-  printPlace(out, finding.path, finding.position, style);
+  printPlace(out, finding.location, style);
   printSeverity(out, finding.severity, style);
   out << style.bold << visibleText(finding.message) << style.plain << " [" << finding.rule->name << "]\n";
-  if (source) printExcerpt(out, excerptOf(*source, finding.position), style);
+  const SourceText* source = finding.location.file->source.get();
+  if (source) printExcerpt(out, excerptOf(*source, finding.location.span.begin), style);
   if (!finding.help.empty()) out << style.cyan << "help: " << style.plain << visibleText(finding.help) << '\n';
   for (const Related& related : finding.related) printRelated(out, related, style);
 }

@@ -54,8 +54,9 @@ Texts findingsIn(const Texts& documents, const WarningSelection& selection = eve
   Texts found;
   const auto add = [&found](const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
-      found.push_back(finding.path + ":" + std::to_string(finding.position.line) + ":" +
-                      std::to_string(finding.position.column) + ": " + std::string(finding.rule->name));
+      const XMLPosition begin = finding.location.begin();
+      found.push_back(finding.location.path() + ":" + std::to_string(begin.line) + ":" + std::to_string(begin.column) +
+                      ": " + std::string(finding.rule->name));
     }
   };
   for (const std::string& text : documents) {
@@ -167,13 +168,13 @@ TEST(Warnings, AboutNamesInSeveralDocuments) {
   EXPECT_EQ(set.check("a.xml", *read.document, definitions).size(), 0U);
   const std::vector<Finding> again = set.check("b.xml", *read.document, definitions);
   ASSERT_EQ(again.size(), 3U);
-  EXPECT_EQ(again[0].related.at(0).path, "a.xml");
-  EXPECT_EQ(again[0].related.at(0).position, (XMLPosition{1, 4}));
+  EXPECT_EQ(again[0].related.at(0).location.path(), "a.xml");
+  EXPECT_EQ(again[0].related.at(0).location.begin(), (XMLPosition{1, 4}));
   EXPECT_EQ(again[0].definition->tag, "select");
   const std::vector<Finding> late = set.finish();
   ASSERT_EQ(late.size(), 2U);
   EXPECT_EQ(late[0].help, "did you mean 'n'?");
-  EXPECT_EQ(late[0].end, (XMLPosition{1, 29}));
+  EXPECT_EQ(late[0].location.end(), (XMLPosition{1, 29}));
 
   SetCheck incomplete(everyWarning());
   static_cast<void>(incomplete.check("a.xml", *read.document, definitions));
@@ -233,7 +234,7 @@ TEST(Warnings, DoNotTroubleDocumentsThatAreRight) {
   for (const char* example : {"addressbook", "faults", "mistakes"}) {
     const auto read = Document::fromFile(root + "examples/" + example + ".xml");
     for (const Finding& finding : findingsOf("", *read.document, loadDefinitions(*read.document))) {
-      EXPECT_EQ(finding.severity, Severity::Error) << example << finding.position.line << finding.message;
+      EXPECT_EQ(finding.severity, Severity::Error) << example << finding.location.begin().line << finding.message;
     }
   }
 }
@@ -275,7 +276,7 @@ TEST(Errors, ComeWithWhatMayBeMeant) {
 // The parser counts in another text than the one that is there to be shown.
 TEST(Errors, DoNotEndBeforeTheyBegin) {
   const DocumentError error{DocumentRule::NotWellFormed, "not well-formed", {1, 32}};
-  EXPECT_EQ(findingOf("", error, nullptr).end, (XMLPosition{1, 32}));
+  EXPECT_EQ(findingOf("", error, nullptr).location.end(), (XMLPosition{1, 32}));
 }
 
 TEST(NearMiss, FindsSlipsOfTheFingers) {

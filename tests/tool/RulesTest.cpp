@@ -25,7 +25,7 @@ LoadOptions limitsFor(const Rule& rule) {
 
 std::vector<Finding> findingsIn(const Rule& rule, std::string_view example) {
   const auto result = Document::fromBytes(wrapped(example), limitsFor(rule));
-  if (!result.document) return {findingOf("example", *result.error, result.source.get())};
+  if (!result.document) return {findingOf("example", *result.error, result.source)};
   WarningSelection everyWarning;
   for (const std::string_view name : warningNames()) everyWarning.want(*ruleNamed(name), true);
   SetCheck set(everyWarning);

@@ -170,26 +170,26 @@ TEST(Excerpt, CaretStandsBelowItsCharacter) {
   const std::string dots(99, '.');
   const struct {
     std::string line;
-    std::size_t column;
+    std::size_t offset;
     std::string shown;
     std::string caretLine;
   } cases[] = {
-      {"", 1, "", "^"},
-      {"ab", 9, "ab", "  ^"},
-      {"\ta\tb", 4, "\ta\tb", "\t \t^"},
+      {"", 0, "", "^"},
+      {"ab", 2, "ab", "  ^"},
+      {"\ta\tb", 3, "\ta\tb", "\t \t^"},
       {"\x01"
        "b",
-       2, "\\x01b", "    ^"},
-      {"\xC3(b", 3, "\\xc3(b", "     ^"},
-      {"😀語e\u0301\u200B한b", 7, "😀語e\u0301\u200B한b", std::string(7, ' ') + '^'},
-      {dots + "a", 100, dots + "a", std::string(99, ' ') + '^'},
-      {"é" + dots + "b", 1, "é" + dots + "…", "^"},
-      {dots + "é" + dots, 100, "…" + std::string(40, '.') + "é" + std::string(59, '.') + "…",
+       1, "\\x01b", "    ^"},
+      {"\xC3(b", 2, "\\xc3(b", "     ^"},
+      {"😀語e\u0301\u200B한b", 16, "😀語e\u0301\u200B한b", std::string(7, ' ') + '^'},
+      {dots + "a", 99, dots + "a", std::string(99, ' ') + '^'},
+      {"é" + dots + "b", 0, "é" + dots + "…", "^"},
+      {dots + "é" + dots, 99, "…" + std::string(40, '.') + "é" + std::string(59, '.') + "…",
        std::string(41, ' ') + '^'},
   };
-  for (const auto& [line, column, shown, caretLine] : cases) {
+  for (const auto& [line, offset, shown, caretLine] : cases) {
     const SourceText source("é\n" + line + "\nnext");
-    const Excerpt excerpt = excerptOf(source, {2, column});
+    const Excerpt excerpt = excerptOf(source, std::string_view("é\n").size() + offset);
     EXPECT_EQ(excerpt.line, shown);
     EXPECT_EQ(excerpt.caretLine, caretLine) << line;
   }
