@@ -50,7 +50,7 @@ Span placeOfName(const Places& places, const MarkupElement* markup, std::size_t 
 }
 
 void findUnreadAttributes(const XMLNode& node, const ElementEntry& element, WarningList& list) {
-  if (element.attributeRule != AttributeRule::OthersPassedOver) return;
+  if (element.attributeRule != AttributeRule::OthersIgnored) return;
   std::optional<std::size_t> offset;
   std::size_t index = 0;
   for (const XMLAttribute& attribute : node.attributes()) {
@@ -143,7 +143,7 @@ void findDuplicateArguments(const Definition& definition, WarningList& list) {
 // Content
 
 void findIgnoredContent(const XMLNode& node, const ElementEntry& element, WarningList& list) {
-  if (element.content != Content::PassedOver) return;
+  if (element.content != Content::Ignored) return;
   for (const XMLNode& child : node.children()) {
     if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
     const std::size_t begin =
@@ -206,7 +206,7 @@ void findInElement(const XMLNode& node, const ElementEntry* parent, bool built, 
   findIgnoredContent(node, *element, list);
   findMisplacedWhen(node, *element, parent, list);
   if (built) findUnfinishedReferences(node, *element, list);
-  if (element->content == Content::PassedOver) return;
+  if (element->content == Content::Ignored) return;
   for (const XMLNode& child : node.children()) {
     if (child.kind() == XMLNodeKind::Element) findInElement(child, element, built, list);
   }

@@ -41,7 +41,7 @@ std::vector<std::string_view> missingAttributes(const XMLNode& node, const Eleme
   for (const AttributeEntry& attribute : element.attributes) {
     if (!isEmpty(node.valueOfAttribute(attribute.name))) {
       if (element.attributeRule == AttributeRule::ExactlyOne) return {};
-    } else if (element.attributeRule != AttributeRule::OthersPassedOver || isNeeded(element, attribute)) {
+    } else if (element.attributeRule != AttributeRule::OthersIgnored || isNeeded(element, attribute)) {
       missing.push_back(attribute.name);
     }
   }

@@ -146,7 +146,7 @@ void findUnfinishedReference(const XMLNode& element, std::string_view text, Text
 }  // namespace
 
 void findUnfinishedReferences(const XMLNode& node, const ElementEntry& element, WarningList& list) {
-  if (element.content == Content::Elements || element.content == Content::PassedOver) return;
+  if (element.content == Content::Elements || element.content == Content::Ignored) return;
   forEachText(node, [&](std::string_view text, TextPlace place, const XMLNode& origin) {
     findUnfinishedReference(node, text, place, origin, list);
   });

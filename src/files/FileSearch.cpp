@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The same for every path to one file; the path itself where the system cannot tell.
+// The same for every path to a file; the path itself when it cannot be resolved.
 fs::path identityOf(const fs::path& path) {
   std::error_code error;
   fs::path identity = fs::canonical(path, error);
@@ -56,7 +56,7 @@ class Search {
     }
   }
 
-  // Links come last, so that a directory is met under its own path where it has one here.
+  // Links come last, so that a directory is found under its own path if it has one here.
   void takeDirectory(const fs::directory_entry& entry) {
     std::error_code error;
     if (entry.is_symlink(error)) {
@@ -66,7 +66,7 @@ class Search {
     }
   }
 
-  // A link without a target counts, so that reading it fails aloud; pipes and devices do not.
+  // A broken link counts, so that reading it reports an error; pipes and devices do not.
   static bool isDefinitionFile(const fs::path& path, const fs::file_status& status) {
     return path.native().ends_with(".xml") && (fs::is_regular_file(status) || !fs::is_other(status));
   }

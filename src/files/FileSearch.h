@@ -1,4 +1,4 @@
-// From paths that somebody names to the files behind them.
+// From the paths that a user names to the files they stand for.
 #pragma once
 
 #include <string>
@@ -17,12 +17,11 @@ struct UnreadablePath {
 
 struct InputFiles {
   std::vector<std::string> files;
-  std::vector<UnreadablePath> unreadable;  // below the directories that were searched, or one of them without files
+  std::vector<UnreadablePath> unreadable;  // directories that cannot be searched or contain no files
 };
 
-// The files that the paths name, in their order, each once even when it is named twice. A directory
-// gives the *.xml files below it, sorted; links are followed, no directory is searched twice.
-// Whether the files can be read shows when they are.
+// The files that the paths name, in that order and without duplicates. A directory stands for the *.xml files below it,
+// sorted; links are followed, and no directory is searched twice. Whether a file can be read is not checked.
 [[nodiscard]] InputFiles findInputFiles(const std::vector<std::string>& paths);
 
 }  // namespace korvex

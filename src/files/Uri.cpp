@@ -11,7 +11,7 @@ int valueOfHexDigit(char digit) {
   return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
-bool standsForItself(char character) {
+bool isUnreserved(char character) {
   const bool letter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
   const bool digit = character >= '0' && character <= '9';
   return letter || digit || std::string_view("-._~/").find(character) != std::string_view::npos;
@@ -27,7 +27,7 @@ std::string percentEncoded(char byte) {
 std::string uriPathOf(std::string_view path) {
   std::string encoded;
   for (const char character : path) {
-    if (standsForItself(character)) {
+    if (isUnreserved(character)) {
       encoded += character;
     } else {
       encoded += percentEncoded(character);

@@ -1,4 +1,4 @@
-// Bytes that cannot stand in a URI are written as "%" and two hexadecimal digits.
+// Percent-encoding of bytes that are not allowed in a URI.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@ namespace korvex {
 // "%20"
 [[nodiscard]] std::string percentEncoded(char byte);
 
-// A path as that of a URI: letters, digits, what RFC 3986 calls unreserved, and the slashes between names stay.
+// A path as part of a URI: the unreserved characters of RFC 3986 and slashes stay as they are.
 [[nodiscard]] std::string uriPathOf(std::string_view path);
 
-// The bytes that a part of a URI stands for. A "%" without two hexadecimal digits stands for itself.
+// The bytes that part of a URI stands for. A "%" without two hexadecimal digits stands for itself.
 [[nodiscard]] std::string percentDecoded(std::string_view text);
 
 }  // namespace korvex

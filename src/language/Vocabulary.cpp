@@ -11,7 +11,7 @@ namespace {
 using Words = std::string_view;
 
 // ---------------------------------------------------------------------------------------------
-// What may stand inside
+// Content
 
 constexpr std::array inSelect{C_IF, C_CHOOSE, C_FOREACH, C_WHERE, C_SET, C_TRIM, C_FORMAT, C_TRY};
 constexpr std::array inChange{C_IF, C_CHOOSE, C_FOREACH, C_WHERE, C_SET, C_TRIM, C_FORMAT, C_STEP, C_TRY};
@@ -122,25 +122,23 @@ constexpr std::array ofStep{AttributeEntry{C_RESUMABLE, "For the engine: the ste
 using enum AttributeRule;
 
 constexpr std::array<ElementEntry, 23> elements = {{
-    {C_SELECT, "A method that reads rows.", ofSelect, OthersPassedOver, Content::TextAndElements, inSelect, onlyTry},
-    {C_UPDATE, "A method that changes rows.", ofChange, OthersPassedOver, Content::TextAndElements, inChange,
-     stepsOrTry},
-    {C_INSERT, "A method that adds rows.", ofChange, OthersPassedOver, Content::TextAndElements, inChange, stepsOrTry},
-    {C_DELETE, "A method that removes rows.", ofChange, OthersPassedOver, Content::TextAndElements, inChange,
-     stepsOrTry},
+    {C_SELECT, "A method that reads rows.", ofSelect, OthersIgnored, Content::TextAndElements, inSelect, onlyTry},
+    {C_UPDATE, "A method that changes rows.", ofChange, OthersIgnored, Content::TextAndElements, inChange, stepsOrTry},
+    {C_INSERT, "A method that adds rows.", ofChange, OthersIgnored, Content::TextAndElements, inChange, stepsOrTry},
+    {C_DELETE, "A method that removes rows.", ofChange, OthersIgnored, Content::TextAndElements, inChange, stepsOrTry},
     {C_UPGRADE, "A method that changes the schema of an older database.", ofUpgrade, NoOthers, Content::TextAndElements,
      inChange, stepsOrTry},
-    {C_SQL, "A named, reusable piece of SQL.", ofSql, OthersPassedOver, Content::Text},
+    {C_SQL, "A named, reusable piece of SQL.", ofSql, OthersIgnored, Content::Text},
     {C_CONST,
      "A named text: the one attribute's name is the constant's, its value the text.",
      {},
      AnyOneName,
      Content::Nothing},
-    {C_MAP, "How the columns of a row fill the properties of an object.", ofMap, OthersPassedOver, Content::Elements,
+    {C_MAP, "How the columns of a row fill the properties of an object.", ofMap, OthersIgnored, Content::Elements,
      inMap},
-    {C_RESULT, "A column of a map and the property that receives it.", ofResult, OthersPassedOver, Content::PassedOver},
+    {C_RESULT, "A column of a map and the property that receives it.", ofResult, OthersIgnored, Content::Ignored},
     {C_CRYPT, "A property that is stored encrypted.", ofCrypt, NoOthers, Content::Nothing},
-    {C_PACK, "Several properties that share one column.", ofPack, OthersPassedOver, Content::PassedOver},
+    {C_PACK, "Several properties that share one column.", ofPack, OthersIgnored, Content::Ignored},
     {C_IF, "Content that applies under a condition.", ofCondition, ExactlyOne, Content::TextAndElements, inFragment},
     {C_CHOOSE,
      "The first of several contents whose condition is met.",
@@ -157,22 +155,21 @@ constexpr std::array<ElementEntry, 23> elements = {{
      Content::TextAndElements,
      inFragment},
     {C_FOREACH, "Its text, repeated for each entry of a collection.", ofForeach, NoOthers, Content::Text},
-    {C_WHERE, "Content after `where`, without an `AND` or `OR` at its start.", ofWhere, OthersPassedOver,
+    {C_WHERE, "Content after `where`, without an `AND` or `OR` at its start.", ofWhere, OthersIgnored,
      Content::TextAndElements, inFragment},
-    {C_SET, "Content after `set`, without a comma at its end.", ofWhere, OthersPassedOver, Content::TextAndElements,
+    {C_SET, "Content after `set`, without a comma at its end.", ofWhere, OthersIgnored, Content::TextAndElements,
      inFragment},
     {C_TRIM,
      "Content after a prefix, cleaned at its start and end.",
      ofTrim,
-     OthersPassedOver,
+     OthersIgnored,
      Content::TextAndElements,
      inFragment,
      {},
      neededByTrim},
-    {C_FORMAT, "Key-value pairs whose keys are known only when the method runs.", ofFormat, OthersPassedOver,
-     Content::PassedOver},
-    {C_STEP, "One of several pieces of work of a method.", ofStep, OthersPassedOver, Content::TextAndElements,
-     inFragment},
+    {C_FORMAT, "Key-value pairs whose keys are known only when the method runs.", ofFormat, OthersIgnored,
+     Content::Ignored},
+    {C_STEP, "One of several pieces of work of a method.", ofStep, OthersIgnored, Content::TextAndElements, inFragment},
     {C_TRY,
      "Content with a way out: its `except` is for when the rest fails.",
      {},

@@ -25,8 +25,9 @@ constexpr int itemKindProperty = 10;
 constexpr int itemKindValue = 12;
 constexpr int itemKindReference = 18;
 
-constexpr int plainText = 1;
-constexpr int snippet = 2;
+// Numbers of its InsertTextFormat.
+constexpr int plainTextFormat = 1;
+constexpr int snippetFormat = 2;
 
 constexpr std::array<std::string_view, 2> yesAndNo = {"true", "false"};
 
@@ -46,7 +47,7 @@ std::span<const std::string_view> fixedWords(const AttributeEntry& attribute) {
   return attribute.kind == ValueKind::OneOf ? attribute.words : std::span<const std::string_view>();
 }
 
-// What stands at a tab stop at first, where not any text will do.
+// The initial text of a tab stop, for attributes that do not accept just any text.
 struct Placeholder {
   std::string_view attribute;
   std::string_view value;
@@ -65,14 +66,14 @@ std::string tabStopFor(const AttributeEntry& attribute, int number) {
   return std::string("${").append(std::to_string(number)).append(":").append(placeholder->value).append("}");
 }
 
-// name="…" with a tab stop for the value.
+// name="…", with a tab stop for the value.
 std::string attributeSnippet(const AttributeEntry& attribute, int number) {
   const std::span<const std::string_view> words = fixedWords(attribute);
   const std::string value = words.size() > 1 ? choice(number, words) : tabStopFor(attribute, number);
   return std::string(attribute.name).append("=\"").append(value).append("\"");
 }
 
-// The attributes that a new element cannot do without, each with a blank in front.
+// The attributes that a new element requires, each after a space.
 std::string attributesSnippet(const ElementEntry& element) {
   std::string text;
   if (element.attributeRule == AttributeRule::AnyOneName) return " ${1:NAME}=\"$2\"";
@@ -90,29 +91,29 @@ std::string attributesSnippet(const ElementEntry& element) {
   return text.append("=\"").append(tabStop(number + 2)).append("\"");
 }
 
-// What a new element cannot do without inside it, with a tab stop for the rest.
+// The content that a new element requires, with a tab stop for the rest.
 std::string contentSnippet(const ElementEntry& element) {
   const std::string_view last = element.childRules.last;
   if (!element.childRules.lastRequired) return "$0";
   return std::string("$0<").append(last).append("></").append(last).append(">");
 }
 
-// From the tag's name to its end.
+// A new element from its name to its end.
 std::string elementSnippet(const ElementEntry& element) {
   const std::string start = std::string(element.tag) + attributesSnippet(element);
-  if (element.content == Content::Nothing || element.content == Content::PassedOver) return start + "/>$0";
+  if (element.content == Content::Nothing || element.content == Content::Ignored) return start + "/>$0";
   return std::string(start).append(">").append(contentSnippet(element)).append("</").append(element.tag).append(">");
 }
 
 class Completer {
  public:
-  Completer(const MarkedDocument& document, std::size_t offset, const Workspace& workspace, CompletionWishes wishes)
+  Completer(const MarkedDocument& document, std::size_t offset, const Workspace& workspace, CompletionOptions options)
       : _document(document),
         _markup(document.markup()),
         _text(document.text().text()),
         _offset(offset),
         _workspace(workspace),
-        _wishes(wishes) {}
+        _options(options) {}
 
   Json run() {
     const Place place = placeAt(_document, _offset);
@@ -142,26 +143,26 @@ class Completer {
   }
 
  private:
-  // Behind white space only: words of a text are nobody's attempt at an element.
-  void addNewElements(const MarkupElement* holder) {
-    const bool apart = _offset == 0 || isXMLWhiteSpace(_text[_offset - 1]) || _text[_offset - 1] == '>';
-    if (!holder || !_wishes.untyped || !apart) return;
-    for (const ElementEntry* element : childrenOf(*holder)) {
+  // Only after white space or a tag: a word in a text is not the beginning of an element.
+  void addNewElements(const MarkupElement* parent) {
+    const bool separated = _offset == 0 || isXMLWhiteSpace(_text[_offset - 1]) || _text[_offset - 1] == '>';
+    if (!parent || !_options.invoked || !separated) return;
+    for (const ElementEntry* element : childrenOf(*parent)) {
       const std::string tag = inAngle(element->tag);
       Json& item = addItem(element->tag, itemKindClass, descriptionOf(*element));
       item["filterText"] = tag;
-      setEdit(item, {_offset, _offset}, tag, _wishes.snippets ? inAngle(elementSnippet(*element)) : "");
+      setEdit(item, {_offset, _offset}, tag, _options.snippets ? inAngle(elementSnippet(*element)) : "");
     }
   }
 
-  // Where the rest of the tag is there already, only the name changes.
+  // Where the tag is already complete, only the name changes.
   void addTags(const MarkupElement& tag) {
-    const MarkupElement* holder = _markup.parentOf(tag);
+    const MarkupElement* parent = _markup.parentOf(tag);
     const bool hasRest = isClosed(tag) || std::any_of(tag.attributes.begin(), tag.attributes.end(),
                                                       [](const MarkupAttribute& some) { return some.value; });
-    for (const ElementEntry* element : holder ? childrenOf(*holder) : entriesOf(definitionTags)) {
+    for (const ElementEntry* element : parent ? childrenOf(*parent) : entriesOf(definitionTags)) {
       Json& item = addItem(element->tag, itemKindClass, descriptionOf(*element));
-      setEdit(item, tag.name, element->tag, _wishes.snippets && !hasRest ? elementSnippet(*element) : "");
+      setEdit(item, tag.name, element->tag, _options.snippets && !hasRest ? elementSnippet(*element) : "");
     }
   }
 
@@ -185,11 +186,11 @@ class Completer {
                          });
     };
     const bool valued = !inserted && place.attribute && place.attribute->value;
-    const bool oneIsThere = std::any_of(element->attributes.begin(), element->attributes.end(),
+    const bool onePresent = std::any_of(element->attributes.begin(), element->attributes.end(),
                                         [&](const AttributeEntry& entry) { return isTaken(entry.name); });
-    if (element->attributeRule == AttributeRule::ExactlyOne && oneIsThere) return;
-    // In front of another attribute a blank is needed behind the new one.
-    const std::string apart = inserted && place.attribute ? " " : "";
+    if (element->attributeRule == AttributeRule::ExactlyOne && onePresent) return;
+    // Before another attribute, a space must follow the new one.
+    const std::string separator = inserted && place.attribute ? " " : "";
     for (const AttributeEntry& entry : element->attributes) {
       if (isTaken(entry.name)) continue;
       Json& item = addItem(entry.name, itemKindProperty, descriptionOf(entry, *element));
@@ -197,7 +198,8 @@ class Completer {
       if (valued) {
         setEdit(item, word, name, "");
       } else {
-        setEdit(item, word, name + "=\"\"" + apart, _wishes.snippets ? attributeSnippet(entry, 1) + "$0" + apart : "");
+        setEdit(item, word, name + "=\"\"" + separator,
+                _options.snippets ? attributeSnippet(entry, 1) + "$0" + separator : "");
       }
     }
   }
@@ -227,23 +229,23 @@ class Completer {
     for (const std::string& name : mapNames(_workspace)) add(std::string(":").append(name), itemKindReference);
   }
 
-  // A value without its second quote runs into what follows; the cursor's word ends earlier.
+  // A value without its closing quote includes the text that follows; the word at the cursor ends earlier.
   [[nodiscard]] Span wordIn(Span value) const {
     const std::string_view text = _markup.textOf(value);
     const std::size_t at = _offset - value.begin;
     const std::size_t lineEnd = at == 0 ? std::string_view::npos : text.find_last_of("\r\n", at - 1);
     const std::size_t begin = lineEnd == std::string_view::npos ? 0 : lineEnd + 1;
-    const bool runsOn = text.find_first_of("=>\r\n", at) != std::string_view::npos;
-    const std::size_t end = runsOn ? std::min(text.find_first_of(" \t\r\n=>", at), text.size()) : text.size();
+    const bool unclosed = text.find_first_of("=>\r\n", at) != std::string_view::npos;
+    const std::size_t end = unclosed ? std::min(text.find_first_of(" \t\r\n=>", at), text.size()) : text.size();
     return {value.begin + begin, value.begin + end};
   }
 
   [[nodiscard]] bool isClosed(const MarkupElement& element) const { return _text[element.startTag.end - 1] == '>'; }
 
-  // Right below the root, whatever that is called, stand definitions.
-  [[nodiscard]] std::vector<const ElementEntry*> childrenOf(const MarkupElement& holder) const {
-    const ElementEntry* entry = vocabularyEntryOf(_markup.nameOf(holder));
-    if (!_markup.parentOf(holder) && !(entry && isDefinitionTag(entry->tag))) return entriesOf(definitionTags);
+  // The children of the root are definitions, whatever its name.
+  [[nodiscard]] std::vector<const ElementEntry*> childrenOf(const MarkupElement& parent) const {
+    const ElementEntry* entry = vocabularyEntryOf(_markup.nameOf(parent));
+    if (!_markup.parentOf(parent) && !(entry && isDefinitionTag(entry->tag))) return entriesOf(definitionTags);
     return entry ? entriesOf(entry->children) : std::vector<const ElementEntry*>();
   }
 
@@ -253,7 +255,7 @@ class Completer {
     return entries;
   }
 
-  // In the order of the vocabulary, not of the alphabet.
+  // Sorted as in the vocabulary, not alphabetically.
   Json& addItem(std::string_view label, int kind, const std::string& description) {
     std::string order = std::to_string(_items.size());
     order.insert(0, 6 - std::min<std::size_t>(order.size(), 6), '0');
@@ -262,9 +264,9 @@ class Completer {
     return _items.emplace_back(std::move(item));
   }
 
-  // The snippet where there is one, else the text.
+  // Inserts the snippet if there is one, else the text.
   void setEdit(Json& item, Span span, std::string_view text, const std::string& withTabStops) {
-    item["insertTextFormat"] = withTabStops.empty() ? plainText : snippet;
+    item["insertTextFormat"] = withTabStops.empty() ? plainTextFormat : snippetFormat;
     item["textEdit"] = {{"range", _document.text().rangeOf(span)},
                         {"newText", withTabStops.empty() ? std::string(text) : withTabStops}};
   }
@@ -274,15 +276,15 @@ class Completer {
   std::string_view _text;
   std::size_t _offset;
   const Workspace& _workspace;
-  CompletionWishes _wishes;
+  CompletionOptions _options;
   Json _items = Json::array();
 };
 
 }  // namespace
 
 Json completionsAt(const MarkedDocument& document, const Position& position, const Workspace& workspace,
-                   CompletionWishes wishes) {
-  return Completer(document, document.text().offsetOf(position), workspace, wishes).run();
+                   CompletionOptions options) {
+  return Completer(document, document.text().offsetOf(position), workspace, options).run();
 }
 
 }  // namespace korvex::lsp

@@ -1,4 +1,4 @@
-// What could stand under the cursor.
+// What can be inserted at the cursor.
 #pragma once
 
 #include "lsp/Json.h"
@@ -6,13 +6,13 @@
 
 namespace korvex::lsp {
 
-struct CompletionWishes {
-  bool snippets = false;  // the client understands tab stops
-  bool untyped = true;    // somebody asked for it, rather than typed a character that leads to it
+struct CompletionOptions {
+  bool snippets = false;  // the client supports tab stops
+  bool invoked = true;    // requested explicitly, not triggered by a typed character
 };
 
-// An array of the protocol's CompletionItem. Each has an edit that replaces the word under the cursor.
+// An array of the protocol's CompletionItem. The edit of each replaces the word at the cursor.
 [[nodiscard]] Json completionsAt(const MarkedDocument& document, const Position& position, const Workspace& workspace,
-                                 CompletionWishes wishes);
+                                 CompletionOptions options);
 
 }  // namespace korvex::lsp

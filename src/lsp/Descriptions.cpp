@@ -15,7 +15,7 @@ struct RuleText {
   std::string_view text;
 };
 constexpr std::array<RuleText, 4> ruleTexts = {{
-    {AttributeRule::OthersPassedOver, "Other attributes mean nothing."},
+    {AttributeRule::OthersIgnored, "Other attributes mean nothing."},
     {AttributeRule::NoOthers, "Other attributes are refused."},
     {AttributeRule::ExactlyOne, "Exactly one of them, and no other."},
     {AttributeRule::AnyOneName, "Exactly one attribute, of whatever name."},
@@ -30,7 +30,7 @@ constexpr std::array<ContentText, 5> contentTexts = {{
     {Content::Text, "Holds text."},
     {Content::Elements, "Holds"},
     {Content::TextAndElements, "Holds text,"},
-    {Content::PassedOver, "What stands inside means nothing."},
+    {Content::Ignored, "What stands inside means nothing."},
 }};
 
 struct KindText {

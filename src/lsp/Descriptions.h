@@ -1,4 +1,4 @@
-// The vocabulary in words, as Markdown.
+// Descriptions of the vocabulary, as Markdown.
 #pragma once
 
 #include <string>
@@ -7,9 +7,9 @@
 
 namespace korvex::lsp {
 
-// What the element is for, its attributes and what may stand inside.
+// What the element is for, its attributes and its content.
 [[nodiscard]] std::string descriptionOf(const ElementEntry& element);
-// What the attribute is for and which values it takes.
+// What the attribute is for and which values it accepts.
 [[nodiscard]] std::string descriptionOf(const AttributeEntry& attribute, const ElementEntry& element);
 
 }  // namespace korvex::lsp

@@ -20,11 +20,11 @@ constexpr std::size_t maxDiagnostics = 1000;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-// The bytes of the mark in front of a text, which the loader drops.
+// The size of the byte order mark before a text, which the loader removes.
 std::size_t sizeOfMark(std::string_view text) { return text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0; }
 
-// What an editor hands over is UTF-8, whatever its declaration says the file is: the encoding's place is filled with
-// spaces, so that every offset stays.
+// Editors send UTF-8, whatever encoding the file declares. The declaration is overwritten with spaces, so that all
+// offsets stay the same.
 std::string withoutEncoding(std::string text) {
   const std::size_t end = text.find("?>");
   const std::size_t begin = text.find(" encoding");
@@ -58,7 +58,7 @@ class DiagnosticWriter {
   }
 
  private:
-  // Where the other places of a finding begin; all of them are in this document.
+  // Where the related places of a finding begin; all of them are in this document.
   [[nodiscard]] Json relatedTo(const Finding& finding) const {
     Json related = Json::array();
     for (const Related& other : finding.related) {
@@ -74,7 +74,7 @@ class DiagnosticWriter {
 
   const TextDocument& _text;
   bool _withRelated;
-  std::size_t _shift;  // from the source, which lacks the mark, to the text
+  std::size_t _shift;  // of offsets, from the source without the byte order mark to the text
 };
 
 std::vector<Finding> findingsIn(const Document::Result& result) {

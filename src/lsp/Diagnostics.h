@@ -1,4 +1,4 @@
-// What the checker finds in an open document.
+// The findings of the checks in an open document.
 #pragma once
 
 #include "lsp/Json.h"
@@ -6,8 +6,8 @@
 
 namespace korvex::lsp {
 
-// An array of the protocol's Diagnostic, at most 1,000 of them: the findings of `korvex-dao check` with the range of
-// the markup that each is about. Their other places are left out for a client that does not know relatedInformation.
+// An array of the protocol's Diagnostic: the findings of `korvex-dao check`, at most 1,000 of them, each with the range
+// of its markup. Related places are left out for a client that does not support relatedInformation.
 [[nodiscard]] Json diagnosticsOf(const MarkedDocument& document, bool withRelated);
 
 }  // namespace korvex::lsp

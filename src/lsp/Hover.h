@@ -6,7 +6,7 @@
 
 namespace korvex::lsp {
 
-// The protocol's Hover; null where there is nothing to say.
+// The protocol's Hover; null where there is nothing to describe.
 [[nodiscard]] Json hoverAt(const MarkedDocument& document, const Position& position);
 
 }  // namespace korvex::lsp

@@ -25,7 +25,7 @@ bool isWithin(std::optional<unsigned> unit, unsigned first, unsigned last) {
   return unit && first <= *unit && *unit <= last;
 }
 
-// With U+FFFD, which is one UTF-16 unit too, in place of each half of a surrogate pair that stands alone.
+// Replaces the escape of each lone surrogate by that of U+FFFD.
 std::string withoutLoneSurrogates(std::string text) {
   for (std::size_t at = text.find('\\'); at != std::string::npos; at = text.find('\\', at)) {
     const std::optional<unsigned> unit = unitAt(text, at);

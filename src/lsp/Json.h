@@ -6,11 +6,11 @@
 
 namespace korvex::lsp {
 
-// Sorted by key: objects whose members keep their order are searched one member after the other, and a client may send
+// Objects are sorted by key: those that keep the order of their members are searched linearly, and a client may send
 // one with a million members.
 using Json = nlohmann::json;
 
-// The member of an object, or null when there is none or `object` is no object.
+// The member of an object; null when there is none, or when `object` is not an object.
 [[nodiscard]] inline const Json& member(const Json& object, const char* name) {
   static const Json none;
   const auto found = object.find(name);
@@ -21,11 +21,11 @@ using Json = nlohmann::json;
   return value.is_string() ? value.get<std::string>() : std::string();
 }
 
-// What a client says; discarded when it is no JSON. Editors that count in UTF-16 may cut a surrogate pair in two; JSON
-// has no character for a half, so it becomes U+FFFD, and every place in the text stays what it is for the client.
+// A client's message; discarded when it is not JSON. Editors that count in UTF-16 may split a surrogate pair. JSON
+// cannot represent a lone surrogate, so it becomes U+FFFD, which is one UTF-16 unit too: positions stay valid.
 [[nodiscard]] Json parsedMessage(const std::string& text);
 
-// As text for the wire. Bytes that are no UTF-8 become U+FFFD.
+// Serialized for the wire. Bytes that are not valid UTF-8 become U+FFFD.
 [[nodiscard]] inline std::string textOf(const Json& value) {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -24,7 +24,7 @@ std::optional<Span> nameInResult(std::string_view result, std::size_t begin) {
 std::vector<MapName> mapNamesIn(const TextDocument& text, const Markup& markup) {
   std::vector<MapName> names;
   const auto add = [&](MapRole role, const std::optional<Span>& span) {
-    if (span) names.push_back({role, std::string(markup.textOf(*span)), *span, text.placesOf(*span)});
+    if (span) names.push_back({role, std::string(markup.textOf(*span)), *span, text.positionsOf(*span)});
   };
   for (const MarkupElement& element : markup.elements()) {
     const std::string_view tag = markup.nameOf(element);

@@ -1,4 +1,4 @@
-// Where a document names result maps: <map id="name">, and result=":name" of a select.
+// Where result maps are named in a document: <map id="name">, and result=":name" of a select.
 #pragma once
 
 #include <string>

@@ -10,7 +10,7 @@
 namespace korvex::lsp {
 namespace {
 
-constexpr std::size_t longestHeaderLine = 4096;  // what is longer is cut
+constexpr std::size_t maxHeaderLine = 4096;  // longer lines are truncated
 
 bool sameLetters(std::string_view text, std::string_view lowerCase) {
   return std::equal(text.begin(), text.end(), lowerCase.begin(), lowerCase.end(), [](char left, char right) {
@@ -23,7 +23,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(" \t") + 1 - begin);
 }
 
-// The number in a "Content-Length: 12" line; absent in any other line and when it is no number.
+// The number in a "Content-Length: 12" line; absent for any other line, and when it is not a number.
 std::optional<std::size_t> contentLengthIn(std::string_view line) {
   const std::size_t colon = line.find(':');
   if (colon == std::string_view::npos || !sameLetters(line.substr(0, colon), "content-length")) return std::nullopt;
@@ -43,7 +43,7 @@ bool MessageReader::readLine(std::string& line) {
       if (line.ends_with('\r')) line.pop_back();
       return true;
     }
-    if (line.size() < longestHeaderLine) line += static_cast<char>(character);
+    if (line.size() < maxHeaderLine) line += static_cast<char>(character);
   }
   return false;
 }
@@ -57,7 +57,7 @@ bool MessageReader::readHeader(std::optional<std::size_t>& length) {
   return false;
 }
 
-// A piece at a time: the length is what somebody claims, and need not be true.
+// Reads piece by piece, since the claimed length need not be true.
 Frame MessageReader::readContent(std::size_t length) {
   Frame frame{length > _maximumBytes ? FrameStatus::TooLarge : FrameStatus::Message, {}};
   std::array<char, 65536> piece{};

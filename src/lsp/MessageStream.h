@@ -12,18 +12,18 @@ namespace korvex::lsp {
 
 enum class FrameStatus {
   Message,
-  Malformed,  // a header without a usable length; it has been passed over
-  TooLarge,   // the message has been passed over
-  End,        // of the input, also in the middle of a message
+  Malformed,  // a header without a valid length, which was skipped
+  TooLarge,   // a message that was skipped
+  End,        // of the input, possibly in the middle of a message
 };
 
 struct Frame {
   FrameStatus status = FrameStatus::End;
-  std::string content;  // of a Message, otherwise empty
+  std::string content;  // of a Message; otherwise empty
 };
 
-// Reads one message after the other. Whatever stands in the input, no more than `maximumBytes` of it are held at once,
-// and reading goes on behind it.
+// Reads one message after another. Whatever the input contains, at most `maximumBytes` of it are held in memory, and
+// reading continues after it.
 class MessageReader {
  public:
   MessageReader(std::istream& in, std::size_t maximumBytes) : _in(in), _maximumBytes(maximumBytes) {}
@@ -32,7 +32,7 @@ class MessageReader {
   [[nodiscard]] Frame next();
 
  private:
-  // The lines of a header up to the empty one; false at the end of the input.
+  // Reads the lines of a header up to the empty one; false at the end of the input.
   [[nodiscard]] bool readHeader(std::optional<std::size_t>& length);
   [[nodiscard]] bool readLine(std::string& line);
   [[nodiscard]] Frame readContent(std::size_t length);
@@ -41,7 +41,7 @@ class MessageReader {
   std::size_t _maximumBytes;
 };
 
-// Writes a message and flushes; whether that worked shows in the stream's state.
+// Writes a message and flushes. Failure shows in the stream's state.
 void writeMessage(std::ostream& out, const std::string& content);
 
 }  // namespace korvex::lsp

@@ -1,4 +1,4 @@
-// Result maps: from a select's result=":name" to the <map id="name"> and back.
+// Result maps: from result=":name" of a select to <map id="name">, and back.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace korvex::lsp {
 
-// The names that definitions of the workspace's maps have, in the order of their places, each once.
+// The names of the maps that the workspace defines, in document order, without duplicates.
 [[nodiscard]] std::vector<std::string> mapNames(const Workspace& workspace);
 
 // Arrays of the protocol's Location; null where no map is named.

@@ -8,8 +8,8 @@ namespace korvex::lsp {
 
 namespace {
 
-// The element whose content the offset is in. An element that nobody closed still has content at the end of the text:
-// that is where somebody types.
+// The element that contains the offset. An element that is not closed also contains the end of the text, where its
+// content is being typed.
 const MarkupElement* parentAt(const Markup& markup, std::size_t textEnd, std::size_t offset,
                               const MarkupElement* element) {
   const auto isBehind = [&](const MarkupElement& candidate) {

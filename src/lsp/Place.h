@@ -1,4 +1,4 @@
-// What stands under the cursor.
+// What is at the cursor.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +10,10 @@
 namespace korvex::lsp {
 
 enum class PlaceKind {
-  Nothing,     // comments, CDATA, and what else holds no markup
+  Nothing,     // comments, CDATA, and other markup that contains no elements
   Content,     // between tags
-  TagName,     // of a start tag, behind the "<"
-  EndTagName,  // behind the "</"
+  TagName,     // of a start tag, after the "<"
+  EndTagName,  // after the "</"
   InTag,       // in a start tag, between its attributes
   AttributeName,
   AttributeValue,  // between the quotes
@@ -21,10 +21,10 @@ enum class PlaceKind {
 
 struct Place {
   PlaceKind kind = PlaceKind::Nothing;
-  // Whose start tag this is; of Content the holder, and of EndTagName the element to close. Null when there is none.
+  // The element of the start tag; for Content the parent, for EndTagName the element to close. Null when there is none.
   const MarkupElement* element = nullptr;
-  const MarkupAttribute* attribute = nullptr;  // of AttributeName and AttributeValue
-  Span word;                                   // what stands there: the name, or the value; empty in between
+  const MarkupAttribute* attribute = nullptr;  // for AttributeName and AttributeValue
+  Span word;                                   // the name or the value there; empty in between
 };
 
 // Valid as long as the document's markup.

@@ -37,7 +37,7 @@ struct Server::Request {
 
 struct Server::Notification {
   std::string_view method;
-  void (Server::*take)(const Json& params);
+  void (Server::*handle)(const Json& params);
 };
 
 const Server::Request Server::requests[] = {
@@ -61,20 +61,20 @@ bool Server::run() {
   while (_state != State::Ended && _out) {
     const Frame frame = _reader.next();
     if (frame.status == FrameStatus::End) break;
-    take(frame);
+    handle(frame);
   }
   return _orderly;
 }
 
-void Server::take(const Frame& frame) {
+void Server::handle(const Frame& frame) {
   if (frame.status == FrameStatus::Malformed) return sendError(nullptr, parseError, "a header without Content-Length");
   if (frame.status == FrameStatus::TooLarge) return sendError(nullptr, invalidRequest, "the message is too large");
   const Json message = parsedMessage(frame.content);
-  if (message.is_discarded()) return sendError(nullptr, parseError, "the message is no JSON");
-  takeMessage(message);
+  if (message.is_discarded()) return sendError(nullptr, parseError, "the message is not JSON");
+  handleMessage(message);
 }
 
-void Server::takeMessage(const Json& message) {
+void Server::handleMessage(const Json& message) {
   const Json& id = member(message, "id");
   const Json& method = member(message, "method");
   if (!method.is_string()) {
@@ -83,18 +83,18 @@ void Server::takeMessage(const Json& message) {
   } else if (isId(id)) {
     answer(id, method.get<std::string>(), member(message, "params"));
   } else if (message.contains("id")) {
-    sendError(nullptr, invalidRequest, "the id is neither a number nor a string");
+    sendError(nullptr, invalidRequest, "the id is neither an integer nor a string");
   } else {
-    notice(method.get<std::string>(), member(message, "params"));
+    handleNotification(method.get<std::string>(), member(message, "params"));
   }
 }
 
 void Server::answer(const Json& id, const std::string& method, const Json& params) {
   if (_state == State::Started && method != "initialize") {
-    return sendError(id, serverNotInitialized, "the first request has to be initialize");
+    return sendError(id, serverNotInitialized, "the first request must be initialize");
   }
   if (_state != State::Started && method == "initialize") {
-    return sendError(id, invalidRequest, "the server is initialized already");
+    return sendError(id, invalidRequest, "the server is already initialized");
   }
   if (_state == State::ShutDown) return sendError(id, invalidRequest, "the server is shut down");
   const auto* found = std::find_if(std::begin(requests), std::end(requests),
@@ -109,11 +109,11 @@ std::string Server::asText(const Json& params) {
   return textOf((this->*answer)(params));
 }
 
-// Those that are unknown, and those that come at the wrong time, are passed over.
-void Server::notice(const std::string& method, const Json& params) {
+// Unknown notifications, and those that come at the wrong time, are ignored.
+void Server::handleNotification(const std::string& method, const Json& params) {
   if (_state != State::Initialized && method != "exit") return;
   for (const Notification& notification : notifications) {
-    if (notification.method == method) (this->*notification.take)(params);
+    if (notification.method == method) (this->*notification.handle)(params);
   }
 }
 
@@ -147,8 +147,8 @@ void Server::exit(const Json& /*params*/) {
 
 Json Server::complete(const Json& params) {
   const MarkedDocument* document = documentIn(params);
-  const bool untyped = member(member(params, "context"), "triggerKind") != byTriggerCharacter;
-  return document ? completionsAt(*document, positionIn(params), _workspace, {_snippets, untyped}) : Json::array();
+  const bool invoked = member(member(params, "context"), "triggerKind") != byTriggerCharacter;
+  return document ? completionsAt(*document, positionIn(params), _workspace, {_snippets, invoked}) : Json::array();
 }
 
 Json Server::hover(const Json& params) {
@@ -186,7 +186,7 @@ void Server::didChange(const Json& params) {
   publishDiagnostics(*document);
 }
 
-// A closed document has no findings any more.
+// A closed document no longer has findings.
 void Server::didClose(const Json& params) {
   const std::string uri = uriIn(params);
   if (uri.empty()) return;

@@ -13,14 +13,14 @@ namespace korvex::lsp {
 
 class Server {
  public:
-  static constexpr std::size_t usualMaximumBytes = std::size_t{64} * 1024 * 1024;
+  static constexpr std::size_t defaultMaximumBytes = std::size_t{64} * 1024 * 1024;
 
-  // The streams are not owned. Messages of more than `maximumBytes` are answered by an error.
-  Server(std::istream& in, std::ostream& out, std::size_t maximumBytes = usualMaximumBytes)
+  // The streams are not owned. Messages of more than `maximumBytes` are answered with an error.
+  Server(std::istream& in, std::ostream& out, std::size_t maximumBytes = defaultMaximumBytes)
       : _reader(in, maximumBytes), _out(out) {}
 
-  // Serves until the client says "exit" or its end of the pipe closes. True when the client asked for "shutdown" first,
-  // which the protocol makes the difference between the exit codes 0 and 1. No message ends it.
+  // Serves until the client sends "exit" or closes its end of the pipe; no other message ends it. True when the client
+  // requested "shutdown" first, which the protocol maps to exit code 0, otherwise to 1.
   [[nodiscard]] bool run();
 
  private:
@@ -29,10 +29,10 @@ class Server {
   static const Request requests[];
   static const Notification notifications[];
 
-  void take(const Frame& frame);
-  void takeMessage(const Json& message);
+  void handle(const Frame& frame);
+  void handleMessage(const Json& message);
   void answer(const Json& id, const std::string& method, const Json& params);
-  void notice(const std::string& method, const Json& params);
+  void handleNotification(const std::string& method, const Json& params);
 
   template <Json (Server::*answer)(const Json& params)>
   [[nodiscard]] std::string asText(const Json& params);
@@ -62,9 +62,9 @@ class Server {
   std::ostream& _out;
   Workspace _workspace;
   State _state = State::Started;
-  bool _snippets = false;  // whether the client understands them, and the other places of a finding
-  bool _relatedInformation = false;
-  bool _orderly = false;
+  bool _snippets = false;            // supported by the client
+  bool _relatedInformation = false;  // supported by the client
+  bool _orderly = false;             // "shutdown" came before "exit"
 };
 
 }  // namespace korvex::lsp

@@ -25,23 +25,23 @@ constexpr int symbolKindString = 15;
 constexpr int symbolKindKey = 20;
 constexpr int symbolKindStruct = 23;
 
-constexpr std::string_view nothing;
+constexpr std::string_view noAttribute;
 
 struct SymbolKind {
   std::string_view tag;
   int kind;
-  std::string_view nameAttribute;    // empty: the name of the first attribute is the name
-  std::string_view detailAttribute;  // what stands beside the name
+  std::string_view nameAttribute;    // empty: the name of the first attribute is the symbol's name
+  std::string_view detailAttribute;  // shown after the name
 };
 
 constexpr std::array<SymbolKind, 10> symbolKinds = {{
     {C_SELECT, symbolKindMethod, C_ID, C_RESULT},
-    {C_UPDATE, symbolKindMethod, C_ID, nothing},
-    {C_INSERT, symbolKindMethod, C_ID, nothing},
-    {C_DELETE, symbolKindMethod, C_ID, nothing},
-    {C_UPGRADE, symbolKindMethod, C_TO_VERSION, nothing},
-    {C_SQL, symbolKindString, C_ID, nothing},
-    {C_CONST, symbolKindConstant, nothing, nothing},
+    {C_UPDATE, symbolKindMethod, C_ID, noAttribute},
+    {C_INSERT, symbolKindMethod, C_ID, noAttribute},
+    {C_DELETE, symbolKindMethod, C_ID, noAttribute},
+    {C_UPGRADE, symbolKindMethod, C_TO_VERSION, noAttribute},
+    {C_SQL, symbolKindString, C_ID, noAttribute},
+    {C_CONST, symbolKindConstant, noAttribute, noAttribute},
     {C_MAP, symbolKindClass, C_ID, C_RESULT},
     {C_CRYPT, symbolKindKey, C_PROPERTY, C_CLASS},
     {C_PACK, symbolKindStruct, C_AS, C_PROPERTIES},
@@ -78,7 +78,7 @@ class SymbolWriter {
   }
 
  private:
-  // Of a method that declares some; empty pieces, which the loader refuses, are left out.
+  // The arguments that a method declares, without empty ones, which the loader refuses.
   void writeArguments(const MarkupElement& element) {
     const MarkupAttribute* declaration = _document.markup().attributeOf(element, C_ARGUMENTS);
     if (!declaration) return;

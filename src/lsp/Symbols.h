@@ -1,4 +1,4 @@
-// The outline of a document: its definitions, and the arguments of its methods.
+// The outline of a document: its definitions, and the arguments of methods.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace korvex::lsp {
 
-// An array of the protocol's DocumentSymbol, in document order. It is written as text, since a large document has
-// thousands of ranges: as a tree of JSON they take several times as long.
+// An array of the protocol's DocumentSymbol, in document order. It is written directly as text: a large document has
+// thousands of ranges, and a JSON tree of them takes several times as long.
 [[nodiscard]] std::string symbolsOf(const MarkedDocument& document);
 
 }  // namespace korvex::lsp

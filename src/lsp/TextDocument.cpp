@@ -9,12 +9,12 @@ namespace korvex::lsp {
 
 namespace {
 
-constexpr std::size_t bytesOfBlock = 1024;
+constexpr std::size_t blockSize = 1024;
 
-// The UTF-16 units of a character, told by its first byte.
+// The UTF-16 units of the character that begins with this byte.
 std::size_t unitsOf(char firstByte) { return static_cast<unsigned char>(firstByte) >= 0xF0U ? 2 : 1; }
 
-// Of the characters that begin in the text.
+// The units of the characters that begin in the text.
 std::size_t countUnits(std::string_view text) {
   std::size_t units = 0;
   for (const char byte : text) units += continuesCharacter(byte) ? 0 : unitsOf(byte);
@@ -32,7 +32,7 @@ Position positionOfJson(const Json& json) {
   return {numberOf(member(json, "line")), numberOf(member(json, "character"))};
 }
 
-// Member by member: an answer has thousands of them, and in braces each member would be a list first.
+// Member by member: there are thousands of positions in a response, and braces would make a list of each member first.
 Json jsonOf(const Position& position) {
   Json json = Json::object();
   json["line"] = position.line;
@@ -68,12 +68,12 @@ void TextDocument::replace(Span span, std::string_view replacement) {
   findLines(span, span.begin + replacement.size());
 }
 
-// A line ends with LF, CR LF or a CR alone, as in the loader. Lines that begin in front of what was replaced and behind
-// it stay. One that begins with it does not: a CR in front may be half of a line end now.
+// A line ends with LF, CR LF or a lone CR, as in the loader. Lines that begin before or after the replaced range stay.
+// One that begins with the range does not: a CR before it may now be half of a line end.
 void TextDocument::findLines(Span replaced, std::size_t end) {
   const auto changed = std::lower_bound(_lineStarts.begin() + 1, _lineStarts.end(), replaced.begin);
-  const auto behind = std::upper_bound(changed, _lineStarts.end(), replaced.end);
-  for (auto start = behind; start != _lineStarts.end(); ++start) *start = *start - replaced.end + end;
+  const auto after = std::upper_bound(changed, _lineStarts.end(), replaced.end);
+  for (auto start = after; start != _lineStarts.end(); ++start) *start = *start - replaced.end + end;
   const std::string_view text = std::string_view(_text).substr(0, end);
   std::vector<std::size_t> found;
   std::size_t at = text.find_first_of("\r\n", replaced.begin - std::min(replaced.begin, std::size_t{1}));
@@ -82,25 +82,25 @@ void TextDocument::findLines(Span replaced, std::size_t end) {
     if (at <= end) found.push_back(at);
     at = text.find_first_of("\r\n", at);
   }
-  _lineStarts.insert(_lineStarts.erase(changed, behind), found.begin(), found.end());
+  _lineStarts.insert(_lineStarts.erase(changed, after), found.begin(), found.end());
 }
 
-// Counted in blocks, since a whole document may be one line.
+// Counted by blocks, since a document may be a single long line.
 std::size_t TextDocument::unitsBefore(std::size_t offset) const {
   const std::string_view text = _text;
   if (_unitsBeforeBlock.empty()) {
     std::size_t units = 0;
-    for (std::size_t begin = 0; begin <= text.size(); begin += bytesOfBlock) {
+    for (std::size_t begin = 0; begin <= text.size(); begin += blockSize) {
       _unitsBeforeBlock.push_back(units);
-      units += countUnits(text.substr(begin, bytesOfBlock));
+      units += countUnits(text.substr(begin, blockSize));
     }
   }
-  const std::size_t block = offset / bytesOfBlock;
-  return _unitsBeforeBlock[block] + countUnits(text.substr(block * bytesOfBlock, offset % bytesOfBlock));
+  const std::size_t block = offset / blockSize;
+  return _unitsBeforeBlock[block] + countUnits(text.substr(block * blockSize, offset % blockSize));
 }
 
 std::size_t TextDocument::unitsBetween(std::size_t begin, std::size_t end) const {
-  if (end - begin > bytesOfBlock) return unitsBefore(end) - unitsBefore(begin);
+  if (end - begin > blockSize) return unitsBefore(end) - unitsBefore(begin);
   return countUnits(std::string_view(_text).substr(begin, end - begin));
 }
 
@@ -114,8 +114,8 @@ std::size_t TextDocument::offsetOf(const Position& position) const {
   if (position.line >= _lineStarts.size()) return _text.size();
   const std::size_t begin = _lineStarts[position.line];
   const std::size_t end = endOfLine(position.line);
-  std::size_t near = begin;  // at the wanted place or in front of it, by a block at the most
-  for (std::size_t far = end; far - near > bytesOfBlock;) {
+  std::size_t near = begin;  // at most a block before the position
+  for (std::size_t far = end; far - near > blockSize;) {
     const std::size_t middle = near + (far - near) / 2;
     (unitsBetween(begin, middle) <= position.character ? near : far) = middle;
   }
@@ -133,6 +133,6 @@ Position TextDocument::positionOf(std::size_t offset) const {
   return {static_cast<std::size_t>(line - _lineStarts.begin()), unitsBetween(*line, offset)};
 }
 
-Json TextDocument::rangeOf(Span span) const { return jsonOf(placesOf(span)); }
+Json TextDocument::rangeOf(Span span) const { return jsonOf(positionsOf(span)); }
 
 }  // namespace korvex::lsp

@@ -1,4 +1,4 @@
-// A text that an editor has open.
+// A text that is open in an editor.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace korvex::lsp {
 
-// A place as the protocol counts: line and character from 0, characters in UTF-16 code units.
+// A position as in the protocol: line and character count from 0, characters in UTF-16 code units.
 struct Position {
   std::size_t line = 0;
   std::size_t character = 0;
@@ -30,18 +30,18 @@ class TextDocument {
   [[nodiscard]] const std::string& uri() const { return _uri; }
   [[nodiscard]] const std::string& text() const { return _text; }
 
-  // Replaces the whole text, or the range that a content change names.
+  // Applies a content change, which replaces a range or the whole text.
   void change(const Json& contentChange);
 
-  // Past the end of a line its end is meant, past the last line the end of the text.
+  // A character past the end of a line means its end, a line past the last one the end of the text.
   [[nodiscard]] std::size_t offsetOf(const Position& position) const;
   [[nodiscard]] Position positionOf(std::size_t offset) const;
-  [[nodiscard]] Range placesOf(Span span) const { return {positionOf(span.begin), positionOf(span.end)}; }
+  [[nodiscard]] Range positionsOf(Span span) const { return {positionOf(span.begin), positionOf(span.end)}; }
   [[nodiscard]] Json rangeOf(Span span) const;
 
  private:
   void replace(Span span, std::string_view replacement);
-  // After a replacement that ends at `end` now.
+  // Updates the lines after a replacement that now ends at `end`.
   void findLines(Span replaced, std::size_t end);
   // Without its line end.
   [[nodiscard]] std::size_t endOfLine(std::size_t line) const;

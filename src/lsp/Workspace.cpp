@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::string_view fileScheme = "file://";
 
-constexpr std::uintmax_t largestFile = std::uintmax_t{4} * 1024 * 1024;
-constexpr std::uintmax_t mostBytes = std::uintmax_t{128} * 1024 * 1024;
-constexpr std::size_t mostFiles = 10'000;
+constexpr std::uintmax_t maxFileBytes = std::uintmax_t{4} * 1024 * 1024;
+constexpr std::uintmax_t maxTotalBytes = std::uintmax_t{128} * 1024 * 1024;
+constexpr std::size_t maxFiles = 10'000;
 
 std::string bytesOf(const std::string& path, std::uintmax_t size) {
   std::ifstream file(path, std::ios::binary);
@@ -31,7 +31,7 @@ std::string bytesOf(const std::string& path, std::uintmax_t size) {
 
 std::string pathOfUri(std::string_view uri) {
   if (!uri.starts_with(fileScheme)) return {};
-  uri.remove_prefix(std::min(uri.find('/', fileScheme.size()), uri.size()));  // and the host, which is nobody else's
+  uri.remove_prefix(std::min(uri.find('/', fileScheme.size()), uri.size()));  // and skip the host
   return percentDecoded(uri);
 }
 
@@ -59,7 +59,8 @@ MarkedDocument* Workspace::find(const std::string& uri) {
 }
 
 void Workspace::forEachMapName(const std::function<void(const std::string& uri, const MapName& name)>& visit) const {
-  std::set<std::string, std::less<>> openPaths;  // an editor may encode more of a URI than this server does
+  std::set<std::string, std::less<>>
+      openPaths;  // compared as paths: editors may encode more of a URI than this server does
   for (const auto& [uri, document] : _open) {
     for (const MapName& name : document->mapNames()) visit(uri, name);
     openPaths.insert(pathOfUri(uri));
@@ -79,10 +80,10 @@ void Workspace::readFiles() const {
   for (const std::string& path : findInputFiles(_folders).files) {
     std::error_code error;
     ReadFile file;
-    file.size = std::filesystem::file_size(path, error);  // an error for what is no regular file
+    file.size = std::filesystem::file_size(path, error);  // fails for anything but a regular file
     if (!error) file.time = std::filesystem::last_write_time(path, error);
-    if (error || file.size > largestFile || bytes + file.size > mostBytes) continue;
-    if (_files.size() == mostFiles) return;
+    if (error || file.size > maxFileBytes || bytes + file.size > maxTotalBytes) continue;
+    if (_files.size() == maxFiles) return;
     bytes += file.size;
     const auto known = before.find(path);
     if (known != before.end() && known->second.time == file.time && known->second.size == file.size) {

@@ -1,4 +1,4 @@
-// The documents that a session can see: those that the editor has open, and the files of its folders.
+// The documents of a session: those that are open in the editor, and the files of its folders.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@
 
 namespace korvex::lsp {
 
-// A text with what stands in it, which is found anew when it is asked for after a change.
+// A text with its markup, which is scanned again when it is requested after a change.
 class MarkedDocument {
  public:
   MarkedDocument(std::string uri, std::string text) : _text(std::move(uri), std::move(text)) {}
@@ -48,22 +48,22 @@ class MarkedDocument {
 
 class Workspace {
  public:
-  // Remembers the folders that an "initialize" request names.
+  // Stores the folders that an "initialize" request names.
   void addFolders(const Json& initializeParams);
 
-  // What the editor opens replaces the file of that name until it closes it.
+  // An open document replaces the file of its name until it is closed.
   MarkedDocument& open(const std::string& uri, std::string text);
   void close(const std::string& uri) { _open.erase(uri); }
-  // Null when the editor does not have it open.
+  // Null when it is not open.
   [[nodiscard]] MarkedDocument* find(const std::string& uri);
 
-  // Visits the names of maps in every open document, and then those in the *.xml files below the folders that are not
-  // open. Files that cannot be read are left out, and so are those of more than 4 MiB, and what is more than 10,000
-  // files or 128 MiB.
+  // Visits the names of maps in every open document, then those in the *.xml files below the folders that are not open.
+  // Files that cannot be read or have more than 4 MiB are left out, and so is everything beyond 10,000 files or 128
+  // MiB.
   void forEachMapName(const std::function<void(const std::string& uri, const MapName& name)>& visit) const;
 
  private:
-  // What was in a file when it was read last.
+  // The content of a file when it was last read.
   struct ReadFile {
     std::filesystem::file_time_type time;
     std::uintmax_t size = 0;
@@ -71,7 +71,7 @@ class Workspace {
   };
   using ReadFiles = std::map<std::string, ReadFile, std::less<>>;  // by path
 
-  // Reads the files that have changed since the last time.
+  // Reads the files that have changed since the last call.
   void readFiles() const;
 
   std::map<std::string, std::unique_ptr<MarkedDocument>> _open;

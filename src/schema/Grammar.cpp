@@ -90,7 +90,7 @@ Particle contentOf(const ElementEntry& entry) {
       return {};
     case Content::Text:
       return {Kind::Text};
-    case Content::PassedOver:
+    case Content::Ignored:
       return repeated(Kind::ZeroOrMore, {Kind::Choice, {}, {{Kind::Text}, {Kind::AnyElement}}});
     case Content::Elements:
     case Content::TextAndElements:
@@ -103,7 +103,7 @@ Element elementOf(const ElementEntry& entry) {
   Element element{entry.tag, entry.meaning};
   addAlternatives(element, entry);
   element.oneAtLeast = entry.attributeRule == AttributeRule::AnyOneName;
-  element.anyOtherAttributes = element.oneAtLeast || entry.attributeRule == AttributeRule::OthersPassedOver;
+  element.anyOtherAttributes = element.oneAtLeast || entry.attributeRule == AttributeRule::OthersIgnored;
   element.content = contentOf(entry);
   return element;
 }

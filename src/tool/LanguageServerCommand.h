@@ -9,7 +9,7 @@
 namespace korvex {
 
 struct LanguageServerOptions {
-  std::size_t maximumBytes = lsp::Server::usualMaximumBytes;  // of a message
+  std::size_t maximumBytes = lsp::Server::defaultMaximumBytes;  // of a message
 };
 
 // Serves on `console.in` and `console.out` until the client says "exit", or is gone.
