@@ -7,8 +7,7 @@
 #include "checks/DocumentCheck.h"
 #include "korvex/Definition.h"
 #include "korvex/Document.h"
-#include "korvex/QXDAOPackReader.h"
-#include "korvex/XMLNode.h"
+#include "markup/TagReader.h"
 
 namespace korvex::lsp {
 
@@ -26,13 +25,14 @@ std::size_t sizeOfMark(std::string_view text) { return text.starts_with(byteOrde
 // Editors send UTF-8, whatever encoding the file declares. The declaration is overwritten with spaces, so that all
 // offsets stay the same.
 std::string withoutEncoding(std::string text) {
-  const std::size_t end = text.find("?>");
-  const std::size_t begin = text.find(" encoding");
-  const bool declared = std::string_view(text).substr(sizeOfMark(text)).starts_with("<?xml");
-  if (!declared || end == std::string::npos || begin > end) return text;
-  const std::size_t quote = std::min(text.find_first_of("\"'", begin), end);
-  const std::size_t close = text.find(text[quote], quote + 1);
-  if (close < end) text.replace(begin, close + 1 - begin, close + 1 - begin, ' ');
+  const std::size_t begin = sizeOfMark(text);
+  if (!std::string_view(text).substr(begin).starts_with("<?xml")) return text;
+  for (const MarkupAttribute& attribute : readTag(text, begin).attributes) {
+    if (!attribute.value || attribute.name.of(text) != "encoding") continue;
+    const std::size_t end = std::min(attribute.value->end + 1, text.size());  // with its quote
+    std::fill(text.begin() + static_cast<std::ptrdiff_t>(attribute.name.begin),
+              text.begin() + static_cast<std::ptrdiff_t>(end), ' ');
+  }
   return text;
 }
 

@@ -155,6 +155,8 @@ TEST(LanguageServer, PublishesTheFindingsOfEachText) {
       {"<a>\r\n é😀<sql/></a>", "1:4-1:8", "Element name(id attribute) is empty."},
       {"<?xml version='1.0' encoding='ISO-8859-1'?><a>é<sql/></a>", "0:47-0:51",
        "Element name(id attribute) is empty."},
+      {"<?xml version='1.0'\tencoding='ISO-8859-1'?><a>é<sql/></a>", "0:47-0:51",
+       "Element name(id attribute) is empty."},
       {"\xEF\xBB\xBF<a><sql/></a>", "0:4-0:8", "Element name(id attribute) is empty."},
       {"\xEF\xBB\xBF<?xml version='1.0' encoding='utf-16'?><a/>", "", ""},
       {"<a>\n<b></a>", "1:3-1:7", "does not match"},
