@@ -25,6 +25,18 @@ foreach(library platform evaluator dao plan loader)
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Development
   )
 endforeach()
+# The engine has an export of its own: apps without SQLite go without it.
+if(TARGET korvex_sqlite)
+  set_target_properties(korvex_sqlite PROPERTIES EXPORT_NAME sqlite)
+  target_include_directories(korvex_sqlite INTERFACE $<INSTALL_INTERFACE:${KORVEX_INCLUDE_DIR}>)
+  install(TARGETS korvex_sqlite
+    EXPORT KorvexDAOEngine
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Development
+  )
+  install(EXPORT KorvexDAOEngine NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_DIR} COMPONENT Development)
+endif()
 install(EXPORT KorvexDAOLibraries NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_DIR} COMPONENT Development)
 
 # Archives do not say what they need: only a shared loader keeps its parsers to itself.
@@ -47,6 +59,9 @@ else()
   file(RELATIVE_PATH libraries_of_tool
     ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR})
   set_target_properties(korvex_platform korvex_evaluator korvex_dao korvex_plan korvex_loader PROPERTIES INSTALL_RPATH ${origin})
+  if(TARGET korvex_sqlite)
+    set_target_properties(korvex_sqlite PROPERTIES INSTALL_RPATH ${origin})
+  endif()
   if(TARGET korvex-dao)
     set_target_properties(korvex-dao PROPERTIES INSTALL_RPATH ${origin}/${libraries_of_tool})
   endif()
