@@ -28,16 +28,23 @@ _korvex_dao() {
     'unpack --column') words='' ;;
     'unpack --where') words='' ;;
     'unpack --format') words='json table' ;;
+    'run --db') files=yes ;;
+    'run --arguments') files=yes ;;
+    'run --table') words='' ;;
+    'run --format') words='csv json table' ;;
+    'upgrade --db') files=yes ;;
     'schema --format') words='rnc rng xsd' ;;
     'schema --root') words='' ;;
     'lsp --max-bytes') words='' ;;
     *)
       case $command in
-        '') options='-h --help --version' words='check explain dump unpack schema lsp completion' ;;
+        '') options='-h --help --version' words='check explain dump unpack run upgrade schema lsp completion' ;;
         check) options='-h --help --format --color --warn --no-warn --werror --no-strict --keep-white-space --max-bytes' files=yes ;;
         explain) options='-h --help --format' words='' ;;
         dump) options='-h --help --format --no-strict --keep-white-space --max-bytes' files=yes ;;
         unpack) options='-h --help --hex --db --table --column --where --format' files=yes ;;
+        run) options='-h --help --db --arguments --table --format --print-sql --write' words='' ;;
+        upgrade) options='-h --help --db' files=yes ;;
         schema) options='-h --help --format --root'  ;;
         lsp) options='-h --help --stdio --max-bytes'  ;;
         completion) options='-h --help' words='bash fish zsh' ;;

@@ -7,6 +7,8 @@ _korvex-dao() {
     'explain:Explain a rule, by a wrong and a right example'
     'dump:Print the element trees of a definition document'
     'unpack:Print what a packed column holds'
+    'run:Run a method on an SQLite database'
+    'upgrade:Lead an SQLite database to the newest version'
     'schema:Print a schema of definition documents, for editors'
     'lsp:Serve an editor as a language server'
     'completion:Print a script by which a shell completes korvex-dao'
@@ -63,6 +65,27 @@ _korvex-dao() {
             '(--where)--where=[Only the rows that meet this SQL condition]:CONDITION: ' \
             '(--format)--format=[How to print the values\: table (if not given) or json]:WORD:(json table)' \
             '::FILE:_files'
+          ;;
+        run)
+          _arguments \
+            '(-h --help)-h[Print this help message and exit]' \
+            '(-h --help)--help[Print this help message and exit]' \
+            '(--db)--db=[The database]:FILE:_files' \
+            '(--arguments)--arguments=[A JSON object with arguments, or - for standard input; those after METHOD count more]:FILE:_files' \
+            '(--table)--table=[The table, for a method with assignedTable]:NAME: ' \
+            '(--format)--format=[How to print the rows\: table (if not given), json or csv]:WORD:(csv json table)' \
+            '(--print-sql)--print-sql[Print the SQL with its values, and run nothing]' \
+            '(--write)--write[Let the method change data]' \
+            ':PATH:_files' \
+            ':METHOD: ' \
+            '*:ARGUMENT: '
+          ;;
+        upgrade)
+          _arguments \
+            '(-h --help)-h[Print this help message and exit]' \
+            '(-h --help)--help[Print this help message and exit]' \
+            '(--db)--db=[The database]:FILE:_files' \
+            ':PATH:_files'
           ;;
         schema)
           _arguments \

@@ -8,7 +8,7 @@
 namespace korvex {
 namespace {
 
-using Failure = std::optional<std::string>;
+using Reason = std::optional<std::string>;
 
 constexpr int longestWait = 1000;  // for a lock, in milliseconds
 
@@ -48,7 +48,7 @@ std::string openFailure(sqlite3* database) {
   return reason != 0 ? std::generic_category().message(reason) : sqlite3_errmsg(database);
 }
 
-Failure open(const std::string& path, Connection& connection) {
+Reason open(const std::string& path, Connection& connection) {
   sqlite3* database = nullptr;
   const int code = sqlite3_open_v2(plainPath(path).c_str(), &database, SQLITE_OPEN_READONLY, nullptr);
   connection.reset(database);
@@ -59,7 +59,7 @@ Failure open(const std::string& path, Connection& connection) {
   return std::nullopt;
 }
 
-Failure prepare(sqlite3& database, const std::string& sql, Statement& statement) {
+Reason prepare(sqlite3& database, const std::string& sql, Statement& statement) {
   sqlite3_stmt* prepared = nullptr;
   const char* rest = nullptr;
   const int code = sqlite3_prepare_v2(&database, sql.c_str(), -1, &prepared, &rest);
@@ -74,7 +74,7 @@ std::string parenthesised(const std::string& condition) { return "(\n" + conditi
 
 // A condition can stand where a value can. Text that closes the parenthesis to go on with SQL of
 // its own, such as a UNION, can not stand both there and behind WHERE.
-Failure checkCondition(sqlite3& database, const ColumnQuery& query) {
+Reason checkCondition(sqlite3& database, const ColumnQuery& query) {
   Statement unused;
   return prepare(database, "SELECT " + parenthesised(*query.where) + " FROM " + quotedName(query.table), unused);
 }
@@ -85,8 +85,8 @@ std::string selection(const ColumnQuery& query, const std::string& rowid) {
   return sql + " ORDER BY 1";
 }
 
-Failure prepareSelection(sqlite3& database, const ColumnQuery& query, Statement& statement) {
-  Failure failure = prepare(database, selection(query, "_rowid_"), statement);
+Reason prepareSelection(sqlite3& database, const ColumnQuery& query, Statement& statement) {
+  Reason failure = prepare(database, selection(query, "_rowid_"), statement);
   if (sqlite3_errcode(&database) != SQLITE_ERROR) return failure;
   // Once more, as for a table without rowids: every other mistake is still there.
   return prepare(database, selection(query, "NULL"), statement);
@@ -120,7 +120,7 @@ ColumnCell cellOf(sqlite3_stmt& statement) {
   return {rowidOf(statement), storageName(type), {bytes, size}};
 }
 
-Failure visitRows(sqlite3& database, sqlite3_stmt& statement, const std::function<void(const ColumnCell&)>& visit) {
+Reason visitRows(sqlite3& database, sqlite3_stmt& statement, const std::function<void(const ColumnCell&)>& visit) {
   int code = SQLITE_ROW;
   while ((code = sqlite3_step(&statement)) == SQLITE_ROW) visit(cellOf(statement));
   if (code != SQLITE_DONE) return failureOf(database);
@@ -132,11 +132,11 @@ Failure visitRows(sqlite3& database, sqlite3_stmt& statement, const std::functio
 std::optional<std::string> readColumn(const ColumnQuery& query, const std::function<void(const ColumnCell&)>& visit) {
   Connection connection;
   Statement statement;
-  if (Failure failure = open(query.path, connection)) return failure;
+  if (Reason failure = open(query.path, connection)) return failure;
   if (query.where) {
-    if (Failure failure = checkCondition(*connection, query)) return failure;
+    if (Reason failure = checkCondition(*connection, query)) return failure;
   }
-  if (Failure failure = prepareSelection(*connection, query, statement)) return failure;
+  if (Reason failure = prepareSelection(*connection, query, statement)) return failure;
   return visitRows(*connection, *statement, visit);
 }
 

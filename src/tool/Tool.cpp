@@ -19,8 +19,10 @@
 #include "tool/LanguageServerCommand.h"
 #include "tool/ManPage.h"
 #include "tool/RuleText.h"
+#include "tool/RunCommand.h"
 #include "tool/SchemaCommand.h"
 #include "tool/UnpackCommand.h"
+#include "tool/UpgradeCommand.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {
@@ -30,6 +32,8 @@ constexpr const char* generalFooter = R"(Examples:
   korvex-dao check definitions/
   korvex-dao explain condition-format
   korvex-dao dump --format tree addressbook.xml
+  korvex-dao upgrade --db app.sqlite definitions/
+  korvex-dao run --db app.sqlite definitions/ searchPersons text=Ada
   korvex-dao unpack --db app.sqlite --table person --column info
   korvex-dao check --help)";
 
@@ -114,6 +118,40 @@ Examples:
 Exit codes:
   0  every value was read to its end; NULL is no value
   1  a value ends early, holds an encode that ends the reading, or is no BLOB
+  2  wrong usage, an input that cannot be read, or an output that cannot be
+     written)";
+
+constexpr const char* runFooter = R"(A value that reads as JSON is that: a number, a list, an object whose properties
+the method reads, null. Anything else is a text; a text of digits is written
+'"12"'. What is not given is null.
+
+A select prints its rows by their columns, whatever class its result names, and
+opens the database to be read only. A method that changes data needs --write
+and says how many rows it changed. --print-sql prints the statements and their
+values instead, and needs no database.
+
+Examples:
+  korvex-dao run --db app.sqlite definitions/ searchPersons text=Ada groupIds='[1,2]'
+  korvex-dao run --db app.sqlite --format csv definitions/ phonesOfPerson personId=7
+  korvex-dao run --db app.sqlite --write definitions/ addPhone \
+    phone='{"personId": 7, "kind": "home", "number": "555"}'
+  korvex-dao run --print-sql definitions/ searchPersons order=age
+
+Exit codes:
+  0  run, or printed
+  1  a definition is refused, or SQLite refused the method
+  2  wrong usage, arguments that do not fit the method, an input that cannot be
+     read, or an output that cannot be written)";
+
+constexpr const char* upgradeFooter = R"(Runs the upgrades that the file needs, each in a transaction with its version,
+and prints each step as it begins. A file that is not there is made.
+
+Example:
+  korvex-dao upgrade --db app.sqlite definitions/
+
+Exit codes:
+  0  the file has the newest version
+  1  a definition is refused, an upgrade failed, or the file's version is newer
   2  wrong usage, an input that cannot be read, or an output that cannot be
      written)";
 
@@ -252,6 +290,42 @@ CLI::App* addUnpack(CLI::App& tool, UnpackOptions& options) {
   return command;
 }
 
+CLI::App* addRun(CLI::App& tool, RunOptions& options) {
+  CLI::App* command = tool.add_subcommand("run", "Run a method on an SQLite database");
+  command->add_option("PATH", options.definitions, "The definitions: a file, a directory, or - for standard input")
+      ->required()
+      ->type_name("");
+  command->add_option("METHOD", options.method, "The name of a method")->required()->type_name("");
+  command->add_option("ARGUMENT", options.arguments, "An argument of the method: name=value")->type_name("");
+  CLI::Option* database = command->add_option("--db", options.database, "The database")->type_name("FILE");
+  command
+      ->add_option("--arguments", options.argumentsFile,
+                   "A JSON object with arguments, or - for standard input; those after METHOD count more")
+      ->type_name("FILE");
+  command->add_option("--table", options.table, "The table, for a method with assignedTable")->type_name("NAME");
+  addChoice<RowFormat>(*command, "--format", options.format,
+                       {{"table", RowFormat::Table}, {"json", RowFormat::Json}, {"csv", RowFormat::Csv}},
+                       "How to print the rows: table (if not given), json or csv");
+  CLI::Option* printSql =
+      command->add_flag("--print-sql", options.printSql, "Print the SQL with its values, and run nothing");
+  command->add_flag("--write", options.write, "Let the method change data");
+  command->footer(runFooter);
+  command->callback([=] {
+    if (database->empty() && printSql->empty()) throw CLI::RequiredError("--db or --print-sql");
+  });
+  return command;
+}
+
+CLI::App* addUpgrade(CLI::App& tool, UpgradeOptions& options) {
+  CLI::App* command = tool.add_subcommand("upgrade", "Lead an SQLite database to the newest version");
+  command->add_option("PATH", options.definitions, "The definitions: a file, a directory, or - for standard input")
+      ->required()
+      ->type_name("");
+  command->add_option("--db", options.database, "The database")->required()->type_name("FILE");
+  command->footer(upgradeFooter);
+  return command;
+}
+
 void addCompletion(CLI::App& tool, const Console& console) {
   CLI::App* command = tool.add_subcommand("completion", "Print a script by which a shell completes korvex-dao");
   Words shells;
@@ -304,12 +378,16 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   ExplainOptions explainOptions;
   DumpOptions dumpOptions;
   UnpackOptions unpackOptions;
+  RunOptions runOptions;
+  UpgradeOptions upgradeOptions;
   SchemaOptions schemaOptions;
   LanguageServerOptions serverOptions;
   const CLI::App* check = addCheck(tool, checkOptions);
   const CLI::App* explain = addExplain(tool, explainOptions);
   const CLI::App* dump = addDump(tool, dumpOptions);
   const CLI::App* unpack = addUnpack(tool, unpackOptions);
+  const CLI::App* run = addRun(tool, runOptions);
+  const CLI::App* upgrade = addUpgrade(tool, upgradeOptions);
   const CLI::App* schema = addSchema(tool, schemaOptions);
   const CLI::App* server = addLanguageServer(tool, serverOptions);
   addCompletion(tool, console);
@@ -323,6 +401,8 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   if (check->parsed()) return runCheck(checkOptions, console);
   if (explain->parsed()) return runExplain(explainOptions, console);
   if (dump->parsed()) return runDump(dumpOptions, console);
+  if (run->parsed()) return runMethod(runOptions, console);
+  if (upgrade->parsed()) return runUpgrade(upgradeOptions, console);
   if (schema->parsed()) return runSchema(schemaOptions, console);
   if (server->parsed()) return runLanguageServer(serverOptions, console);
   if (unpack->parsed()) return runUnpack(unpackOptions, console);

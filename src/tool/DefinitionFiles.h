@@ -1,0 +1,20 @@
+// The definitions behind a path, ready to run.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "korvex/DefinitionSet.h"
+#include "tool/Tool.h"
+
+namespace korvex {
+
+struct LoadedDefinitions {
+  std::shared_ptr<const DefinitionSet> set;  // null when there is none
+  ExitCode code = ExitCodeNothingFound;      // why
+};
+
+// Reads a file, a directory's *.xml files, or console.in for "-". What is wrong with them goes to `console.err`.
+[[nodiscard]] LoadedDefinitions loadedDefinitions(const std::string& path, const Console& console);
+
+}  // namespace korvex
