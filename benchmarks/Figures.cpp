@@ -97,6 +97,12 @@ constexpr std::array comparisons{
     Comparison{"8 hover", "serve/hover", "a check", "serve/check", Unit::Seconds, answer},
     Comparison{"8 symbols", "serve/symbols", "a check", "serve/check", Unit::Seconds, answer},
     Comparison{"8 definition", "serve/definition", "a check", "serve/check", Unit::Seconds, answer},
+
+    Comparison{"9 a select", "engine/select", "sqlite3 by hand", "hand/select", Unit::Seconds, atMost(1.15)},
+    Comparison{"9 in a transaction", "engine/selectInTransaction", "by hand", "hand/selectInTransaction", Unit::Seconds,
+               atMost(1.6)},
+    Comparison{"9 20 objects", "engine/objects", "sqlite3 by hand", "hand/objects", Unit::Seconds, atMost(1.05)},
+    Comparison{"9 1000 inserts", "engine/inserts", "sqlite3 by hand", "hand/inserts", Unit::Seconds, atMost(1.3)},
 };
 
 struct Scale {

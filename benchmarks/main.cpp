@@ -70,6 +70,7 @@ int main(int argc, char** argv) {
   korvex::benchmarks::registerTexts();
   korvex::benchmarks::registerPacking();
   korvex::benchmarks::registerServing();
+  korvex::benchmarks::registerEngine();
   korvex::benchmarks::FigureCollector collector(figures);
   if (benchmark::RunSpecifiedBenchmarks(&collector) == 0 || collector.failed()) return 1;
   addGrowth(figures, "growth/load", "load/fast", "load/definitions/60");
