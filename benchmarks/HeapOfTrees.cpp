@@ -18,7 +18,7 @@ namespace korvex::benchmarks {
 
 namespace {
 
-using Children = std::optional<QXDAOElementList>;
+using Children = std::optional<QXDAOElementSpan>;
 
 constexpr const Children* noChildren = nullptr;
 

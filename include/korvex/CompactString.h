@@ -1,49 +1,59 @@
-// An owned string that may be absent, in the space of one pointer.
+// A string that may be absent, in two words.
 #pragma once
 
 #include <cstddef>
-#include <cstring>
-#include <memory>
+#include <limits>
 #include <string_view>
+#include <utility>
 
 #include "korvex/OptionalString.h"
 
 namespace korvex {
 
-// Element trees hold many strings, most of them absent or set once and then only read. An optional
-// std::string takes 40 bytes even where it is absent; this takes 8, and one block of memory of the
-// exact length where it is present. Moving one keeps the views that were taken from it valid.
+// Owns its characters, or refers to characters that outlive it: those that lie in the memory of the
+// element tree to which the string belongs. A copy always owns its characters.
 class CompactString {
  public:
   CompactString() = default;
   explicit CompactString(OptionalStringView text) {
-    if (text) text->copy(allocate(text->size()), text->size());
+    if (!text) return;
+    char* const characters = new char[text->size()];
+    _size = text->copy(characters, text->size()) | ownerBit;
+    _characters = characters;
+  }
+  CompactString(const CompactString& other) : CompactString(other.view()) {}
+  CompactString(CompactString&& other) noexcept { swap(other); }
+  CompactString& operator=(CompactString other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~CompactString() {
+    if ((_size & ownerBit) != 0) delete[] _characters;
   }
 
-  // A string of that length whose characters `fill` writes.
-  template <typename Fill>
-  static CompactString filled(std::size_t length, Fill fill) {
+  // A string that does not own its characters.
+  [[nodiscard]] static CompactString borrowed(std::string_view text) {
     CompactString string;
-    fill(string.allocate(length));
+    string._characters = text.data();
+    string._size = text.size();
     return string;
   }
 
-  // Valid until this string is assigned to or destroyed.
+  // Valid until this string is assigned to or destroyed; of a borrowed string as long as its characters.
   [[nodiscard]] OptionalStringView view() const {
-    if (!_block) return std::nullopt;
-    std::size_t length = 0;
-    std::memcpy(&length, _block.get(), sizeof length);
-    return std::string_view(_block.get() + sizeof length, length);
+    return _characters ? OptionalStringView(std::in_place, _characters, _size & ~ownerBit) : std::nullopt;
   }
 
  private:
-  char* allocate(std::size_t length) {
-    _block = std::make_unique_for_overwrite<char[]>(sizeof length + length);
-    std::memcpy(_block.get(), &length, sizeof length);
-    return _block.get() + sizeof length;
+  void swap(CompactString& other) noexcept {
+    std::swap(_characters, other._characters);
+    std::swap(_size, other._size);
   }
 
-  std::unique_ptr<char[]> _block;  // the length, then the characters
+  static constexpr std::size_t ownerBit = std::numeric_limits<std::size_t>::max() / 2 + 1;
+
+  const char* _characters = nullptr;  // null if the string is absent
+  std::size_t _size = 0;              // of the characters, and the bit if the string owns them
 };
 
 }  // namespace korvex

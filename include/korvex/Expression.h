@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,6 @@ struct ExpressionFault {
 
 // Absent when the expression parses. The tokens are those of the expression. Any thread.
 [[nodiscard]] KORVEX_EXPORT std::optional<ExpressionFault> findExpressionFault(std::string_view expression,
-                                                                               const QXDAOTokenList& tokens);
+                                                                               std::span<const QXDAOToken> tokens);
 
 }  // namespace korvex

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
+#include "korvex/CompactList.h"
 #include "korvex/CompactString.h"
 #include "korvex/Export.h"
 #include "korvex/OptionalString.h"
@@ -39,12 +41,12 @@ class KORVEX_EXPORT QXDAOCondition final : public QXDAOContainerElement {
   // Without spaces, tabs and line feeds at both ends; absent for <otherwise>. Setting it leaves the
   // tokens as they are.
   [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
-  void setExpression(OptionalStringView expression) { _expression = CompactString(expression); }
+  void setExpression(OptionalStringView expression) { _expression = kept(expression); }
   // What the evaluator made of the expression: not empty in a finished <if> or <when>, absent for
   // <otherwise>. The element copies the texts of the tokens; they stay valid until other tokens are
   // set or the element is destroyed, whatever becomes of the expression.
-  [[nodiscard]] const std::optional<QXDAOTokenList>& tokenList() const { return _tokenList; }
-  void setTokenList(std::optional<QXDAOTokenList> tokens);
+  [[nodiscard]] const std::optional<std::span<const QXDAOToken>>& tokenList() const { return _tokenList.view(); }
+  void setTokenList(std::optional<std::span<const QXDAOToken>> tokens);
 
  private:
   [[nodiscard]] bool readCondition(const XMLNode& xml);
@@ -53,8 +55,7 @@ class KORVEX_EXPORT QXDAOCondition final : public QXDAOContainerElement {
   QXDAOConditionType _type = QXDAOConditionTypeIf;
   bool _evaluateAsTrue = false;
   CompactString _expression;
-  CompactString _tokenTexts;  // of all tokens, one after the other
-  std::optional<QXDAOTokenList> _tokenList;
+  CompactList<QXDAOToken> _tokenList;
 };
 
 }  // namespace korvex

@@ -19,9 +19,9 @@ class KORVEX_EXPORT QXDAOCryptProperty final : public QXDAOElement {
 
   // As written; neither is empty in a finished element.
   [[nodiscard]] OptionalStringView className() const { return _className.view(); }
-  void setClassName(OptionalStringView className) { _className = CompactString(className); }
+  void setClassName(OptionalStringView className) { _className = kept(className); }
   [[nodiscard]] OptionalStringView propertyName() const { return _propertyName.view(); }
-  void setPropertyName(OptionalStringView propertyName) { _propertyName = CompactString(propertyName); }
+  void setPropertyName(OptionalStringView propertyName) { _propertyName = kept(propertyName); }
 
  private:
   [[nodiscard]] bool validCryptDescription(const XMLNode& xml);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,12 +35,20 @@ enum QXDAOElementKind : std::uint8_t {
   QXDAOElementKindTrim,
 };
 
+class TreeMemory;
+
 // The base of all elements: a name, and the failure of its construction. Elements cannot be copied.
+//
+// The elements of a tree, their strings and their lists lie in memory that the tree has as a whole; an
+// element that is built alone, and what is set later, has memory of its own. Either way an element is
+// owned by a std::unique_ptr and may outlive the tree that it was taken out of.
 class KORVEX_EXPORT QXDAOElement {
  public:
   QXDAOElement(const QXDAOElement&) = delete;
   QXDAOElement& operator=(const QXDAOElement&) = delete;
-  virtual ~QXDAOElement() = default;
+  // Destroys an element of any class through a pointer to this one, by its kind: elements have no
+  // virtual functions.
+  static void operator delete(QXDAOElement* element, std::destroying_delete_t);
 
   // The root factory: builds the element tree of one definition. The tag decides the class: sql, map,
   // const, crypt and pack have their own; every other tag goes to QXDAOMethod, which refuses what is
@@ -55,7 +64,7 @@ class KORVEX_EXPORT QXDAOElement {
   // elements. Valid until the name is set again or the element is destroyed, as all views are that
   // the properties of an element return.
   [[nodiscard]] OptionalStringView name() const { return _name.view(); }
-  void setName(OptionalStringView name) { _name = CompactString(name); }
+  void setName(OptionalStringView name) { _name = kept(name); }
 
  protected:
   explicit QXDAOElement(QXDAOElementKind kind) : _kind(kind) {}
@@ -64,6 +73,11 @@ class KORVEX_EXPORT QXDAOElement {
   // fails without one.
   void initWithXML(const XMLNode& xml);
   void initNamedElementWithXML(const XMLNode& xml);
+
+  // A copy of a text for a property of this element.
+  [[nodiscard]] CompactString kept(OptionalStringView text) const;
+  // Lets an element outlive the root of its tree.
+  static void keepMemory(QXDAOElement& element);
 
   // True once a rule was violated. Only construction stores failures.
   [[nodiscard]] bool failed() const { return _error != nullptr; }
@@ -86,9 +100,13 @@ class KORVEX_EXPORT QXDAOElement {
   // The failure as a record; the message is moved into it.
   [[nodiscard]] QXDAOError takenError(const XMLNode& xml);
 
+  friend struct Building;
+
   CompactString _name;
   std::unique_ptr<Failure> _error;
+  TreeMemory* _memory = nullptr;  // in which the element lies; null if it has memory of its own
   QXDAOElementKind _kind;
+  bool _keepsMemory = false;  // and so counts as one of its users
 };
 
 // The element as a T, or null when it is null or of another class.

@@ -5,7 +5,10 @@
 // valid if the linked evaluator returns at least one token for its expression.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string_view>
 #include <vector>
 
@@ -28,7 +31,36 @@ struct QXDAOToken {
   bool operator==(const QXDAOToken&) const = default;
 };
 
-using QXDAOTokenList = std::vector<QXDAOToken>;
+// A list of tokens that needs memory of its own only if it is long.
+class QXDAOTokenList {
+ public:
+  QXDAOTokenList() = default;
+  QXDAOTokenList(std::initializer_list<QXDAOToken> tokens) {
+    for (const QXDAOToken& token : tokens) push_back(token);
+  }
+
+  void push_back(const QXDAOToken& token) {
+    if (_size < _few.size()) {
+      _few[_size] = token;
+    } else {
+      if (_many.empty()) _many.assign(_few.begin(), _few.end());
+      _many.push_back(token);
+    }
+    ++_size;
+  }
+  [[nodiscard]] const QXDAOToken* data() const { return _many.empty() ? _few.data() : _many.data(); }
+  [[nodiscard]] std::size_t size() const { return _size; }
+  [[nodiscard]] bool empty() const { return _size == 0; }
+  // The number of tokens that there is memory for.
+  [[nodiscard]] std::size_t capacity() const { return _many.empty() ? _few.size() : _many.capacity(); }
+  [[nodiscard]] const QXDAOToken* begin() const { return data(); }
+  [[nodiscard]] const QXDAOToken* end() const { return data() + _size; }
+
+ private:
+  std::array<QXDAOToken, 16> _few;
+  std::vector<QXDAOToken> _many;  // all of them, once they are too many
+  std::size_t _size = 0;
+};
 
 class KORVEX_EXPORT QXDAOEvaluator {
  public:

@@ -27,16 +27,16 @@ class KORVEX_EXPORT QXDAOForeach final : public QXDAOElement {
   // The name of the iteration variable and the collection it runs over; not empty in a finished
   // element.
   [[nodiscard]] OptionalStringView item() const { return _item.view(); }
-  void setItem(OptionalStringView item) { _item = CompactString(item); }
+  void setItem(OptionalStringView item) { _item = kept(item); }
   [[nodiscard]] OptionalStringView collection() const { return _collection.view(); }
-  void setCollection(OptionalStringView collection) { _collection = CompactString(collection); }
+  void setCollection(OptionalStringView collection) { _collection = kept(collection); }
   // The texts before, between and after the repetitions.
   [[nodiscard]] OptionalStringView open() const { return _open.view(); }
-  void setOpen(OptionalStringView open) { _open = CompactString(open); }
+  void setOpen(OptionalStringView open) { _open = kept(open); }
   [[nodiscard]] OptionalStringView separator() const { return _separator.view(); }
-  void setSeparator(OptionalStringView separator) { _separator = CompactString(separator); }
+  void setSeparator(OptionalStringView separator) { _separator = kept(separator); }
   [[nodiscard]] OptionalStringView close() const { return _close.view(); }
-  void setClose(OptionalStringView close) { _close = CompactString(close); }
+  void setClose(OptionalStringView close) { _close = kept(close); }
   // The text to repeat, owned by this element. Present in a finished element; its expression may be
   // empty.
   [[nodiscard]] const std::unique_ptr<QXDAOText>& text() const { return _text; }

@@ -19,11 +19,11 @@ class KORVEX_EXPORT QXDAOKeyValueFormatter final : public QXDAOElement {
 
   // Not empty in a finished element.
   [[nodiscard]] OptionalStringView prefix() const { return _prefix.view(); }
-  void setPrefix(OptionalStringView prefix) { _prefix = CompactString(prefix); }
+  void setPrefix(OptionalStringView prefix) { _prefix = kept(prefix); }
   [[nodiscard]] OptionalStringView pairs() const { return _pairs.view(); }
-  void setPairs(OptionalStringView pairs) { _pairs = CompactString(pairs); }
+  void setPairs(OptionalStringView pairs) { _pairs = kept(pairs); }
   [[nodiscard]] OptionalStringView join() const { return _join.view(); }
-  void setJoin(OptionalStringView join) { _join = CompactString(join); }
+  void setJoin(OptionalStringView join) { _join = kept(join); }
 
  private:
   CompactString _prefix;

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
-#include <utility>
-#include <vector>
 
+#include "korvex/CompactList.h"
 #include "korvex/CompactString.h"
 #include "korvex/Export.h"
 #include "korvex/ModelClass.h"
@@ -67,7 +67,7 @@ class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
 
   // The engine's slot; absent until the engine sets it.
   [[nodiscard]] OptionalStringView module() const { return _module.view(); }
-  void setModule(OptionalStringView module) { _module = CompactString(module); }
+  void setModule(OptionalStringView module) { _module = kept(module); }
 
   [[nodiscard]] QXDAOOperation operation() const { return _operation; }
   void setOperation(QXDAOOperation operation) { _operation = operation; }
@@ -84,14 +84,17 @@ class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
   // The keyword of the result type, the class name or the name of the <map>, which may be empty.
   // Absent for operations other than select.
   [[nodiscard]] OptionalStringView resultTypeName() const { return _resultTypeName.view(); }
-  void setResultTypeName(OptionalStringView resultTypeName) { _resultTypeName = CompactString(resultTypeName); }
+  void setResultTypeName(OptionalStringView resultTypeName) { _resultTypeName = kept(resultTypeName); }
 
   // The declared arguments in order; an empty list in a finished method that declares none. Reading
   // them absent means that the attributes have not been read.
-  [[nodiscard]] const std::optional<std::vector<QXDAOMethodArgument>>& arguments() const { return _arguments; }
-  // The same for changing the arguments in place.
-  [[nodiscard]] std::optional<std::vector<QXDAOMethodArgument>>& mutableArguments() { return _arguments; }
-  void setArguments(std::optional<std::vector<QXDAOMethodArgument>> arguments) { _arguments = std::move(arguments); }
+  [[nodiscard]] const std::optional<std::span<const QXDAOMethodArgument>>& arguments() const {
+    return _arguments.view();
+  }
+  // The same for changing the arguments in place; none if they are absent.
+  [[nodiscard]] std::span<QXDAOMethodArgument> mutableArguments() { return _arguments.items(); }
+  // Copies the arguments.
+  void setArguments(std::optional<std::span<const QXDAOMethodArgument>> arguments);
 
   // True if the children are two or more steps.
   [[nodiscard]] bool steped() const { return _steped; }
@@ -114,9 +117,9 @@ class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
   void setForeachResumable(bool foreachResumable) { _foreachResumable = foreachResumable; }
   // The name of the iteration variable, which no argument has, and the argument it runs over.
   [[nodiscard]] OptionalStringView foreachItemName() const { return _foreachItemName.view(); }
-  void setForeachItemName(OptionalStringView name) { _foreachItemName = CompactString(name); }
+  void setForeachItemName(OptionalStringView name) { _foreachItemName = kept(name); }
   [[nodiscard]] OptionalStringView foreachCollection() const { return _foreachCollection.view(); }
-  void setForeachCollection(OptionalStringView name) { _foreachCollection = CompactString(name); }
+  void setForeachCollection(OptionalStringView name) { _foreachCollection = kept(name); }
 
   // The version that an upgrade leads to: always finite, 0 for "initial". A number too large for a
   // double becomes the largest double, one too small becomes 0. 0 for other operations.
@@ -124,17 +127,19 @@ class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
   void setToVersion(double toVersion) { _toVersion = toVersion; }
 
  private:
+  struct Attributes;
+
   [[nodiscard]] bool readUpgradeDeclaration(const XMLNode& xml);
   // The second stage of building and its steps in order. Each reports failure through the element's
   // error; the first two then end the setup.
   void setupMethod(const XMLNode& xml);
   void decideOperation(const XMLNode& xml);
-  void readArguments(const XMLNode& xml);
-  void readOptions(const XMLNode& xml);
+  void readArguments(OptionalStringView declarations);
+  void readOptions(const Attributes& attributes);
   void decideResultType(OptionalStringView declaration);
   void checkStepElements();
   void checkTryBlock();
-  void readForeach(const XMLNode& xml);
+  void readForeach(const Attributes& attributes);
   [[nodiscard]] bool readForeachNames(std::string_view declaration);
 
   CompactString _module;
@@ -143,7 +148,7 @@ class KORVEX_EXPORT QXDAOMethod final : public QXDAOContainerElement {
   bool _resultArrayed = false;
   bool _assignedTable = false;
   CompactString _resultTypeName;
-  std::optional<std::vector<QXDAOMethodArgument>> _arguments;
+  CompactList<QXDAOMethodArgument> _arguments;
   bool _steped = false;
   bool _tryBlock = false;
   bool _parallel = false;

@@ -2,11 +2,11 @@
 
 #include <atomic>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
+#include "korvex/CompactList.h"
 #include "korvex/CompactString.h"
 #include "korvex/Export.h"
 #include "korvex/ModelClass.h"
@@ -29,19 +29,19 @@ class KORVEX_EXPORT QXDAOPack final : public QXDAOElement {
  public:
   static constexpr QXDAOElementKind Kind = QXDAOElementKindPack;
   QXDAOPack() : QXDAOElement(Kind) {}
-  // Inline, as every virtual function of a public class is: an app that is compiled with run-time type
-  // information then has the vtable and the type information that the library is compiled without.
-  ~QXDAOPack() override { releaseLayouts(); }
+  ~QXDAOPack() { releaseLayouts(); }
 
   void initWithXML(const XMLNode& xml);
 
   // The name of the column, without spaces at both ends; not empty in a finished element.
   [[nodiscard]] OptionalStringView column() const { return _column.view(); }
-  void setColumn(OptionalStringView column) { _column = CompactString(column); }
+  void setColumn(OptionalStringView column) { _column = kept(column); }
   // The names of the properties, each without spaces at both ends, in the order written and including
   // empty and repeated ones; two or more in a finished element.
-  [[nodiscard]] const std::optional<std::vector<std::string>>& propertyList() const { return _propertyList; }
-  void setPropertyList(std::optional<std::vector<std::string>> list) { _propertyList = std::move(list); }
+  [[nodiscard]] const std::optional<std::span<const std::string_view>>& propertyList() const {
+    return _propertyList.view();
+  }
+  void setPropertyList(std::optional<std::span<const std::string_view>> list);
   // True if the engine encrypts the column. Packing and unpacking ignore it.
   [[nodiscard]] bool crypted() const { return _crypted; }
   void setCrypted(bool crypted) { _crypted = crypted; }
@@ -74,7 +74,7 @@ class KORVEX_EXPORT QXDAOPack final : public QXDAOElement {
   mutable SpinLock _lock;
   bool _crypted = false;
   CompactString _column;
-  std::optional<std::vector<std::string>> _propertyList;
+  CompactList<std::string_view> _propertyList;
 };
 
 }  // namespace korvex

@@ -37,27 +37,14 @@ class KORVEX_EXPORT QXDAOText final : public QXDAOElement {
   void initWithXML(const XMLNode& xml);
   // The text as given; absent stays absent.
   void initWithText(OptionalStringView text);
-  // A new element, initialised with the text; its expression is stored inline after the object.
-  [[nodiscard]] static std::unique_ptr<QXDAOText> elementWithText(OptionalStringView text);
-
   // The SQL text. The init operations expand the list references; the setter stores its text as given.
-  [[nodiscard]] OptionalStringView expression() const {
-    return _lengthBehind == notBehind ? _expression.view() : std::string_view(behind(), _lengthBehind);
-  }
-  void setExpression(OptionalStringView expression) {
-    CompactString replacement(expression);
-    _lengthBehind = notBehind;
-    _expression = std::move(replacement);
-  }
+  [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
+  void setExpression(OptionalStringView expression) { _expression = kept(expression); }
   // Expands the list references of the expression. The init operations have called it already.
   void processText();
   // The length in bytes of the text with its list references expanded, worked out in time proportional
   // to the text. Exact for texts shorter than 4 GiB.
   [[nodiscard]] static std::size_t expandedLength(std::string_view text);
-
-  static void* operator new(std::size_t size) { return ::operator new(size); }
-  // Not the one that is told the size: with characters behind it, that is not the size of the block.
-  static void operator delete(void* text) { ::operator delete(text); }
 
   // The engine's slots; null and None until the engine sets them. The element owns the list.
   [[nodiscard]] const std::unique_ptr<QXDAOEngineList>& speedyList() const { return _speedyList; }
@@ -66,13 +53,9 @@ class KORVEX_EXPORT QXDAOText final : public QXDAOElement {
   void setSpeedyStatus(QXDAOTextSpeedyStatus status) { _speedyStatus = status; }
 
  private:
-  static void* operator new(std::size_t size, std::size_t lengthBehind) { return ::operator new(size + lengthBehind); }
-  [[nodiscard]] char* behind() const { return reinterpret_cast<char*>(const_cast<QXDAOText*>(this) + 1); }
+  void setExpanded(OptionalStringView text);
 
-  static constexpr std::size_t notBehind = static_cast<std::size_t>(-1);
-
-  std::size_t _lengthBehind = notBehind;  // of the expression when it stands behind the element
-  CompactString _expression;              // when it does not
+  CompactString _expression;
   std::unique_ptr<QXDAOEngineList> _speedyList;
   QXDAOTextSpeedyStatus _speedyStatus = QXDAOTextSpeedyStatusNone;
 };

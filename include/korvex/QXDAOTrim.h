@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
+#include <span>
+#include <string_view>
 
+#include "korvex/CompactList.h"
 #include "korvex/CompactString.h"
 #include "korvex/Export.h"
 #include "korvex/OptionalString.h"
@@ -34,14 +34,14 @@ class KORVEX_EXPORT QXDAOTrim final : public QXDAOContainerElement {
 
   // The keyword to put before the content: "where", "set", or the "prefix" of a trim.
   [[nodiscard]] OptionalStringView operationName() const { return _operationName.view(); }
-  void setOperationName(OptionalStringView operationName) { _operationName = CompactString(operationName); }
+  void setOperationName(OptionalStringView operationName) { _operationName = kept(operationName); }
   // The texts to remove from the beginning and the end of the content, in the order written and
   // untrimmed. An override attribute of a trim is split at every "|": an empty one gives one empty
   // text, an absent one gives none.
-  [[nodiscard]] const std::vector<std::string>& prefixOverrides() const { return _prefixOverrides; }
-  void setPrefixOverrides(std::vector<std::string> overrides) { _prefixOverrides = std::move(overrides); }
-  [[nodiscard]] const std::vector<std::string>& suffixOverrides() const { return _suffixOverrides; }
-  void setSuffixOverrides(std::vector<std::string> overrides) { _suffixOverrides = std::move(overrides); }
+  [[nodiscard]] std::span<const std::string_view> prefixOverrides() const { return *_prefixOverrides.view(); }
+  void setPrefixOverrides(std::span<const std::string_view> overrides);
+  [[nodiscard]] std::span<const std::string_view> suffixOverrides() const { return *_suffixOverrides.view(); }
+  void setSuffixOverrides(std::span<const std::string_view> overrides);
   [[nodiscard]] QXDAOTrimOnVoidType onVoid() const { return _onVoid; }
   void setOnVoid(QXDAOTrimOnVoidType onVoid) { _onVoid = onVoid; }
 
@@ -50,8 +50,8 @@ class KORVEX_EXPORT QXDAOTrim final : public QXDAOContainerElement {
   void readTrim(const XMLNode& xml);
 
   CompactString _operationName;
-  std::vector<std::string> _prefixOverrides;
-  std::vector<std::string> _suffixOverrides;
+  CompactList<std::string_view> _prefixOverrides{{}, false};  // never absent
+  CompactList<std::string_view> _suffixOverrides{{}, false};
   QXDAOTrimOnVoidType _onVoid = QXDAOTrimOnVoidTypeNone;
 };
 

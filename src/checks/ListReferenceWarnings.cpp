@@ -135,8 +135,9 @@ void findUnfinishedReference(const XMLNode& element, std::string_view text, Text
         "write %{'FORMAT', ENTRY, ENTRY}; if no reference is meant, split it: '%' || '{'";
     return;
   }
-  const auto written = QXDAOText::elementWithText(text);
-  const std::string_view expanded = *written->expression();
+  QXDAOText written;
+  written.initWithText(text);
+  const std::string_view expanded = *written.expression();
   const std::size_t left = openingOutsideQuotes(expanded);
   if (left == std::string_view::npos) return;
   list.add(Warning::UnfinishedListReference, element, placeOf(openingBeforeExpansion(text, expanded, left)),

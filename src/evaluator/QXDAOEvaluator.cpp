@@ -208,8 +208,6 @@ void skipWhiteSpace(std::string_view& text) { text.remove_prefix(countWhile(text
 
 QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view expression) {
   QXDAOTokenList tokens;
-  constexpr std::size_t usualTokenCount = 4;
-  tokens.reserve(usualTokenCount);
   for (skipWhiteSpace(expression); !expression.empty(); skipWhiteSpace(expression)) {
     if (!takeToken(expression, tokens)) return {};
   }

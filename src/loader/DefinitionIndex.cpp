@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::array namelessTags{C_UPGRADE, C_CRYPT, C_PACK};
 
+constexpr std::size_t usualTreeSize = 1024;
+
 }  // namespace
 
 struct DefinitionIndex::Entry {
@@ -41,7 +43,10 @@ XMLPosition DefinitionIndex::position(std::size_t place) const { return _entries
 
 const Definition& DefinitionIndex::operator[](std::size_t place) const {
   Entry& entry = _entries[place];
-  std::call_once(entry.built, [&entry] { build(entry.definition); });
+  std::call_once(entry.built, [&entry] {
+    Arena arena(usualTreeSize);
+    build(entry.definition, arena);
+  });
   return entry.definition;
 }
 

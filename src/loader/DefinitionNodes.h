@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "dao/core/Building.h"
 #include "korvex/Definition.h"
 #include "korvex/Document.h"
 #include "korvex/Keywords.h"
@@ -34,10 +35,10 @@ void forEachDefinition(const Document& document, Take take) {
   return std::max<std::size_t>(1, document.root().childCount());
 }
 
-// Builds or refuses the definition of definition.xml.
-inline void build(Definition& definition) {
+// Builds or refuses the definition of definition.xml, in the memory of an arena.
+inline void build(Definition& definition, Arena& arena) {
   std::optional<QXDAOError> error;
-  definition.element = QXDAOElement::elementWithXML(definition.xml, &error);
+  definition.element = Building::tree(arena, definition.xml, &error);
   if (error) definition.error = std::make_unique<QXDAOError>(std::move(*error));
 }
 

@@ -112,8 +112,8 @@ void AssembledText::endTrim() {
     while (!_trims.empty()) endTrim();
     return;
   }
-  const auto take = [&](const std::vector<std::string>& overrides, auto find) {
-    for (const std::string& override : overrides) {
+  const auto take = [&](std::span<const std::string_view> overrides, auto find) {
+    for (const std::string_view override : overrides) {
       const SqlRange range = find(std::string_view(_sql).substr(open.content), override);
       if (range.begin < range.end) return erase(open.content, range.begin, range.end);
     }

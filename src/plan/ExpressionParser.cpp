@@ -78,7 +78,7 @@ const auto* entryOf(const Table& table, const Key& key, Member member) {
 // Reads by precedence: a loop for the operators of one level, a call for a tighter level.
 class ExpressionParser {
  public:
-  ExpressionParser(std::string_view expression, const QXDAOTokenList& tokens, const NameResolver& names,
+  ExpressionParser(std::string_view expression, std::span<const QXDAOToken> tokens, const NameResolver& names,
                    ExpressionStore& store)
       : _expression(expression), _tokens(tokens), _names(names), _store(store) {}
 
@@ -319,7 +319,7 @@ class ExpressionParser {
   }
 
   std::string_view _expression;
-  const QXDAOTokenList& _tokens;
+  std::span<const QXDAOToken> _tokens;
   const NameResolver& _names;
   ExpressionStore& _store;
   std::size_t _at = 0;
@@ -335,7 +335,7 @@ class AnyName final : public NameResolver {
 
 }  // namespace
 
-std::optional<ExpressionFault> compileExpression(std::string_view expression, const QXDAOTokenList& tokens,
+std::optional<ExpressionFault> compileExpression(std::string_view expression, std::span<const QXDAOToken> tokens,
                                                  const NameResolver& names, ExpressionStore& store) {
   const std::size_t before = store.steps.size();
   std::optional<ExpressionFault> fault = ExpressionParser(expression, tokens, names, store).parse();
@@ -343,7 +343,7 @@ std::optional<ExpressionFault> compileExpression(std::string_view expression, co
   return fault;
 }
 
-std::optional<ExpressionFault> findExpressionFault(std::string_view expression, const QXDAOTokenList& tokens) {
+std::optional<ExpressionFault> findExpressionFault(std::string_view expression, std::span<const QXDAOToken> tokens) {
   ExpressionStore store;
   return compileExpression(expression, tokens, AnyName(), store);
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <deque>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,7 +35,7 @@ struct ExpressionStore {
 
 // Appends the steps of an expression; what it appended before a fault is taken back.
 [[nodiscard]] std::optional<ExpressionFault> compileExpression(std::string_view expression,
-                                                               const QXDAOTokenList& tokens, const NameResolver& names,
-                                                               ExpressionStore& store);
+                                                               std::span<const QXDAOToken> tokens,
+                                                               const NameResolver& names, ExpressionStore& store);
 
 }  // namespace korvex

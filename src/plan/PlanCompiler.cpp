@@ -151,7 +151,7 @@ class PlanCompiler final : public NameResolver {
   }
 
   // Gives the node of the except block, where there is one.
-  XMLNode compileUnit(const QXDAOElementList& children, const XMLNode& xml, const XMLPosition& place, bool resumable) {
+  XMLNode compileUnit(QXDAOElementSpan children, const XMLNode& xml, const XMLPosition& place, bool resumable) {
     _fixedText = true;
     const std::size_t begin = _contents.instructions.size();
     emitPlace(place);
@@ -172,7 +172,7 @@ class PlanCompiler final : public NameResolver {
     ++_plan->_unitCount;
   }
 
-  XMLNode compileChildren(const QXDAOElementList& children, const XMLNode& xml) {
+  XMLNode compileChildren(QXDAOElementSpan children, const XMLNode& xml) {
     ChildWalk walk(xml);
     std::string_view textInFront;
     for (const auto& child : children) {

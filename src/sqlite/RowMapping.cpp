@@ -36,8 +36,8 @@ PropertyOfColumn propertyOf(const ModelClass& modelClass, std::string name) {
 // By the map, or else by the column's name.
 PropertyOfColumn propertyOfColumn(const ModelClass& modelClass, const QXDAOMap* map, std::string_view column) {
   if (map) {
-    const auto mapped = map->columnPropertyMap()->find(std::string(column));
-    if (mapped != map->columnPropertyMap()->end()) return propertyOf(modelClass, mapped->second);
+    if (const OptionalStringView mapped = map->propertyOfColumn(column))
+      return propertyOf(modelClass, std::string(*mapped));
   }
   PropertyOfColumn property = propertyOf(modelClass, std::string(column));
   return property.field ? property : propertyOf(modelClass, inCamelCase(column));
@@ -53,7 +53,7 @@ ColumnTarget targetOf(int column, std::string_view name, const DefinitionSet& se
 
 std::string missingPropertyOf(const QXDAOMap& map, const ModelClass& modelClass) {
   for (const auto& [column, property] : *map.columnPropertyMap()) {
-    if (!fieldOfProperty(modelClass, property)) return property;
+    if (!fieldOfProperty(modelClass, property)) return std::string(property);
   }
   return {};
 }

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <iterator>
-#include <map>
 #include <span>
 #include <type_traits>
 
@@ -63,14 +62,14 @@ requires std::is_arithmetic_v<Value> Json toJson(Value value) { return value; }
 Json toJson(std::string_view text) { return text; }
 Json toJson(const QXDAOToken& token) { return token.text; }
 
-// Columns in the order of their bytes: the map itself has none.
-Json toJson(const QXDAOMap::ColumnPropertyMap& columns) {
-  const std::map<std::string, std::string> sorted(columns.begin(), columns.end());
-  return Json::object_t(sorted.begin(), sorted.end());
+Json toJson(std::span<const QXDAOColumn> columns) {
+  Json object = Json::object();
+  for (const auto& [column, property] : columns) object[std::string(column)] = property;
+  return object;
 }
 
 template <typename Item>
-Json toJson(const std::vector<Item>& items);
+Json toJson(std::span<const Item> items);
 
 template <typename Value>
 Json toJson(const std::optional<Value>& value) {
@@ -87,7 +86,7 @@ Json toJson(const std::unique_ptr<Element>& element) {
 }
 
 template <typename Item>
-Json toJson(const std::vector<Item>& items) {
+Json toJson(std::span<const Item> items) {
   Json array = Json::array();
   for (const Item& item : items) array.push_back(toJson(item));
   return array;

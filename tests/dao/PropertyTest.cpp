@@ -2,6 +2,7 @@
 // setter takes what the getter gives.
 #include <gtest/gtest.h>
 
+#include <span>
 #include <type_traits>
 
 #include "korvex/QXDAOMethodArgument.h"
@@ -18,6 +19,14 @@ auto comparable(const Value& value) {
   return value;
 }
 OptionalString comparable(const OptionalStringView& value) { return ownedString(value); }
+template <typename Item>
+std::vector<Item> comparable(std::span<const Item> items) {
+  return {items.begin(), items.end()};
+}
+template <typename Item>
+std::optional<std::vector<Item>> comparable(const std::optional<std::span<const Item>>& items) {
+  return items ? std::optional(comparable(*items)) : std::nullopt;
+}
 
 template <typename Element, typename Getter, typename Setter, typename Value>
 void expectKept(const char* name, Getter getter, Setter setter, const Value& value) {
@@ -58,11 +67,11 @@ TEST(Properties, KeepTheirValues) {
   EXPECT_KEPT(QXDAOKeyValueFormatter, pairs, setPairs, longText);
   EXPECT_KEPT(QXDAOKeyValueFormatter, join, setJoin, longText);
   EXPECT_KEPT(QXDAOMap, resultClass, setResultClass, longText);
-  EXPECT_KEPT(QXDAOMap, columnPropertyMap, setColumnPropertyMap, QXDAOMap::ColumnPropertyMap({{"a", longText}}));
+  EXPECT_KEPT(QXDAOMap, columnPropertyMap, setColumnPropertyMap, std::vector<QXDAOColumn>({{"a", longText}}));
   EXPECT_KEPT(QXDAOCryptProperty, className, setClassName, longText);
   EXPECT_KEPT(QXDAOCryptProperty, propertyName, setPropertyName, longText);
   EXPECT_KEPT(QXDAOPack, column, setColumn, longText);
-  EXPECT_KEPT(QXDAOPack, propertyList, setPropertyList, std::vector<std::string>({"", longText}));
+  EXPECT_KEPT(QXDAOPack, propertyList, setPropertyList, std::vector<std::string_view>({"", longText}));
   EXPECT_KEPT(QXDAOPack, crypted, setCrypted, true);
   EXPECT_KEPT(QXDAOMethod, module, setModule, longText);
   EXPECT_KEPT(QXDAOMethod, operation, setOperation, QXDAOOperationUpgrade);
@@ -84,10 +93,10 @@ TEST(Properties, KeepTheirValues) {
   EXPECT_KEPT(QXDAOCondition, type, setType, QXDAOConditionTypeOtherwise);
   EXPECT_KEPT(QXDAOCondition, evaluateAsTrue, setEvaluateAsTrue, true);
   EXPECT_KEPT(QXDAOCondition, expression, setExpression, longText);
-  EXPECT_KEPT(QXDAOCondition, tokenList, setTokenList, QXDAOTokenList({{QXDAOTokenTypeString, longText}}));
+  EXPECT_KEPT(QXDAOCondition, tokenList, setTokenList, std::vector<QXDAOToken>({{QXDAOTokenTypeString, longText}}));
   EXPECT_KEPT(QXDAOTrim, operationName, setOperationName, longText);
-  EXPECT_KEPT(QXDAOTrim, prefixOverrides, setPrefixOverrides, std::vector<std::string>({"", longText}));
-  EXPECT_KEPT(QXDAOTrim, suffixOverrides, setSuffixOverrides, std::vector<std::string>({longText}));
+  EXPECT_KEPT(QXDAOTrim, prefixOverrides, setPrefixOverrides, std::vector<std::string_view>({"", longText}));
+  EXPECT_KEPT(QXDAOTrim, suffixOverrides, setSuffixOverrides, std::vector<std::string_view>({longText}));
   EXPECT_KEPT(QXDAOTrim, onVoid, setOnVoid, QXDAOTrimOnVoidTypeIgnoreAfter);
   // Values that only the full width of an enumeration holds.
   EXPECT_KEPT(QXDAOText, speedyStatus, setSpeedyStatus, QXDAOTextSpeedyStatus{257});
@@ -161,9 +170,20 @@ TEST(Properties, ArgumentsAreChangedInPlace) {
   EXPECT_FALSE(method.hasArgumentWithName("a"));
   method.setArguments(std::vector<QXDAOMethodArgument>(2));
   EXPECT_FALSE(method.hasArgumentWithName(std::nullopt));
-  method.mutableArguments()->back().setName("a");
+  method.mutableArguments().back().setName("a");
   EXPECT_TRUE(method.hasArgumentWithName("a"));
   EXPECT_FALSE(method.hasArgumentWithName(""));
+}
+
+TEST(Properties, ColumnsAreFound) {
+  QXDAOMap map;
+  EXPECT_EQ(map.propertyOfColumn("a"), std::nullopt);
+  map.setColumnPropertyMap(std::vector<QXDAOColumn>({{"b", "1"}, {"a", "2"}, {"b", "3"}, {"a b", "4"}}));
+  EXPECT_EQ(map.columnPropertyMap()->size(), 3U);
+  for (const auto& [column, property] : {QXDAOColumn{"a", "2"}, {"b", "3"}, {"a b", "4"}}) {
+    EXPECT_EQ(map.propertyOfColumn(column), property) << column;
+  }
+  EXPECT_EQ(map.propertyOfColumn("c"), std::nullopt);
 }
 
 TEST(Properties, TokensKeepTheirTexts) {
@@ -174,8 +194,42 @@ TEST(Properties, TokensKeepTheirTexts) {
   expression.assign(expression.size(), '#');
   condition.setExpression("second");
   ASSERT_EQ(condition.tokenList()->size(), 3U);
-  EXPECT_EQ(condition.tokenList()->at(0), (QXDAOToken{QXDAOTokenTypeName, "first"}));
-  EXPECT_EQ(condition.tokenList()->at(2), (QXDAOToken{QXDAOTokenTypeNumber, "1"}));
+  EXPECT_EQ(condition.tokenList()->front(), (QXDAOToken{QXDAOTokenTypeName, "first"}));
+  EXPECT_EQ(condition.tokenList()->back(), (QXDAOToken{QXDAOTokenTypeNumber, "1"}));
+}
+
+TEST(Properties, LongTokenListsAreComplete) {
+  std::string expression;
+  for (int number = 0; number < 40; ++number) expression += std::to_string(number) + " ";
+  const QXDAOTokenList tokens = QXDAOEvaluator::buildTokenListWithExpression(expression);
+  ASSERT_EQ(tokens.size(), 40U);
+  for (std::size_t at = 0; at < tokens.size(); ++at) EXPECT_EQ(tokens.data()[at].text, std::to_string(at));
+}
+
+// What is taken out of a tree, or set in it, lives by itself.
+TEST(Trees, TakenChildrenOutliveTheirTree) {
+  const HandBuiltTree tree(
+      Hand::element("update", {{"id", "a name that is long enough"}, {"arguments", "first, second"}},
+                    {Hand::text("a text"),
+                     Hand::element("where", {}, {Hand::element("if", {{"true", "a > 1"}}, {Hand::text("b")})})}));
+  auto root = QXDAOElement::elementWithXML(tree.root());
+  auto* method = QXDAOElementCast<QXDAOMethod>(root.get());
+  auto taken = method->takeChildren();
+  EXPECT_FALSE(method->children());
+  method->mutableArguments().front().setName("another name");
+  root.reset();
+  ASSERT_EQ(taken->size(), 2U);
+  EXPECT_EQ(QXDAOElementCast<QXDAOText>(taken->front().get())->expression(), "a text");
+  taken->erase(taken->begin());
+  QXDAOChoose choose;
+  choose.setChildren(std::move(taken));
+  auto* where = QXDAOElementCast<QXDAOTrim>(choose.children()->front().get());
+  auto deeper = where->takeChildren();
+  choose.setChildren(std::nullopt);
+  const auto* condition = QXDAOElementCast<QXDAOCondition>(deeper->front().get());
+  EXPECT_EQ(condition->expression(), "a > 1");
+  EXPECT_EQ(condition->tokenList()->back().text, "1");
+  EXPECT_EQ(condition->children()->size(), 1U);
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // What attributes and contents become: definition → one line that tells every value of its element.
 #include <gtest/gtest.h>
 
-#include <map>
-
 #include "korvex/QXDAOChoose.h"
 #include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOConst.h"
@@ -48,7 +46,7 @@ class Line {
   std::string _line;
 };
 
-std::string itself(const std::string& text) { return text; }
+std::string_view itself(std::string_view text) { return text; }
 
 std::string told(const QXDAOMethod& method) {
   const bool select = method.operation() == QXDAOOperationSelect;
@@ -77,12 +75,11 @@ std::string told(const QXDAOElement& element) {
     return Line("crypt").text("class", crypt->className()).text("property", crypt->propertyName()).told();
   }
   if (const auto* map = QXDAOElementCast<QXDAOMap>(&element)) {
-    const std::map<std::string, std::string> columns(map->columnPropertyMap()->begin(),
-                                                     map->columnPropertyMap()->end());
     return Line("map")
         .text("name", map->name())
         .text("class", map->resultClass())
-        .list("columns", columns, [](const auto& entry) { return entry.first + "=" + entry.second; })
+        .list("columns", *map->columnPropertyMap(),
+              [](const QXDAOColumn& entry) { return std::string(entry.column) + "=" + std::string(entry.property); })
         .told();
   }
   if (const auto* pack = QXDAOElementCast<QXDAOPack>(&element)) {

@@ -451,7 +451,7 @@ TEST(Definitions, TreesAreBuiltOnEightThreads) {
         const auto definitions = loadDefinitions(*document);
         EXPECT_EQ(definitions.at(1).position(), (XMLPosition{3, 1}));
         const auto* select = QXDAOElementCast<QXDAOMethod>(definitions[1].element.get());
-        EXPECT_EQ(QXDAOElementCast<QXDAOText>(select->children()->at(0).get())->expression(), "a, b");
+        EXPECT_EQ(QXDAOElementCast<QXDAOText>(select->children()->front().get())->expression(), "a, b");
       }
     }
   };

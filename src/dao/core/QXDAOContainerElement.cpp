@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "dao/core/Building.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOChoose.h"
@@ -23,36 +24,36 @@ namespace korvex {
 
 namespace {
 
-using ChildBuilder = std::unique_ptr<QXDAOElement> (*)(const XMLNode& xml, QXDAOContainerElement& holder);
+using ChildBuilder = std::unique_ptr<QXDAOElement> (*)(const XMLNode& xml, QXDAOContainerElement& parent);
 
 template <typename T>
-std::unique_ptr<QXDAOElement> buildPlain(const XMLNode& xml, QXDAOContainerElement& /*holder*/) {
-  auto element = std::make_unique<T>();
+std::unique_ptr<QXDAOElement> buildPlain(const XMLNode& xml, QXDAOContainerElement& parent) {
+  auto element = Building::element<T>(Building::memoryOf(parent));
   element->initWithXML(xml);
   return element;
 }
 
-// For the elements that know their holder; the placement rule has checked its class.
-template <typename T, typename Holder>
-std::unique_ptr<QXDAOElement> buildLinked(const XMLNode& xml, QXDAOContainerElement& holder) {
-  auto element = std::make_unique<T>();
-  element->initWithXML(xml, static_cast<Holder*>(&holder));
+// For the elements that know their parent; the placement rule has checked its class.
+template <typename T, typename Parent>
+std::unique_ptr<QXDAOElement> buildLinked(const XMLNode& xml, QXDAOContainerElement& parent) {
+  auto element = Building::element<T>(Building::memoryOf(parent));
+  element->initWithXML(xml, static_cast<Parent*>(&parent));
   return element;
 }
 
-using HolderTest = bool (*)(const QXDAOContainerElement& holder);
+using ParentTest = bool (*)(const QXDAOContainerElement& parent);
 
-bool anyHolder(const QXDAOContainerElement& /*holder*/) { return true; }
+bool anyParent(const QXDAOContainerElement& /*parent*/) { return true; }
 
 template <typename T>
-bool holderIs(const QXDAOContainerElement& holder) {
-  return QXDAOElementCast<T>(&holder) != nullptr;
+bool parentIs(const QXDAOContainerElement& parent) {
+  return QXDAOElementCast<T>(&parent) != nullptr;
 }
 
 struct TagRule {
   std::string_view tag;
   ChildBuilder build;
-  HolderTest mayStandIn = anyHolder;
+  ParentTest mayStandIn = anyParent;
   QXDAORule misplaced = {};  // what it violates elsewhere
 };
 
@@ -67,30 +68,55 @@ constexpr std::array<TagRule, 12> tagTable = {{
     {C_WHERE, buildPlain<QXDAOTrim>},
     {C_SET, buildPlain<QXDAOTrim>},
     {C_TRIM, buildPlain<QXDAOTrim>},
-    {C_STEP, buildLinked<QXDAOMethodStep, QXDAOMethod>, holderIs<QXDAOMethod>, QXDAORule::MisplacedStep},
-    {C_TRY, buildLinked<QXDAOTry, QXDAOMethod>, holderIs<QXDAOMethod>, QXDAORule::MisplacedTry},
-    {C_EXCEPT, buildLinked<QXDAOExcept, QXDAOTry>, holderIs<QXDAOTry>, QXDAORule::MisplacedExcept},
+    {C_STEP, buildLinked<QXDAOMethodStep, QXDAOMethod>, parentIs<QXDAOMethod>, QXDAORule::MisplacedStep},
+    {C_TRY, buildLinked<QXDAOTry, QXDAOMethod>, parentIs<QXDAOMethod>, QXDAORule::MisplacedTry},
+    {C_EXCEPT, buildLinked<QXDAOExcept, QXDAOTry>, parentIs<QXDAOTry>, QXDAORule::MisplacedExcept},
     {C_FORMAT, buildPlain<QXDAOKeyValueFormatter>},
 }};
 
 }  // namespace
 
-std::optional<QXDAOElementList> QXDAOContainerElement::takeChildren() { return std::exchange(_children, std::nullopt); }
-
-// A failure from before the walk, such as a select's missing result type, does not end it: the
-// walk ends by its own failures only.
-void QXDAOContainerElement::processNodes(const XMLNode& xml) {
-  QXDAOElementList children;
-  children.reserve(xml.childCount());
-  for (const XMLNode& node : xml.children()) {
-    if (node.kind() == XMLNodeKind::Text) appendText(node, children);
-    if (node.kind() == XMLNodeKind::Element && !appendElement(node, children)) return;
+std::optional<QXDAOElementList> QXDAOContainerElement::takeChildren() {
+  if (!children()) return std::nullopt;
+  QXDAOElementList taken;
+  taken.reserve(children()->size());
+  for (std::unique_ptr<QXDAOElement>& child : _children.items()) {
+    keepMemory(*child);
+    taken.push_back(std::move(child));
   }
+  _children = {};
+  return taken;
+}
+
+void QXDAOContainerElement::setChildren(std::optional<QXDAOElementList> children) {
+  _children = children ? Building::list(Building::memoryOf(*this), std::span(*children)) : decltype(_children)();
+}
+
+void QXDAOContainerElement::dissolveChild(QXDAOContainerElement& child) {
+  auto children = std::move(child._children);
   _children = std::move(children);
 }
 
-void QXDAOContainerElement::appendText(const XMLNode& node, QXDAOElementList& children) {
-  auto text = QXDAOText::elementWithText(spaceNewLineTabBothEndsTrimmed(node.text()));
+// A failure from before the walk, such as the missing result type of a select, does not end it.
+void QXDAOContainerElement::processNodes(const XMLNode& xml) {
+  TreeMemory* const memory = Building::memoryOf(*this);
+  QXDAOElementList ownList;
+  QXDAOElementList& list = memory ? memory->arena()->pendingChildren : ownList;
+  const std::size_t first = list.size();
+  if (appendChildren(xml, list)) _children = Building::list(memory, std::span(list).subspan(first));
+  list.resize(first);
+}
+
+bool QXDAOContainerElement::appendChildren(const XMLNode& xml, QXDAOElementList& children) {
+  for (const XMLNode& node : xml.children()) {
+    if (node.kind() == XMLNodeKind::Text) appendText(node, children);
+    if (node.kind() == XMLNodeKind::Element && !appendElement(node, children)) return false;
+  }
+  return true;
+}
+
+void QXDAOContainerElement::appendText(const XMLNode& node, QXDAOElementList& children) const {
+  auto text = Building::text(Building::memoryOf(*this), spaceNewLineTabBothEndsTrimmed(node.text()));
   if (!isEmpty(text->expression())) children.push_back(std::move(text));
 }
 
@@ -105,8 +131,10 @@ bool QXDAOContainerElement::appendElement(const XMLNode& node, QXDAOElementList&
     setError(rule->misplaced, {}, node);
     return false;
   }
-  children.push_back(rule->build(node, *this));
-  return !adoptErrorOf(*children.back(), node);
+  std::unique_ptr<QXDAOElement> child = rule->build(node, *this);
+  if (adoptErrorOf(*child, node)) return false;
+  children.push_back(std::move(child));
+  return true;
 }
 
 }  // namespace korvex

@@ -2,16 +2,26 @@
 
 #include <array>
 
+#include "dao/core/Building.h"
 #include "dao/core/Messages.h"
 #include "korvex/Keywords.h"
+#include "korvex/QXDAOChoose.h"
+#include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOConst.h"
 #include "korvex/QXDAOCryptProperty.h"
 #include "korvex/QXDAOError.h"
+#include "korvex/QXDAOExcept.h"
+#include "korvex/QXDAOForeach.h"
+#include "korvex/QXDAOKeyValueFormatter.h"
 #include "korvex/QXDAOMap.h"
 #include "korvex/QXDAOMethod.h"
+#include "korvex/QXDAOMethodStep.h"
 #include "korvex/QXDAOPack.h"
 #include "korvex/QXDAORule.h"
 #include "korvex/QXDAOSqlBlock.h"
+#include "korvex/QXDAOText.h"
+#include "korvex/QXDAOTrim.h"
+#include "korvex/QXDAOTry.h"
 #include "platform/Strings.h"
 #include "platform/Tables.h"
 
@@ -19,18 +29,18 @@ namespace korvex {
 
 namespace {
 
-using ElementBuilder = std::unique_ptr<QXDAOElement> (*)(const XMLNode& xml);
+using ElementBuilder = std::unique_ptr<QXDAOElement> (*)(const XMLNode& xml, TreeMemory* memory);
 
 template <typename T>
-std::unique_ptr<QXDAOElement> buildPlain(const XMLNode& xml) {
-  auto element = std::make_unique<T>();
+std::unique_ptr<QXDAOElement> buildPlainRoot(const XMLNode& xml, TreeMemory* memory) {
+  auto element = Building::element<T>(memory);
   element->initWithXML(xml);
   return element;
 }
 
 template <typename T>
-std::unique_ptr<QXDAOElement> buildNamed(const XMLNode& xml) {
-  auto element = std::make_unique<T>();
+std::unique_ptr<QXDAOElement> buildNamedRoot(const XMLNode& xml, TreeMemory* memory) {
+  auto element = Building::element<T>(memory);
   element->initNamedElementWithXML(xml);
   return element;
 }
@@ -42,25 +52,99 @@ struct RootTag {
 
 // Every other tag is a method's, or for the method to refuse.
 constexpr std::array<RootTag, 5> rootTags = {{
-    {C_SQL, buildNamed<QXDAOSqlBlock>},
-    {C_MAP, buildNamed<QXDAOMap>},
-    {C_CONST, buildPlain<QXDAOConst>},
-    {C_CRYPT, buildPlain<QXDAOCryptProperty>},
-    {C_PACK, buildPlain<QXDAOPack>},
+    {C_SQL, buildNamedRoot<QXDAOSqlBlock>},
+    {C_MAP, buildNamedRoot<QXDAOMap>},
+    {C_CONST, buildPlainRoot<QXDAOConst>},
+    {C_CRYPT, buildPlainRoot<QXDAOCryptProperty>},
+    {C_PACK, buildPlainRoot<QXDAOPack>},
 }};
 
 ElementBuilder builderOfRootTag(OptionalStringView tag) {
   const RootTag* row = rowWith(rootTags, &RootTag::tag, tag);
-  return row ? row->build : buildNamed<QXDAOMethod>;
+  return row ? row->build : buildNamedRoot<QXDAOMethod>;
 }
+
+using Destroyer = void (*)(QXDAOElement* element);
+
+template <typename T>
+void destroyAs(QXDAOElement* element) {
+  static_cast<T*>(element)->~T();
+}
+
+template <typename... Elements>
+constexpr auto destroyersOf() {
+  std::array<Destroyer, sizeof...(Elements)> byKind{};
+  ((byKind[Elements::Kind] = destroyAs<Elements>), ...);
+  return byKind;
+}
+
+constexpr auto destroyers = destroyersOf<QXDAOText, QXDAOForeach, QXDAOKeyValueFormatter, QXDAOSqlBlock, QXDAOConst,
+                                         QXDAOMap, QXDAOCryptProperty, QXDAOPack, QXDAOMethod, QXDAOMethodStep,
+                                         QXDAOTry, QXDAOExcept, QXDAOCondition, QXDAOChoose, QXDAOTrim>();
+
+// The tree that is being built in an arena.
+class OpenTree {
+ public:
+  explicit OpenTree(Arena& arena) : _arena(arena), _memory(arena.beginTree()) {}
+  OpenTree(const OpenTree&) = delete;
+  OpenTree& operator=(const OpenTree&) = delete;
+  ~OpenTree() { _arena.endTree(_memory); }
+
+  [[nodiscard]] TreeMemory* memory() const { return &_memory; }
+
+ private:
+  Arena& _arena;
+  TreeMemory& _memory;
+};
+
+constexpr std::size_t usualTreeSize = 1024;
 
 }  // namespace
 
 std::unique_ptr<QXDAOElement> QXDAOElement::elementWithXML(const XMLNode& xml, std::optional<QXDAOError>* error) {
-  std::unique_ptr<QXDAOElement> element = builderOfRootTag(xml.name())(xml);
-  if (!element->failed()) return element;
+  Arena arena(usualTreeSize);
+  return Building::tree(arena, xml, error);
+}
+
+std::unique_ptr<QXDAOElement> Building::tree(Arena& arena, const XMLNode& xml, std::optional<QXDAOError>* error) {
+  const OpenTree tree(arena);
+  std::unique_ptr<QXDAOElement> element = builderOfRootTag(xml.name())(xml, tree.memory());
+  if (!element->failed()) {
+    QXDAOElement::keepMemory(*element);
+    return element;
+  }
   if (error) *error = element->takenError(xml);
   return nullptr;
+}
+
+std::unique_ptr<QXDAOText> Building::text(TreeMemory* memory, OptionalStringView text) {
+  auto element = Building::element<QXDAOText>(memory);
+  element->initWithText(text);
+  return element;
+}
+
+CompactString Building::string(TreeMemory* memory, OptionalStringView text) {
+  if (!text || !memory) return CompactString(text);
+  char* const characters = memory->arena()->allocateCharacters(text->size());
+  return CompactString::borrowed({characters, text->copy(characters, text->size())});
+}
+
+void QXDAOElement::operator delete(QXDAOElement* element, std::destroying_delete_t /*tag*/) {
+  TreeMemory* const memory = element->_memory;
+  const bool keepsMemory = element->_keepsMemory;
+  destroyers[element->_kind](element);
+  if (keepsMemory) memory->release();
+  if (!memory) ::operator delete(element);
+}
+
+CompactString QXDAOElement::kept(OptionalStringView text) const {
+  return Building::string(Building::memoryOf(*this), text);
+}
+
+void QXDAOElement::keepMemory(QXDAOElement& element) {
+  if (!element._memory || element._keepsMemory) return;
+  element._memory->retain();
+  element._keepsMemory = true;
 }
 
 QXDAOError QXDAOElement::takenError(const XMLNode& xml) {
@@ -81,7 +165,7 @@ void QXDAOElement::initWithXML(const XMLNode& /*xml*/) {
 void QXDAOElement::initNamedElementWithXML(const XMLNode& xml) {
   _name = {};
   _error.reset();
-  if (xml.kind() == XMLNodeKind::Element) _name = CompactString(xml.valueOfAttribute(C_ID));
+  if (xml.kind() == XMLNodeKind::Element) setName(xml.valueOfAttribute(C_ID));
   if (isEmpty(name())) setError(QXDAORule::MissingName);
 }
 

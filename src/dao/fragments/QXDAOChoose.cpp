@@ -20,15 +20,15 @@ bool mayStandInChoose(const QXDAOElement* child, bool last) {
 }
 
 // The place of the first child that breaks the rule, or the end.
-QXDAOElementList::const_iterator firstOffender(const QXDAOElementList& children) {
-  return std::find_if(children.begin(), children.end(), [&children](const std::unique_ptr<QXDAOElement>& child) {
+QXDAOElementSpan::iterator firstOffender(QXDAOElementSpan children) {
+  return std::find_if(children.begin(), children.end(), [children](const std::unique_ptr<QXDAOElement>& child) {
     return !mayStandInChoose(child.get(), child == children.back());
   });
 }
 
 // The document node of a child: the walk makes one child of each element, in order. A text has
 // none; its parent stands for it.
-XMLNode nodeOfChild(const XMLNode& xml, const QXDAOElementList& children, QXDAOElementList::const_iterator child) {
+XMLNode nodeOfChild(const XMLNode& xml, QXDAOElementSpan children, QXDAOElementSpan::iterator child) {
   const auto isElement = [](const auto& sibling) { return sibling->kind() != QXDAOElementKindText; };
   if (!isElement(*child)) return xml;
   auto before = std::count_if(children.begin(), child, isElement);
@@ -48,7 +48,7 @@ void QXDAOChoose::initWithXML(const XMLNode& xml) {
   }
   processNodes(xml);
   if (failed()) return;
-  const QXDAOElementList& list = *children();
+  const QXDAOElementSpan list = *children();
   const auto offender = firstOffender(list);
   if (offender != list.end()) setError(QXDAORule::ChooseContent, {}, nodeOfChild(xml, list, offender));
 }

@@ -1,9 +1,8 @@
 #include "korvex/QXDAOCondition.h"
 
 #include <array>
-#include <numeric>
-#include <utility>
 
+#include "dao/core/Building.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAORule.h"
@@ -28,19 +27,6 @@ constexpr std::array<ConditionTag, 3> conditionTags = {{
 QXDAOConditionType typeOfTag(OptionalStringView tag) {
   const ConditionTag* row = rowWith(conditionTags, &ConditionTag::tag, tag);
   return row ? row->type : QXDAOConditionTypeIf;
-}
-
-// Copies the texts of the tokens into one string and points the tokens at them.
-CompactString withOwnTexts(QXDAOTokenList& tokens) {
-  const auto addLength = [](std::size_t sum, const QXDAOToken& token) { return sum + token.text.size(); };
-  const std::size_t length = std::accumulate(tokens.begin(), tokens.end(), std::size_t{0}, addLength);
-  return CompactString::filled(length, [&tokens](char* place) {
-    for (QXDAOToken& token : tokens) {
-      const std::size_t size = token.text.copy(place, token.text.size());
-      token.text = {place, size};
-      place += size;
-    }
-  });
 }
 
 }  // namespace
@@ -68,14 +54,11 @@ bool QXDAOCondition::readExpression(const XMLAttribute& attribute) {
   _evaluateAsTrue = attributeName == C_TRUE;
   setExpression(spaceNewLineTabBothEndsTrimmed(attribute.stringValue()));
   setTokenList(QXDAOEvaluator::buildTokenListWithExpression(expression().value_or(std::string_view())));
-  return !_tokenList->empty();
+  return !tokenList()->empty();
 }
 
-void QXDAOCondition::setTokenList(std::optional<QXDAOTokenList> tokens) {
-  CompactString texts;
-  if (tokens) texts = withOwnTexts(*tokens);
-  _tokenList = std::move(tokens);
-  _tokenTexts = std::move(texts);
+void QXDAOCondition::setTokenList(std::optional<std::span<const QXDAOToken>> tokens) {
+  _tokenList = Building::texts(Building::memoryOf(*this), tokens);
 }
 
 }  // namespace korvex

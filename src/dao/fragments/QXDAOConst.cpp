@@ -1,5 +1,6 @@
 #include "korvex/QXDAOConst.h"
 
+#include "dao/core/Building.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAORule.h"
 #include "korvex/QXDAOText.h"
@@ -15,7 +16,7 @@ bool QXDAOConst::readDeclaration(const XMLNode& xml) {
   const XMLAttribute attribute = xml.onlyAttribute();
   if (!attribute) return false;
   setName(attribute.name());
-  _text = QXDAOText::elementWithText(attribute.stringValue());
+  _text = Building::text(Building::memoryOf(*this), attribute.stringValue());
   return !isEmpty(name()) && !xml.hasChildren();
 }
 

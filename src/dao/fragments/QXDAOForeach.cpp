@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "dao/core/Building.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
@@ -60,7 +61,7 @@ void QXDAOForeach::readAttributes(const XMLNode& xml) {
 void QXDAOForeach::readText(const XMLNode& xml) {
   const PlainText gathered = textOfForeach(xml);
   if (gathered.offender()) setError(QXDAORule::ForeachContent, {}, nodeAtFault(gathered.offender(), xml));
-  _text = QXDAOText::elementWithText(spaceNewLineTabBothEndsTrimmed(gathered.text()));
+  _text = Building::text(Building::memoryOf(*this), spaceNewLineTabBothEndsTrimmed(gathered.text()));
 }
 
 }  // namespace korvex

@@ -1,5 +1,6 @@
 #include "korvex/QXDAOSqlBlock.h"
 
+#include "dao/core/Building.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
@@ -29,7 +30,7 @@ void QXDAOSqlBlock::initNamedElementWithXML(const XMLNode& xml) {
 void QXDAOSqlBlock::readText(const XMLNode& xml) {
   const PlainText gathered = textOfSqlBlock(xml);
   if (gathered.offender()) setError(QXDAORule::SqlFormat, name(), nodeAtFault(gathered.offender(), xml));
-  _text = QXDAOText::elementWithText(gathered.text());
+  _text = Building::text(Building::memoryOf(*this), gathered.text());
 }
 
 }  // namespace korvex

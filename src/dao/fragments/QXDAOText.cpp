@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string>
 
+#include "dao/core/Building.h"
 #include "dao/fragments/ListReferenceScan.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOPackReader.h"
@@ -16,11 +18,11 @@ constexpr std::string_view listSeparator = ", ";
 
 std::string_view takeStar(OptionalStringView& stars) { return spaceNewLineTabBothEndsTrimmed(takePiece(stars, ',')); }
 
-// Where a scan writes an expanded text: room for all of it.
+// Where a scan writes an expanded text.
 class TextOutput {
  public:
-  explicit TextOutput(char* room) : _at(room) {}
-  void append(std::string_view text) { _at += text.copy(_at, text.size()); }
+  explicit TextOutput(std::string& text) : _text(&text) {}
+  void append(std::string_view text) { _text->append(text); }
   void append(const ReferenceList& list) {
     for (OptionalStringView stars = list.stars; stars;) {
       appendItem(list.format, takeStar(stars));
@@ -39,7 +41,7 @@ class TextOutput {
     append(format.substr(begin));
   }
 
-  char* _at;
+  std::string* _text;
 };
 
 // The same for a scan that only asks how long the text would become. A list is not written out for
@@ -60,68 +62,41 @@ class LengthOutput {
   std::size_t _length = 0;
 };
 
-// What becomes of a text: first only its length, so that the memory for it can be of that length.
-class Expansion {
- public:
-  explicit Expansion(std::string_view text) : _text(text), _length(text.size()) {
-    if (!mayHoldReference(text)) return;
-    ListReferenceScan<LengthOutput> scan(text);
-    _changes = scan.run();
-    if (_changes) _length = scan.output().length();
-  }
-
-  [[nodiscard]] bool changes() const { return _changes; }
-  [[nodiscard]] std::size_t length() const { return _length; }
-  void writeTo(char* room) const {
-    if (_changes) {
-      ListReferenceScan<TextOutput>(_text, TextOutput(room)).run();
-    } else {
-      _text.copy(room, _length);
-    }
-  }
-
- private:
-  std::string_view _text;
-  std::size_t _length;
-  bool _changes = false;
-};
+// The text with its list references expanded, which then stands in `room`.
+std::string_view expandedIn(std::string& room, std::string_view text) {
+  if (!mayHoldReference(text)) return text;
+  room.clear();
+  return ListReferenceScan(text, TextOutput(room)).run() ? std::string_view(room) : text;
+}
 
 }  // namespace
 
-std::size_t QXDAOText::expandedLength(std::string_view text) { return Expansion(text).length(); }
+std::size_t QXDAOText::expandedLength(std::string_view text) {
+  if (!mayHoldReference(text)) return text.size();
+  ListReferenceScan<LengthOutput> scan(text);
+  return scan.run() ? scan.output().length() : text.size();
+}
 
 void QXDAOText::initWithXML(const XMLNode& xml) {
-  QXDAOElement::initWithXML(xml);
   if (const OptionalStringView text = xml.text()) {
-    setExpression(spaceNewLineTabBothEndsTrimmed(*text));
+    initWithText(spaceNewLineTabBothEndsTrimmed(*text));
   } else {
-    setExpression(spaceNewLineTabBothEndsTrimmed(OptionalStringView(xml.stringValue())));
+    initWithText(spaceNewLineTabBothEndsTrimmed(OptionalStringView(xml.stringValue())));
   }
-  processText();
 }
 
 void QXDAOText::initWithText(OptionalStringView text) {
   QXDAOElement::initWithXML({});
-  setExpression(text);
-  processText();
+  setExpanded(text);
 }
 
-std::unique_ptr<QXDAOText> QXDAOText::elementWithText(OptionalStringView text) {
-  if (!text) return std::make_unique<QXDAOText>();
-  const Expansion expansion(*text);
-  std::unique_ptr<QXDAOText> element(new (expansion.length()) QXDAOText);
-  expansion.writeTo(element->behind());
-  element->_lengthBehind = expansion.length();
-  return element;
-}
+void QXDAOText::processText() { setExpanded(expression()); }
 
-void QXDAOText::processText() {
-  const Expansion expansion(expression().value_or(std::string_view()));
-  if (!expansion.changes()) return;
-  CompactString expanded =
-      CompactString::filled(expansion.length(), [&expansion](char* room) { expansion.writeTo(room); });
-  _lengthBehind = notBehind;
-  _expression = std::move(expanded);
+void QXDAOText::setExpanded(OptionalStringView text) {
+  TreeMemory* const memory = Building::memoryOf(*this);
+  std::string ownRoom;
+  std::string& room = memory ? memory->arena()->expansion : ownRoom;
+  setExpression(text ? OptionalStringView(expandedIn(room, *text)) : text);
 }
 
 }  // namespace korvex

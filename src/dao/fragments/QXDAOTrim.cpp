@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "dao/core/Building.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAORule.h"
@@ -27,12 +28,12 @@ QXDAOTrimOnVoidType onVoidOf(OptionalStringView value) {
   return row ? row->type : QXDAOTrimOnVoidTypeNone;
 }
 
-// The pieces between "|", untrimmed: one empty piece for an empty text, none for an absent one.
-std::vector<std::string> overridesOf(OptionalStringView value) {
-  std::vector<std::string> pieces;
-  while (value) pieces.emplace_back(takePiece(value, '|'));
-  return pieces;
-}
+std::string_view asWritten(std::string_view piece) { return piece; }
+
+using Texts = CompactList<std::string_view>;
+
+constexpr std::array<std::string_view, 4> whereOverrides = {"AND ", "OR ", "and ", "or "};
+constexpr std::array<std::string_view, 1> setOverrides = {","};
 
 }  // namespace
 
@@ -49,10 +50,10 @@ void QXDAOTrim::readOperation(const XMLNode& xml) {
     readTrim(xml);
   } else if (tag == C_WHERE) {
     setOperationName("where");
-    _prefixOverrides = {"AND ", "OR ", "and ", "or "};
+    _prefixOverrides = Texts(whereOverrides, false);
   } else if (tag == C_SET) {
     setOperationName("set");
-    _suffixOverrides = {","};
+    _suffixOverrides = Texts(setOverrides, false);
   }
 }
 
@@ -63,8 +64,16 @@ void QXDAOTrim::readTrim(const XMLNode& xml) {
     setError(QXDAORule::FragmentFormat, xml.name());
     return;
   }
-  _prefixOverrides = overridesOf(prefixes);
-  _suffixOverrides = overridesOf(suffixes);
+  if (prefixes) _prefixOverrides = Building::pieces(Building::memoryOf(*this), prefixes, '|', asWritten);
+  if (suffixes) _suffixOverrides = Building::pieces(Building::memoryOf(*this), suffixes, '|', asWritten);
+}
+
+void QXDAOTrim::setPrefixOverrides(std::span<const std::string_view> overrides) {
+  _prefixOverrides = Building::texts<std::string_view>(Building::memoryOf(*this), overrides);
+}
+
+void QXDAOTrim::setSuffixOverrides(std::span<const std::string_view> overrides) {
+  _suffixOverrides = Building::texts<std::string_view>(Building::memoryOf(*this), overrides);
 }
 
 }  // namespace korvex

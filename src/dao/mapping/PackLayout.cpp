@@ -33,7 +33,7 @@ QXDAOPackEncode recordEncodeOf(std::int8_t encode_c) {
   return encode_c < 0 ? static_cast<QXDAOPackEncode>(encode_c) : convertEncode(encode_c);
 }
 
-QXDAOPackPropertyInfo propertyInfo(const ModelClass& cls, const std::string& listedName) {
+QXDAOPackPropertyInfo propertyInfo(const ModelClass& cls, std::string_view listedName) {
   const ModelProperty* property = getProperty(cls, listedName);
   if (!property) return {};
   const std::string_view name = getPropertyName(*property);
@@ -114,7 +114,7 @@ const QXDAOPackClassInfo* QXDAOPack::getClassInfoWithObject(const ModelObject* o
 QXDAOPackClassInfo* QXDAOPack::initializeWithClass(const ModelClass& cls) const {
   auto* info = new (std::nothrow) QXDAOPackClassInfo;
   if (!info) return nullptr;
-  const std::span<const std::string> names = _propertyList ? std::span(*_propertyList) : std::span<const std::string>();
+  const auto names = propertyList().value_or(std::span<const std::string_view>());
   info->cls = &cls;
   info->properties = new (std::nothrow) QXDAOPackPropertyInfo[names.size()];
   if (!info->properties) {
@@ -123,7 +123,7 @@ QXDAOPackClassInfo* QXDAOPack::initializeWithClass(const ModelClass& cls) const 
   }
   info->count = static_cast<std::int32_t>(names.size());
   std::transform(names.begin(), names.end(), info->properties,
-                 [&cls](const std::string& name) { return propertyInfo(cls, name); });
+                 [&cls](std::string_view name) { return propertyInfo(cls, name); });
   std::sort(info->properties, info->properties + info->count,
             [](const auto& first, const auto& second) { return property_info_cmp(first, second) < 0; });
   if (!prepareHeads(*info)) {

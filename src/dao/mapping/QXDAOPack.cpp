@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "dao/core/Building.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAORule.h"
@@ -35,11 +36,12 @@ void QXDAOPack::readPropertyList(std::string_view properties) {
     setError(QXDAORule::SinglePackProperty, column());
     return;
   }
-  _propertyList.emplace();
-  _propertyList->reserve(count);
-  for (OptionalStringView rest = properties; rest;) {
-    _propertyList->emplace_back(spaceBothEndsTrimmed(takePiece(rest, ',')));
-  }
+  _propertyList = Building::pieces(Building::memoryOf(*this), properties, ',',
+                                   [](std::string_view name) { return spaceBothEndsTrimmed(name); });
+}
+
+void QXDAOPack::setPropertyList(std::optional<std::span<const std::string_view>> list) {
+  _propertyList = Building::texts(Building::memoryOf(*this), list);
 }
 
 }  // namespace korvex

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
+#include <vector>
 
+#include "dao/core/Building.h"
 #include "dao/core/Reading.h"
 #include "korvex/Keywords.h"
 #include "korvex/QXDAOContainerElement.h"
@@ -35,16 +38,12 @@ std::size_t countOf(char character, std::string_view text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), character));
 }
 
-// A leading "$" marks an argument that must not be null.
-QXDAOMethodArgument argumentOf(std::string_view declaration) {
-  const bool notNull = declaration.front() == '$';
-  QXDAOMethodArgument argument;
-  argument.setNotNull(notNull);
-  argument.setName(declaration.substr(notNull ? 1 : 0));
-  return argument;
-}
-
 }  // namespace
+
+// What the setup reads, in one walk.
+struct QXDAOMethod::Attributes {
+  OptionalStringView arguments, profile, parallel, assignedTable, result, foreach, resumable;
+};
 
 void QXDAOMethod::initNamedElementWithXML(const XMLNode& xml) {
   if (xml.name() == C_UPGRADE) {
@@ -57,8 +56,8 @@ void QXDAOMethod::initNamedElementWithXML(const XMLNode& xml) {
 }
 
 bool QXDAOMethod::hasArgumentWithName(OptionalStringView argumentName) const {
-  return argumentName && _arguments &&
-         std::any_of(_arguments->begin(), _arguments->end(),
+  return argumentName && arguments() &&
+         std::any_of(arguments()->begin(), arguments()->end(),
                      [argumentName](const auto& argument) { return argument.name() == argumentName; });
 }
 
@@ -74,13 +73,16 @@ bool QXDAOMethod::readUpgradeDeclaration(const XMLNode& xml) {
 void QXDAOMethod::setupMethod(const XMLNode& xml) {
   decideOperation(xml);
   if (failed()) return;
-  readArguments(xml);
+  const auto [arguments, profile, parallel, assignedTable, result, foreach, resumable] =
+      xml.valuesOfAttributes(C_ARGUMENTS, C_PROFILE, C_PARALLEL, C_ASSIGNED_TABLE, C_RESULT, C_FOREACH, C_RESUMABLE);
+  const Attributes attributes{arguments, profile, parallel, assignedTable, result, foreach, resumable};
+  readArguments(attributes.arguments);
   if (failed()) return;
-  readOptions(xml);
+  readOptions(attributes);
   processNodes(xml);  // even if the result type is undefined; a failure here then replaces that one
   if (!failed()) checkStepElements();
   if (!failed()) checkTryBlock();
-  if (!failed()) readForeach(xml);
+  if (!failed()) readForeach(attributes);
 }
 
 void QXDAOMethod::decideOperation(const XMLNode& xml) {
@@ -91,35 +93,40 @@ void QXDAOMethod::decideOperation(const XMLNode& xml) {
   }
 }
 
-void QXDAOMethod::readArguments(const XMLNode& xml) {
-  OptionalStringView rest = xml.valueOfAttribute(C_ARGUMENTS);
-  if (isEmpty(rest)) rest.reset();
-  std::vector<QXDAOMethodArgument> list;
-  list.reserve(rest ? 1 + countOf(',', *rest) : 0);
-  while (rest) {
-    const std::string_view declaration = spaceBothEndsTrimmed(takePiece(rest, ','));
+// A leading "$" marks an argument that must not be null.
+void QXDAOMethod::readArguments(OptionalStringView declarations) {
+  if (isEmpty(declarations)) declarations.reset();
+  TreeMemory* const memory = Building::memoryOf(*this);
+  auto list = Building::list<QXDAOMethodArgument>(memory, declarations ? 1 + countOf(',', *declarations) : 0);
+  for (QXDAOMethodArgument& argument : list.items()) {
+    const std::string_view declaration = spaceBothEndsTrimmed(takePiece(declarations, ','));
     if (declaration.empty()) {
       setErrorWithName(QXDAORule::ArgumentsFormat);
       return;
     }
-    list.push_back(argumentOf(declaration));
+    const bool notNull = declaration.front() == '$';
+    argument = QXDAOMethodArgument(kept(declaration.substr(notNull ? 1 : 0)), notNull);
   }
   _arguments = std::move(list);
 }
 
-void QXDAOMethod::readOptions(const XMLNode& xml) {
-  const auto [profile, parallel, assignedTable, result] =
-      xml.valuesOfAttributes(C_PROFILE, C_PARALLEL, C_ASSIGNED_TABLE, C_RESULT);
-  readBoolean(profile, _profile);
+void QXDAOMethod::setArguments(std::optional<std::span<const QXDAOMethodArgument>> arguments) {
+  std::vector<QXDAOMethodArgument> copies;
+  if (arguments) copies.assign(arguments->begin(), arguments->end());
+  _arguments = arguments ? Building::list(Building::memoryOf(*this), std::span(copies)) : decltype(_arguments)();
+}
+
+void QXDAOMethod::readOptions(const Attributes& attributes) {
+  readBoolean(attributes.profile, _profile);
   if (_operation != QXDAOOperationSelect) return;
-  readBoolean(parallel, _parallel);
-  readBoolean(assignedTable, _assignedTable);
-  decideResultType(result);
+  readBoolean(attributes.parallel, _parallel);
+  readBoolean(attributes.assignedTable, _assignedTable);
+  decideResultType(attributes.result);
 }
 
 // A single step is dissolved into its method; a method with two or more is marked as stepped.
 void QXDAOMethod::checkStepElements() {
-  const QXDAOElementList& list = *children();
+  const QXDAOElementSpan list = *children();
   const auto stepCount = static_cast<std::size_t>(std::count_if(
       list.begin(), list.end(), [](const auto& child) { return child->kind() == QXDAOElementKindMethodStep; }));
   if (stepCount == 0) return;
@@ -128,7 +135,7 @@ void QXDAOMethod::checkStepElements() {
   } else if (stepCount != list.size()) {
     setErrorWithName(QXDAORule::ContentBesideSteps);
   } else if (stepCount == 1) {
-    setChildren(QXDAOElementCast<QXDAOMethodStep>(list.front().get())->takeChildren());
+    dissolveChild(*QXDAOElementCast<QXDAOMethodStep>(list.front().get()));
   } else {
     _steped = true;
   }
@@ -138,11 +145,10 @@ void QXDAOMethod::checkTryBlock() {
   if (_tryBlock && children()->size() != 1) setErrorWithName(QXDAORule::ContentBesideTry);
 }
 
-void QXDAOMethod::readForeach(const XMLNode& xml) {
-  const auto [declaration, resumable] = xml.valuesOfAttributes(C_FOREACH, C_RESUMABLE);
-  if (isEmpty(declaration)) return;
-  readBoolean(resumable, _foreachResumable);
-  _foreach = readForeachNames(*declaration);
+void QXDAOMethod::readForeach(const Attributes& attributes) {
+  if (isEmpty(attributes.foreach)) return;
+  readBoolean(attributes.resumable, _foreachResumable);
+  _foreach = readForeachNames(*attributes.foreach);
   if (!_foreach) setErrorWithName(QXDAORule::MethodForeachFormat);
 }
 
