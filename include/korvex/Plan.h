@@ -150,6 +150,7 @@ class KORVEX_EXPORT Assembly {
   // table. `table` stays alive like the arguments.
   [[nodiscard]] std::optional<PlanError> begin(const Plan& plan, const Arguments& arguments,
                                                std::string_view table = {});
+  std::optional<PlanError> begin(const Plan& plan, Arguments&& arguments, std::string_view table = {}) = delete;
 
   // The entries of a method with "foreach", in their order: their number, and the one that the next assemble sees as
   // the item. Without "foreach" there is one call, and nothing to choose. An absent or null collection has no entries.

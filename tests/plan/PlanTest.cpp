@@ -93,7 +93,8 @@ TEST(Plan, ValuesAreNotCopied) {
   const std::string large(10'000'000, '\'');
   const Arguments arguments = {{"a", Dictionary{{"text", large}}}};
   Assembly assembly;
-  ASSERT_FALSE(assembly.begin(*set->plan("m"), {{"a", nullptr}}));
+  const Arguments null = {{"a", nullptr}};
+  ASSERT_FALSE(assembly.begin(*set->plan("m"), null));
   ASSERT_FALSE(assembly.begin(*set->plan("m"), arguments));
   EXPECT_TRUE(assembly.assemble(set->plan("m")->units()[0]));  // a dictionary cannot be bound
   EXPECT_EQ(assembly.sql(), "");
@@ -109,7 +110,8 @@ TEST(Plan, EntriesOfAMethodsForeach) {
   const auto set = setOf(addressBook());
   const Plan& plan = *set->plan("importPhones");
   Assembly assembly;
-  ASSERT_FALSE(assembly.begin(plan, {{"phones", ValueList{}}}));
+  const Arguments none = {{"phones", ValueList{}}};
+  ASSERT_FALSE(assembly.begin(plan, none));
   EXPECT_EQ(assembly.entryCount(), 0U);
   const Arguments arguments = {{"phones", ValueList{Dictionary{{"number", "1"}}, Dictionary{{"number", "2"}}}}};
   ASSERT_FALSE(assembly.begin(plan, arguments));
