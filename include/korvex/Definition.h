@@ -15,18 +15,18 @@ namespace korvex {
 
 // One definition of a document, built or refused.
 struct Definition {
-  XMLNode xml;                            // valid while the document lives, and with it what is read through it
-  std::unique_ptr<QXDAOElement> element;  // null when it was refused
-  std::unique_ptr<QXDAOError> error;      // null when it was built; its nodes are the document's
+  XMLNode xml;                            // valid while the document lives, as is everything read through it
+  std::unique_ptr<QXDAOElement> element;  // null if it was refused
+  std::unique_ptr<QXDAOError> error;      // null if it was built; its nodes are valid while the document lives
 
   [[nodiscard]] std::string_view tag() const { return xml.name().value_or(std::string_view()); }
-  // Where its start tag begins.
+  // The position of its start tag.
   [[nodiscard]] XMLPosition position() const { return xml.position().value_or(XMLPosition()); }
 };
 
-// Builds every definition of a document, in document order, also after refused ones. Definitions
-// are the child elements of the root; a root that is itself a definition (select, sql, map…) is
-// the only one. The elements outlive the document.
+// Builds every definition of a document, in document order; a refused one does not stop the rest.
+// Definitions are the child elements of the root. A root that is itself a definition (select, sql,
+// map…) is the only one. The elements may outlive the document.
 [[nodiscard]] KORVEX_EXPORT std::vector<Definition> loadDefinitions(const Document& document);
 
 }  // namespace korvex

@@ -2,9 +2,9 @@
 //
 //   bytes → Document (XML tree with positions) → loadDefinitions → elements and error records
 //
-// Nothing here throws or aborts on bad input; a failure is a value with a message and a position. When memory runs out
-// there is either an error of that kind or std::bad_alloc; libraries that are built with KORVEX_EXCEPTIONS then leak
-// nothing and leave nothing half-built, others must not be used on.
+// Bad input never throws or aborts: a failure is a value with a message and a position. When memory runs out, the
+// result is either an error of that kind or std::bad_alloc. After std::bad_alloc, a library built with
+// KORVEX_EXCEPTIONS has leaked nothing and left nothing half-built; any other build must not be used any further.
 #pragma once
 
 #include <cstddef>
@@ -21,34 +21,36 @@
 namespace korvex {
 
 struct LoadOptions {
-  // Refuse what is not well-formed XML by a first pass of a strict parser. Switch it off only for
-  // documents that were checked before, such as when the app was built: a well-formed document
-  // gives the same tree either way, a malformed one may then give some tree instead of a message.
-  // A reference to an entity that only an external DTD could declare is text then.
+  // Run a strict parser first, which refuses anything that is not well-formed XML. Switch it off only
+  // for documents that have been checked before, for example when the app was built. A well-formed
+  // document yields the same tree either way. Without this pass, a malformed document may yield an
+  // arbitrary tree instead of an error, and a reference to an entity that only an external DTD could
+  // declare becomes text.
   bool strict = true;
-  // Keep text nodes of white space only. A <map> with indented children is refused then.
+  // Keep text nodes that contain only white space. A <map> with indented children is then refused.
   bool keepWhiteSpaceText = false;
-  // The largest document that is read, in bytes.
+  // The maximum size of a document, in bytes.
   std::size_t maximumBytes = std::size_t{64} * 1024 * 1024;
-  // The deepest nesting of elements, the root counting 1. Parsing needs no stack for it, building
-  // the elements does.
+  // The maximum nesting depth of elements; the root has depth 1. Parsing uses no stack per level, but
+  // building the elements does.
   std::size_t maximumDepth = 256;
-  // What the list references of a document may expand to, the texts that hold them included, in bytes.
+  // The maximum total size of all expanded texts that contain list references, in bytes.
   std::size_t maximumExpandedBytes = std::size_t{64} * 1024 * 1024;
 };
 
 // A parsed document: the tree that XMLNode handles read, and its source text for diagnostics.
-// Not copyable; the handles and views taken from it are valid while it lives. After construction
-// it is only read, on any number of threads.
+// Not copyable. Handles and views obtained from it are valid while it lives. It is immutable, so
+// any number of threads may read it.
 class KORVEX_EXPORT Document {
  public:
   struct Result;
 
-  // Parses bytes: UTF-8, or UTF-16, ISO-8859-1 and US-ASCII that say so. Strict or not, a
-  // DOCTYPE that declares entities or attributes is refused, and nothing it refers to is loaded.
-  // Bytes that are moved in are not copied as long as they are UTF-8 without a byte order mark.
+  // Parses bytes: UTF-8, or UTF-16, ISO-8859-1 or US-ASCII if the document declares it. Strict or
+  // not, a DOCTYPE that declares entities or attributes is refused, and external references are never
+  // loaded. Moved-in bytes are not copied if they are UTF-8 without a byte order mark.
   [[nodiscard]] static Result fromBytes(std::string bytes, const LoadOptions& options = {});
-  // Reads a file first. A directory, a missing file and the like are DocumentErrorKind::Unreadable.
+  // Reads and parses a file. A missing file, a directory and the like fail with
+  // DocumentErrorKind::Unreadable.
   [[nodiscard]] static Result fromFile(const std::string& path, const LoadOptions& options = {});
 
   Document(const Document&) = delete;
@@ -68,11 +70,11 @@ class KORVEX_EXPORT Document {
   std::unique_ptr<Implementation> _implementation;
 };
 
-// Either a document or the reason why there is none.
+// Either a document or an error.
 struct Document::Result {
   std::unique_ptr<Document> document;        // null on failure
   std::optional<DocumentError> error;        // present on failure
-  std::shared_ptr<const SourceText> source;  // for an excerpt; null when the text could not be read
+  std::shared_ptr<const SourceText> source;  // for excerpts in messages; null if the text could not be read
 };
 
 }  // namespace korvex

@@ -1,9 +1,9 @@
-// The document tree as the elements read it: handles over somebody else's tree.
+// The document tree that the elements read: handles to a tree that a parser owns.
 //
-// A parser is plugged in by deriving from XMLTree; nothing of the document is copied. XMLNode and
-// XMLAttribute are values that name a node of such a tree and keep what the tree told about it. They
-// are valid as long as the tree is alive and unchanged; so are the string views that they return.
-// Reading is safe from several threads when the tree's own operations are.
+// To plug in a parser, derive from XMLTree; nothing of the document is copied. XMLNode and
+// XMLAttribute are values that refer to a node or attribute of such a tree and cache what the tree
+// reported about it. They and the string views that they return are valid while the tree is alive and
+// unchanged. Reading is thread-safe if the tree's own operations are.
 #pragma once
 
 #include <array>
@@ -18,8 +18,8 @@
 
 namespace korvex {
 
-// Node kinds carry the numbers of the DOM's nodeType and of libxml2's xmlElementType. A tree may
-// hold kinds that are not listed here; the elements pass over or reject them.
+// The values are those of the DOM's nodeType and of libxml2's xmlElementType. A tree may contain
+// kinds that are not listed here; the elements ignore or reject them.
 enum class XMLNodeKind : int {
   Element = 1,
   Text = 3,
@@ -28,7 +28,7 @@ enum class XMLNodeKind : int {
   Comment = 8,
 };
 
-// A place in the source text. Line and column count from 1, columns in Unicode code points; LF,
+// A position in the source text. Line and column count from 1, columns in Unicode code points; LF,
 // CR LF and a lone CR each end a line.
 struct XMLPosition {
   std::size_t line = 1;
@@ -37,14 +37,14 @@ struct XMLPosition {
   bool operator==(const XMLPosition&) const = default;
 };
 
-// What a parser offers to be read through the handles. Node and attribute handles are the tree's
-// own, opaque here; null stands for "none" and is never passed in.
+// The interface that a parser implements. Node and attribute handles are opaque and belong to the
+// tree. Null means "none" and is never passed in.
 class KORVEX_EXPORT XMLTree {
  public:
   using NodeHandle = const void*;
   using AttributeHandle = const void*;
 
-  // A node, with the handles that lead on from it.
+  // A node, with the handles of its neighbours.
   struct Node {
     XMLNodeKind kind{};
     OptionalStringView content;  // as name() for an element, as text() for a text node; absent for other kinds
@@ -60,8 +60,8 @@ class KORVEX_EXPORT XMLTree {
   [[nodiscard]] virtual XMLNodeKind kind(NodeHandle node) const = 0;
   // The tag of an element; absent for a node without a name.
   [[nodiscard]] virtual OptionalStringView name(NodeHandle node) const = 0;
-  // The decoded characters of a node of the kind Text; absent for every other kind. A CDATA section
-  // is seen by the elements only where the tree gives it as Text.
+  // The decoded characters of a node of the kind Text; absent for every other kind. The elements
+  // see a CDATA section only if the tree presents it as Text.
   [[nodiscard]] virtual OptionalStringView text(NodeHandle node) const = 0;
   // Children and attributes come in document order; null after the last one.
   [[nodiscard]] virtual NodeHandle firstChild(NodeHandle node) const = 0;
@@ -69,23 +69,23 @@ class KORVEX_EXPORT XMLTree {
   [[nodiscard]] virtual AttributeHandle firstAttribute(NodeHandle node) const = 0;
   [[nodiscard]] virtual AttributeHandle nextAttribute(AttributeHandle attribute) const = 0;
   [[nodiscard]] virtual OptionalStringView attributeName(AttributeHandle attribute) const = 0;
-  // The decoded value of an attribute; empty, not absent, when it is written as "".
+  // The decoded value of an attribute; empty, not absent, if written as "".
   [[nodiscard]] virtual OptionalStringView attributeValue(AttributeHandle attribute) const = 0;
-  // Where the node's markup starts (the "<" of a start tag); absent when the parser does not know.
+  // Where the node's markup starts (the "<" of a start tag); absent if the parser does not know.
   [[nodiscard]] virtual std::optional<XMLPosition> position(NodeHandle /*node*/) const { return std::nullopt; }
-  // The text that was parsed, and the offset of that place in it; absent when the parser does not keep it.
+  // The parsed text, absent if the parser does not keep it, and the byte offset of the node's markup in it.
   [[nodiscard]] virtual OptionalStringView source() const { return std::nullopt; }
   [[nodiscard]] virtual std::size_t offset(NodeHandle /*node*/) const { return 0; }
 
-  // The two operations by which all of a document is read. The defaults ask the ones above; a tree
-  // that can answer in one step is read faster.
+  // All reading goes through these two operations. The defaults call the ones above; override them for
+  // speed if the tree can answer in one step.
   [[nodiscard]] virtual Node node(NodeHandle node) const {
     const XMLNodeKind itsKind = kind(node);
     return {itsKind, itsKind == XMLNodeKind::Element ? name(node) : text(node), firstChild(node), nextSibling(node),
             firstAttribute(node)};
   }
-  // Reads up to `room` attributes, beginning with `next`, and returns their number. `next` becomes
-  // the first one that was not read; null after the last.
+  // Reads up to `room` attributes, starting at `next`, and returns how many were read. Advances `next` to
+  // the first attribute not read; null after the last.
   [[nodiscard]] virtual std::size_t readAttributes(AttributeHandle& next, Attribute* result, std::size_t room) const {
     std::size_t count = 0;
     for (; next && count < room; next = nextAttribute(next)) {
@@ -112,7 +112,7 @@ class XMLAttribute {
   }
 
   explicit operator bool() const { return _handle != nullptr; }
-  // Equal when both name the same attribute of the same tree.
+  // Equal if both refer to the same attribute of the same tree.
   bool operator==(const XMLAttribute& other) const { return _tree == other._tree && _handle == other._handle; }
 
   // Absent on a null attribute.
@@ -129,13 +129,13 @@ class XMLAttribute {
   XMLTree::Attribute _attribute;
 };
 
-// The nodes or attributes from a first one on, for range-based loops.
+// A node or attribute and all that follow it, for range-based for loops.
 template <typename Item>
 class XMLRange {
  public:
   class iterator {
    public:
-    using iterator_category = std::input_iterator_tag;  // what it points to is part of it
+    using iterator_category = std::input_iterator_tag;  // the item is stored in the iterator
     using value_type = Item;
     using difference_type = std::ptrdiff_t;
     using pointer = const Item*;
@@ -154,7 +154,7 @@ class XMLRange {
       ++*this;
       return before;
     }
-    // All ends are equal, whichever tree the last item came from.
+    // All end iterators are equal, whichever tree they came from.
     bool operator==(const iterator& other) const { return (!_item && !other._item) || _item == other._item; }
 
    private:
@@ -169,8 +169,8 @@ class XMLRange {
   Item _first;
 };
 
-// One node of a document tree, or none. A null handle answers every question with "absent" or
-// "none", so that chains such as node.firstChild().name() need no test in between.
+// One node of a document tree, or none. On a null node every operation returns "absent" or "none", so
+// chains such as node.firstChild().name() need no intermediate checks.
 class KORVEX_EXPORT XMLNode {
  public:
   XMLNode() = default;
@@ -179,19 +179,19 @@ class KORVEX_EXPORT XMLNode {
   }
 
   explicit operator bool() const { return _handle != nullptr; }
-  // Equal when both name the same node of the same tree.
+  // Equal if both refer to the same node of the same tree.
   bool operator==(const XMLNode& other) const { return _tree == other._tree && _handle == other._handle; }
 
-  // A kind that no node has, 0, on a null handle.
+  // 0, which is no node's kind, on a null node.
   [[nodiscard]] XMLNodeKind kind() const { return _node.kind; }
   // The tag of an element; absent for nodes without a name.
   [[nodiscard]] OptionalStringView name() const {
     return kind() == XMLNodeKind::Element || !_handle ? _node.content : _tree->name(_handle);
   }
-  // The text of a text node; for an element the text of all text nodes below it, in document
-  // order (empty when there is none); absent for other nodes. Recurses as deep as the tree.
+  // The text of a text node; for an element, the concatenated text of all text nodes below it, in
+  // document order (empty if there are none); absent for other nodes. Recurses as deep as the tree.
   [[nodiscard]] OptionalString stringValue() const;
-  // The characters of a text node without a copy; absent for every other node.
+  // The characters of a text node, not copied; absent for every other node.
   [[nodiscard]] OptionalStringView text() const {
     return kind() == XMLNodeKind::Text ? _node.content : OptionalStringView();
   }
@@ -214,10 +214,10 @@ class KORVEX_EXPORT XMLNode {
   [[nodiscard]] XMLAttribute onlyAttribute() const;
   // Null when the element has no attribute of that name (compared exactly).
   [[nodiscard]] XMLAttribute attributeForName(std::string_view attributeName) const;
-  // The value of a named attribute: absent when there is none, empty when it is written empty.
+  // The value of a named attribute: absent if there is no such attribute, empty if written empty.
   [[nodiscard]] OptionalStringView valueOfAttribute(std::string_view attributeName) const;
-  // The values of several attributes in one walk, in the order of the names. Where a lenient parser
-  // lets a name occur twice, the first one counts.
+  // The values of several attributes in one pass, in the order of the names. If a lenient parser
+  // accepts a duplicate attribute, the first one wins.
   template <typename... Names>
   [[nodiscard]] std::array<OptionalStringView, sizeof...(Names)> valuesOfAttributes(const Names&... names) const {
     const std::array<std::string_view, sizeof...(Names)> wanted = {names...};
@@ -226,9 +226,9 @@ class KORVEX_EXPORT XMLNode {
     return values;
   }
 
-  // Absent when the parser does not know.
+  // Absent if the parser does not know.
   [[nodiscard]] std::optional<XMLPosition> position() const;
-  // The text that was parsed, absent when the parser does not keep it, and where in it the node's markup starts.
+  // The parsed text, absent if the parser does not keep it, and the byte offset of the node's markup in it.
   [[nodiscard]] OptionalStringView source() const { return _handle ? _tree->source() : OptionalStringView(); }
   [[nodiscard]] std::size_t offset() const { return _handle ? _tree->offset(_handle) : 0; }
 
