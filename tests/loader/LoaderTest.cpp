@@ -194,6 +194,36 @@ TEST(Document, MalformedOnesAreExplained) {
       options(true));
 }
 
+// Each has a single fault that pugixml lets pass, in a document that is usual otherwise and so is not Expat's to judge.
+TEST(Document, SingleFaultsAreFoundWithoutExpat) {
+  const std::vector<std::string> faults = {
+      "<b c='1' d='2' c='3'></b>",
+      "<b c='<'></b>",
+      "<b c='&x;'></b>",
+      "<b c='&#1;'></b>",
+      "<b \xC2\xAA='1'></b>",
+      "<\xC2\xAA></\xC2\xAA>",
+      "<?\xC2\xAA?>",
+      "&",
+      "&<!-- -->",
+      "&#xFFFF;",
+      "]]>",
+      "<!-- - -- -->",
+      "<!-- --->",
+      "<?xml version='1.0'?>",
+      "\x01",
+      "\xFF",
+      "\uFFFF",
+  };
+  for (const std::string& fault : faults) {
+    EXPECT_FALSE(Document::fromBytes("<a>" + fault + "</a>").document) << fault;
+  }
+  for (const char* bytes : {"x<a></a>", "<a></a>x", "<a></a><b></b>", "<a></a><a></a>", "<a></a><![CDATA[]]>",
+                            "<![CDATA[]]><a></a>", "<?xml version='1.0' x='1'?><a></a>"}) {
+    EXPECT_FALSE(Document::fromBytes(bytes).document) << bytes;
+  }
+}
+
 // Expat alone accepts the second, whose name has no letter of XML's.
 TEST(Document, NamesAreThoseOfXMLInEveryEncoding) {
   for (const char* bytes : {"<\xC2\xAA/>", "<?xml version='1.0' encoding='ISO-8859-1'?><\xAA/>"}) {

@@ -136,6 +136,34 @@ TEST(DatabaseValues, RowsBecomeWhatTheCallerTakes) {
   EXPECT_EQ(row.find("a")->integer(), 3);
 }
 
+class Mapped : public Model<Mapped> {
+ public:
+  static void describe(ModelDescription<Mapped>& model) {
+    model.className("Mapped");
+    model.property("small", &Mapped::small);
+    model.property("text", &Mapped::text);
+    model.property("bytes", &Mapped::bytes);
+  }
+
+  std::int8_t small = 0;
+  std::string text;
+  std::vector<std::byte> bytes;
+};
+
+TEST(DatabaseValues, PropertiesRefuseWhatTheyCannotHold) {
+  const std::pair<const char*, bool> cases[] = {
+      {"127 AS small", true}, {"128 AS small", false},    {"1.5 AS small", false}, {"'1' AS small", false},
+      {"1.0 AS small", true}, {"x'41' AS text", false},   {"'A' AS text", true},   {"NULL AS text", true},
+      {"1 AS bytes", false},  {"x'00FF' AS bytes", true}, {"'A' AS bytes", true},  {"1 AS nowhere", true},
+  };
+  for (const auto& [columns, fits] : cases) {
+    TestDatabase database(std::string("<select id='m' result='Mapped'>SELECT ") + columns + "</select>");
+    const auto result = database->call<Mapped>("m");
+    EXPECT_EQ(bool(result), fits) << columns << ": " << textOf(result);
+    EXPECT_TRUE(fits || result.error().kind == DatabaseErrorKind::Result) << columns << ": " << textOf(result);
+  }
+}
+
 // ---------------------------------------------------------------------------------------------
 // Errors
 
@@ -316,6 +344,21 @@ TEST(DatabaseTransactions, AResumableForeachGoesOnAtTheEntryThatFailed) {
   EXPECT_EQ(countOf(*database), 300);
   EXPECT_FALSE(database->call("import", {{"list", list}})) << "a call that has ended begins anew";
   EXPECT_EQ(countOf(*database), 300);
+}
+
+TEST(DatabaseTransactions, InterruptedStepsDoNotGoOnAsOthers) {
+  const auto methodWith = [](const std::string& step) {
+    return std::string(notes) + R"(
+      <insert id="two" arguments="content">
+        <step resumable="true">INSERT INTO note (content) VALUES (:content)</step>
+        <step resumable="true">INSERT INTO note (content) VALUES (:content)</step>)" +
+           step + "</insert>";
+  };
+  TestDatabase database(methodWith({}));
+  ASSERT_FALSE(database->call("two", {{"content", 1}}));  // the content is unique
+  database->load(definitions(methodWith("<step>DELETE FROM note</step>")));
+  EXPECT_EQ(database->call("two", {{"content", 1}}).error().kind, DatabaseErrorKind::Progress);
+  EXPECT_EQ(countOf(*database), 1);
 }
 
 // ---------------------------------------------------------------------------------------------
