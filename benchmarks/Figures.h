@@ -15,7 +15,7 @@ namespace korvex::benchmarks {
 using Figures = std::map<std::string, double, std::less<>>;
 
 // Takes from each benchmark the best of its repetitions: the least real time of one iteration as
-// "name", the greatest value of a counter as "name:counter".
+// "name", the maximum of a counter as "name:counter".
 class FigureCollector final : public benchmark::BenchmarkReporter {
  public:
   explicit FigureCollector(Figures& figures) : _figures(figures) {}

@@ -21,7 +21,7 @@ namespace korvex::lsp {
 namespace {
 
 constexpr char separator = '\x1E';
-constexpr std::size_t mostQuestions = 20;
+constexpr std::size_t maxQuestions = 20;
 const std::string uri = "file:///fuzz.xml";
 const Json document = {{"uri", uri}};
 
@@ -145,7 +145,7 @@ class Exchange {
     if (letter == 'w') return replace(part);
     if (letter == 'r') return sayRaw(part);
     for (const Letter& question : questionLetters) {
-      if (question.letter == letter && _questions.size() < mostQuestions) {
+      if (question.letter == letter && _questions.size() < maxQuestions) {
         _questions.push_back({question.method, takePosition(part)});
         static_cast<void>(answerTo(_session, _questions.back()));
       }

@@ -14,7 +14,7 @@ void compare(std::string_view input) {
   text.initWithText(input);
   expectSame("a text", text.expression().value(), expandedPlainly(input));
 
-  const HandBuiltTree tree(Hand::text(std::string(input)));
+  const HandBuiltTree tree(TreeNode::text(std::string(input)));
   text.initWithXML(tree.root());
   expectSame("a node's text", text.expression().value(), expandedPlainly(textOf(trimmedPlainly(unitsOf(input)))));
 }

@@ -68,9 +68,9 @@ DocumentError errorOf(const ExpatParser& parser) {
 
 // A parser that has nothing but a default handler gives the document back as it is, in UTF-8.
 DecodedText convertedText(std::string_view bytes) {
-  constexpr std::size_t mostGrowth = 2;  // ISO-8859-1: a byte becomes two
+  constexpr std::size_t maxGrowth = 2;  // ISO-8859-1: a byte becomes two
   DecodedText decoded;
-  decoded.text.reserve(mostGrowth * bytes.size());  // now, and not in the parser's handler
+  decoded.text.reserve(maxGrowth * bytes.size());  // now, and not in the parser's handler
   const ExpatParser parser(XML_ParserCreate(nullptr));
   XML_SetUserData(parser.get(), &decoded.text);
   XML_SetDefaultHandler(parser.get(), appendMarkup);

@@ -35,7 +35,7 @@ class OpenTags {
  public:
   explicit OpenTags(std::string_view text) {
     follow(text, enter, leave);
-    _offsets.reserve(_greatestDepth);
+    _offsets.reserve(_maxDepth);
     follow(text, open, close);
   }
 
@@ -57,7 +57,7 @@ class OpenTags {
 
   static OpenTags& self(void* userData) { return *static_cast<OpenTags*>(userData); }
   static void XMLCALL enter(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
-    self(userData)._greatestDepth = std::max(self(userData)._greatestDepth, ++self(userData)._depth);
+    self(userData)._maxDepth = std::max(self(userData)._maxDepth, ++self(userData)._depth);
   }
   static void XMLCALL leave(void* userData, const XML_Char* /*tag*/) { --self(userData)._depth; }
   static void XMLCALL open(void* userData, const XML_Char* /*tag*/, const XML_Char** /*attributes*/) {
@@ -68,7 +68,7 @@ class OpenTags {
   ExpatParser _parser;
   bool _outOfMemory = false;
   std::size_t _depth = 0;
-  std::size_t _greatestDepth = 0;
+  std::size_t _maxDepth = 0;
   std::vector<std::size_t> _offsets;
 };
 

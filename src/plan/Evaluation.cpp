@@ -288,17 +288,17 @@ class ExpressionMachine {
   }
 
   // An entry of a list by its place from 0 on, of a dictionary by its name; null when there is none.
-  bool index(const ValueView& holder, const ValueView& key) {
-    if (holder.isNull()) return push(ValueView());
-    if (holder.type() == ValueType::List && key.type() == ValueType::Integer) {
+  bool index(const ValueView& container, const ValueView& key) {
+    if (container.isNull()) return push(ValueView());
+    if (container.type() == ValueType::List && key.type() == ValueType::Integer) {
       const auto place = static_cast<std::uint64_t>(key.integer());
-      return push(place < holder.list().size() ? holder.list()[place].view() : ValueView());
+      return push(place < container.list().size() ? container.list()[place].view() : ValueView());
     }
-    if (holder.type() == ValueType::Dictionary && key.type() == ValueType::Text) {
-      const Value* entry = holder.dictionary().find(key.bytes());
+    if (container.type() == ValueType::Dictionary && key.type() == ValueType::Text) {
+      const Value* entry = container.dictionary().find(key.bytes());
       return push(entry ? entry->view() : ValueView());
     }
-    return fail(std::string(nameOf(holder.type())) + " has no entry by " + std::string(nameOf(key.type())));
+    return fail(std::string(nameOf(container.type())) + " has no entry by " + std::string(nameOf(key.type())));
   }
 
   bool jumpKeeping(const ExpressionStep& step, bool when) {

@@ -23,9 +23,9 @@ namespace korvex {
 namespace {
 
 // What all references of a set may put in, in pieces and in bytes: a few lines can ask for more than there is.
-constexpr std::size_t mostPieces = std::size_t{1} << 22U;
-constexpr std::size_t mostBytes = std::size_t{64} << 20U;
-constexpr std::size_t mostArguments = 60000;
+constexpr std::size_t maxPieces = std::size_t{1} << 22U;
+constexpr std::size_t maxBytes = std::size_t{64} << 20U;
+constexpr std::size_t maxArguments = 60000;
 
 // The children of an element beside the nodes that they were built from.
 class ChildWalk {
@@ -107,7 +107,7 @@ class PlanCompiler final : public NameResolver {
   void readNames() {
     _names.clear();
     const auto& arguments = *_method->arguments();
-    if (arguments.size() > mostArguments) return fail(_place, "a method has no more than 60000 arguments");
+    if (arguments.size() > maxArguments) return fail(_place, "a method has no more than 60000 arguments");
     for (const QXDAOMethodArgument& argument : arguments) {
       const std::string_view name = argument.name().value_or(std::string_view());
       if (slotOf(name)) fail(placeInAttribute(_xml, C_ARGUMENTS, 0), "argument " + quoted(name) + " is declared twice");
@@ -397,7 +397,7 @@ class PlanCompiler final : public NameResolver {
   bool chargeReference(const SqlPart& part) {
     _compilation.putIn += 2;
     _compilation.bytesPutIn += part.text.size();
-    if (_compilation.putIn <= mostPieces && _compilation.bytesPutIn <= mostBytes) return true;
+    if (_compilation.putIn <= maxPieces && _compilation.bytesPutIn <= maxBytes) return true;
     if (!std::exchange(_overflown, true))
       failInText(_reference, "the references of all methods put in too much: more than 64 MB, or four million pieces");
     return false;

@@ -29,8 +29,8 @@ struct SetCompilation {
   std::size_t bytesPutIn = 0;  // and their texts
 
   void fail(std::uint32_t document, const XMLPosition& position, std::string message) {
-    constexpr std::size_t mostErrors = 10000;
-    if (errors.size() < mostErrors) errors.push_back({std::move(message), contents.documents[document], position});
+    constexpr std::size_t maxErrors = 10000;
+    if (errors.size() < maxErrors) errors.push_back({std::move(message), contents.documents[document], position});
   }
   // So many that searching their texts for the exact places would take longer than anybody wants to wait.
   [[nodiscard]] bool hasManyErrors() const { return errors.size() >= 200; }

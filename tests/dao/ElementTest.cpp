@@ -23,17 +23,19 @@
 namespace korvex {
 namespace {
 
-using Attributes = decltype(Hand::attributes);
+using Attributes = decltype(TreeNode::attributes);
 
-Hand select(std::vector<Hand> children) {
-  return Hand::element("select", {{"id", "s"}, {"result", "int"}}, std::move(children));
+TreeNode select(std::vector<TreeNode> children) {
+  return TreeNode::element("select", {{"id", "s"}, {"result", "int"}}, std::move(children));
 }
-Hand update(std::vector<Hand> children) { return Hand::element("update", {{"id", "u"}}, std::move(children)); }
-Hand cdata() { return Hand::leaf(XMLNodeKind::CDATASection, "cdata"); }
-Hand instruction() { return Hand::leaf(XMLNodeKind::ProcessingInstruction, "pi"); }
-Hand comment() { return Hand::leaf(XMLNodeKind::Comment, "note"); }
+TreeNode update(std::vector<TreeNode> children) {
+  return TreeNode::element("update", {{"id", "u"}}, std::move(children));
+}
+TreeNode cdata() { return TreeNode::leaf(XMLNodeKind::CDATASection, "cdata"); }
+TreeNode instruction() { return TreeNode::leaf(XMLNodeKind::ProcessingInstruction, "pi"); }
+TreeNode comment() { return TreeNode::leaf(XMLNodeKind::Comment, "note"); }
 
-std::string messageOf(const Hand& definition) {
+std::string messageOf(const TreeNode& definition) {
   const HandBuiltTree tree(definition);
   std::optional<QXDAOError> error;
   return QXDAOElement::elementWithXML(tree.root(), &error) ? "built" : std::string(error->message());
@@ -41,7 +43,7 @@ std::string messageOf(const Hand& definition) {
 
 // The element of a definition that must build, as its class; the tree may go, elements copy.
 template <typename T>
-std::unique_ptr<T> built(const Hand& definition) {
+std::unique_ptr<T> built(const TreeNode& definition) {
   auto element = QXDAOElement::elementWithXML(HandBuiltTree(definition).root());
   T* cast = QXDAOElementCast<T>(element.get());
   EXPECT_NE(cast, nullptr);
@@ -49,7 +51,7 @@ std::unique_ptr<T> built(const Hand& definition) {
 }
 
 TEST(Factory, ErrorRecord) {
-  const HandBuiltTree tree(update({Hand::element("where", {}, {Hand::element("nope")})}));
+  const HandBuiltTree tree(update({TreeNode::element("where", {}, {TreeNode::element("nope")})}));
   std::optional<QXDAOError> error;
   EXPECT_EQ(QXDAOElement::elementWithXML(tree.root(), &error), nullptr);
   ASSERT_TRUE(error);
@@ -68,7 +70,7 @@ TEST(Factory, ErrorRecord) {
 }
 
 TEST(Factory, LeavesTheSlotAloneOnSuccess) {
-  const HandBuiltTree tree(update({Hand::text("x")}));
+  const HandBuiltTree tree(update({TreeNode::text("x")}));
   std::optional<QXDAOError> error;
   error.emplace().code = 7;
   EXPECT_NE(QXDAOElement::elementWithXML(tree.root(), &error), nullptr);
@@ -78,33 +80,35 @@ TEST(Factory, LeavesTheSlotAloneOnSuccess) {
 TEST(Elements, NodeKindsThatAreNeitherElementTextNorComment) {
   const Attributes id = {{"id", "x"}};
   const Attributes loop = {{"item", "i"}, {"collection", "c"}};
-  const std::vector<std::pair<Hand, const char*>> cases = {
+  const std::vector<std::pair<TreeNode, const char*>> cases = {
       {select({cdata(), instruction(), comment()}), "built"},
-      {Hand::element("sql", id, {comment(), cdata()}), "Sql block 'x' is of wrong format."},
-      {Hand::element("map", {{"id", "x"}, {"result", "A"}}, {cdata()}), "Map 'x' is of wrong format."},
-      {Hand::element("map", {{"id", "x"}, {"result", "A"}}, {Hand::text(" \n")}), "Map 'x' is of wrong format."},
-      {update({Hand::element("foreach", loop, {cdata()})}), "Foreach should only contain iterator expression as text."},
-      {update({Hand::element("choose", {}, {cdata(), Hand::text(" \n"), comment()})}), "built"},
-      {Hand::element("const", {{"A", "1"}}, {Hand::text(" ")}), "Invalid constant declaration ' '."},
-      {Hand::element("const", {{"A", "1"}}, {instruction()}), "Invalid constant declaration ''."},
-      {Hand::element("crypt", {{"class", "A"}, {"property", "p"}}, {Hand::text("\n")}),
+      {TreeNode::element("sql", id, {comment(), cdata()}), "Sql block 'x' is of wrong format."},
+      {TreeNode::element("map", {{"id", "x"}, {"result", "A"}}, {cdata()}), "Map 'x' is of wrong format."},
+      {TreeNode::element("map", {{"id", "x"}, {"result", "A"}}, {TreeNode::text(" \n")}),
+       "Map 'x' is of wrong format."},
+      {update({TreeNode::element("foreach", loop, {cdata()})}),
+       "Foreach should only contain iterator expression as text."},
+      {update({TreeNode::element("choose", {}, {cdata(), TreeNode::text(" \n"), comment()})}), "built"},
+      {TreeNode::element("const", {{"A", "1"}}, {TreeNode::text(" ")}), "Invalid constant declaration ' '."},
+      {TreeNode::element("const", {{"A", "1"}}, {instruction()}), "Invalid constant declaration ''."},
+      {TreeNode::element("crypt", {{"class", "A"}, {"property", "p"}}, {TreeNode::text("\n")}),
        "Invalid crypt property declaration '\n'."},
       // Nameless nodes: an absent tag reads "(null)", an absent attribute name is no name.
-      {Hand::element(std::nullopt, id), "Unknown root node type '(null)'."},
-      {update({Hand::element(std::nullopt)}), "Unknown element with type (null)."},
-      {update({Hand::element("if", {{std::nullopt, "a"}})}), "Condition 'if' is of wrong format."},
-      {update({Hand::element("if", {{"true", std::nullopt}})}), "Condition 'if' is of wrong format."},
-      {Hand::element("const", {{"", "1"}}), "Invalid constant declaration ''."},
-      {Hand::element("const", {{std::nullopt, "1"}}), "Invalid constant declaration ''."},
-      {Hand::element("sql", {{"id", std::nullopt}}), "Element name(id attribute) is empty."},
+      {TreeNode::element(std::nullopt, id), "Unknown root node type '(null)'."},
+      {update({TreeNode::element(std::nullopt)}), "Unknown element with type (null)."},
+      {update({TreeNode::element("if", {{std::nullopt, "a"}})}), "Condition 'if' is of wrong format."},
+      {update({TreeNode::element("if", {{"true", std::nullopt}})}), "Condition 'if' is of wrong format."},
+      {TreeNode::element("const", {{"", "1"}}), "Invalid constant declaration ''."},
+      {TreeNode::element("const", {{std::nullopt, "1"}}), "Invalid constant declaration ''."},
+      {TreeNode::element("sql", {{"id", std::nullopt}}), "Element name(id attribute) is empty."},
       {{XMLNodeKind::Text, "sql", "text", {{"id", "x"}}, {}}, "Element name(id attribute) is empty."},
   };
   for (const auto& [definition, message] : cases) EXPECT_EQ(messageOf(definition), message);
 }
 
 TEST(Elements, StepsAreLinkedOrDissolved) {
-  const Hand step = Hand::element("step", {{"resumable", "yes"}}, {Hand::text("A")});
-  const auto stepped = built<QXDAOMethod>(update({step, comment(), Hand::text("\n"), Hand::element("step")}));
+  const TreeNode step = TreeNode::element("step", {{"resumable", "yes"}}, {TreeNode::text("A")});
+  const auto stepped = built<QXDAOMethod>(update({step, comment(), TreeNode::text("\n"), TreeNode::element("step")}));
   ASSERT_EQ(stepped->children()->size(), 2U);
   EXPECT_TRUE(stepped->steped());
   const auto* first = QXDAOElementCast<QXDAOMethodStep>(stepped->children()->front().get());
@@ -116,7 +120,7 @@ TEST(Elements, StepsAreLinkedOrDissolved) {
   ASSERT_EQ(dissolved->children()->size(), 1U);
   EXPECT_EQ(QXDAOElementCast<QXDAOText>(dissolved->children()->front().get())->expression(), "A");
   EXPECT_FALSE(dissolved->steped());
-  EXPECT_TRUE(built<QXDAOMethod>(update({Hand::element("step")}))->children()->empty());
+  EXPECT_TRUE(built<QXDAOMethod>(update({TreeNode::element("step")}))->children()->empty());
 }
 
 TEST(Elements, TryAndExceptAreLinked) {
@@ -162,7 +166,7 @@ TEST(Elements, FailuresComeInOrder) {
 
 TEST(Elements, EngineSlotsStartEmptyAndKeepWhatTheyGet) {
   struct Plan : QXDAOEngineValue {};
-  const auto method = built<QXDAOMethod>(update({Hand::text("A")}));
+  const auto method = built<QXDAOMethod>(update({TreeNode::text("A")}));
   EXPECT_FALSE(method->_ignoreCounter || method->_counter || method->_cls || method->_mappingInfo || method->module());
   EXPECT_EQ(method->_mappingSequence, 0);
   auto* text = QXDAOElementCast<QXDAOText>(method->children()->front().get());
@@ -192,8 +196,8 @@ TEST(Elements, NumbersOfEnumeratorsNeverChange) {
 }
 
 TEST(Elements, TreesAreBuiltOnSeveralThreadsFromOneDocument) {
-  const HandBuiltTree tree(update(
-      {Hand::text("SELECT %{'*', a, b}"), Hand::element("where", {}, {Hand::element("if", {{"true", "a > 1"}})})}));
+  const HandBuiltTree tree(update({TreeNode::text("SELECT %{'*', a, b}"),
+                                   TreeNode::element("where", {}, {TreeNode::element("if", {{"true", "a > 1"}})})}));
   const auto build = [&tree] {
     for (int turn = 0; turn < 500; ++turn) ASSERT_NE(QXDAOElement::elementWithXML(tree.root()), nullptr);
   };

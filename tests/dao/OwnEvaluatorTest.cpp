@@ -15,7 +15,8 @@ QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view exp
 namespace {
 
 bool builds(const char* expression) {
-  const HandBuiltTree tree(Hand::element("update", {{"id", "u"}}, {Hand::element("if", {{"true", expression}})}));
+  const HandBuiltTree tree(
+      TreeNode::element("update", {{"id", "u"}}, {TreeNode::element("if", {{"true", expression}})}));
   return QXDAOElement::elementWithXML(tree.root()) != nullptr;
 }
 

@@ -143,14 +143,14 @@ TEST(Properties, OwnWhatTheyAreGiven) {
 }
 
 TEST(Properties, EmptyAttributesLeaveThemAlone) {
-  const HandBuiltTree tree(Hand::element("select", {{"id", "s"},
-                                                    {"result", "int"},
-                                                    {"profile", ""},
-                                                    {"parallel", ""},
-                                                    {"assignedTable", ""},
-                                                    {"arguments", "a"},
-                                                    {"foreach", "a.b"},
-                                                    {"resumable", ""}}));
+  const HandBuiltTree tree(TreeNode::element("select", {{"id", "s"},
+                                                        {"result", "int"},
+                                                        {"profile", ""},
+                                                        {"parallel", ""},
+                                                        {"assignedTable", ""},
+                                                        {"arguments", "a"},
+                                                        {"foreach", "a.b"},
+                                                        {"resumable", ""}}));
   QXDAOMethod method;
   method._profile = true;
   method.setParallel(true);
@@ -161,7 +161,7 @@ TEST(Properties, EmptyAttributesLeaveThemAlone) {
   EXPECT_TRUE(method.foreachResumable());
   QXDAOMethodStep step;
   step.setResumable(true);
-  step.initWithXML(HandBuiltTree(Hand::element("step", {{"resumable", ""}})).root(), &method);
+  step.initWithXML(HandBuiltTree(TreeNode::element("step", {{"resumable", ""}})).root(), &method);
   EXPECT_TRUE(step.resumable());
 }
 
@@ -208,10 +208,10 @@ TEST(Properties, LongTokenListsAreComplete) {
 
 // What is taken out of a tree, or set in it, lives by itself.
 TEST(Trees, TakenChildrenOutliveTheirTree) {
-  const HandBuiltTree tree(
-      Hand::element("update", {{"id", "a name that is long enough"}, {"arguments", "first, second"}},
-                    {Hand::text("a text"),
-                     Hand::element("where", {}, {Hand::element("if", {{"true", "a > 1"}}, {Hand::text("b")})})}));
+  const HandBuiltTree tree(TreeNode::element(
+      "update", {{"id", "a name that is long enough"}, {"arguments", "first, second"}},
+      {TreeNode::text("a text"),
+       TreeNode::element("where", {}, {TreeNode::element("if", {{"true", "a > 1"}}, {TreeNode::text("b")})})}));
   auto root = QXDAOElement::elementWithXML(tree.root());
   auto* method = QXDAOElementCast<QXDAOMethod>(root.get());
   auto taken = method->takeChildren();

@@ -112,16 +112,17 @@ TEST(Text, CountsUTF16Units) {
 }
 
 TEST(Text, TrimsNodesOnly) {
-  const HandBuiltTree tree(Hand::text(" \n\t\r SELECT %{'*', a, b} \n"));
+  const HandBuiltTree tree(TreeNode::text(" \n\t\r SELECT %{'*', a, b} \n"));
   QXDAOText text;
   text.initWithXML(tree.root());
   EXPECT_EQ(text.expression(), "\r SELECT a, b");
 
-  const HandBuiltTree element(Hand::element("a", {}, {Hand::text(" b"), Hand::element("c", {}, {Hand::text("d ")})}));
+  const HandBuiltTree element(
+      TreeNode::element("a", {}, {TreeNode::text(" b"), TreeNode::element("c", {}, {TreeNode::text("d ")})}));
   text.initWithXML(element.root());
   EXPECT_EQ(text.expression(), "bd");
 
-  const HandBuiltTree silent(Hand{XMLNodeKind::Text, std::nullopt, std::nullopt, {}, {}});
+  const HandBuiltTree silent(TreeNode{XMLNodeKind::Text, std::nullopt, std::nullopt, {}, {}});
   text.initWithXML(silent.root());
   EXPECT_EQ(text.expression(), std::nullopt);
   text.initWithText(std::nullopt);

@@ -14,7 +14,7 @@ namespace {
 // A second base in front, so that the ModelObject does not begin the object.
 struct Observer {
   virtual ~Observer() = default;
-  int notices = 0;
+  int notifications = 0;
 };
 
 class Holder : public Observer, public Model<Holder> {

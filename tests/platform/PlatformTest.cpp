@@ -154,9 +154,10 @@ TEST(XMLNode, NullHandlesAnswerWithNothing) {
 }
 
 TEST(XMLNode, ReadsATree) {
-  const HandBuiltTree tree(Hand::element("a", {{"x", "1"}, {"y", ""}},
-                                         {Hand::text("one "), Hand::leaf(XMLNodeKind::Comment, "no"),
-                                          Hand::element("b", {}, {Hand::text("two ")}), Hand::text("three")}));
+  const HandBuiltTree tree(
+      TreeNode::element("a", {{"x", "1"}, {"y", ""}},
+                        {TreeNode::text("one "), TreeNode::leaf(XMLNodeKind::Comment, "no"),
+                         TreeNode::element("b", {}, {TreeNode::text("two ")}), TreeNode::text("three")}));
   const XMLNode root = tree.root();
   EXPECT_EQ(root.stringValue(), "one two three");
   EXPECT_EQ(root.childCount(), 4U);
@@ -171,7 +172,7 @@ TEST(XMLNode, ReadsATree) {
 }
 
 TEST(XMLNode, FindsAttributesHoweverMany) {
-  Hand element = Hand::element("a");
+  TreeNode element = TreeNode::element("a");
   for (int number = 0; number < 20; ++number) element.attributes.emplace_back(std::to_string(number), "x");
   element.attributes.emplace_back("19", "y");
   element.attributes.emplace_back("last", std::nullopt);

@@ -1,5 +1,5 @@
-// A document tree written down by hand: what no parser delivers (CDATA sections, nameless nodes,
-// texts of white space) can be put in front of the elements with it.
+// A document tree that a test writes out: what no parser delivers (CDATA sections, nameless nodes,
+// white-space texts) can be given to the elements this way.
 #pragma once
 
 #include <algorithm>
@@ -15,39 +15,42 @@
 
 namespace korvex {
 
-struct Hand {
+struct TreeNode {
   XMLNodeKind kind = XMLNodeKind::Element;
   OptionalString name;
   OptionalString content;
   std::vector<std::pair<OptionalString, OptionalString>> attributes;
-  std::vector<Hand> children;
+  std::vector<TreeNode> children;
   std::ptrdiff_t offset = -1;  // in the text it was read from
 
-  static Hand element(OptionalString tag, decltype(attributes) attributes = {}, std::vector<Hand> children = {}) {
+  static TreeNode element(OptionalString tag, decltype(attributes) attributes = {},
+                          std::vector<TreeNode> children = {}) {
     return {XMLNodeKind::Element, std::move(tag), std::nullopt, std::move(attributes), std::move(children)};
   }
-  static Hand text(std::string content) { return leaf(XMLNodeKind::Text, std::move(content)); }
-  static Hand leaf(XMLNodeKind kind, std::string content) { return {kind, std::nullopt, std::move(content), {}, {}}; }
+  static TreeNode text(std::string content) { return leaf(XMLNodeKind::Text, std::move(content)); }
+  static TreeNode leaf(XMLNodeKind kind, std::string content) {
+    return {kind, std::nullopt, std::move(content), {}, {}};
+  }
 };
 
 class HandBuiltTree final : public XMLTree {
  public:
-  explicit HandBuiltTree(Hand root) : _top{Hand::element("document", {}, {std::move(root)})} {}
+  explicit HandBuiltTree(TreeNode root) : _top{TreeNode::element("document", {}, {std::move(root)})} {}
   HandBuiltTree(const HandBuiltTree&) = delete;
   HandBuiltTree& operator=(const HandBuiltTree&) = delete;
 
   [[nodiscard]] XMLNode root() const { return {*this, _top.children.data()}; }
   [[nodiscard]] std::ptrdiff_t offsetOf(const XMLNode& node) const { return offsetBelow(_top, node); }
 
-  XMLNodeKind kind(NodeHandle node) const override { return hand(node).kind; }
-  OptionalStringView name(NodeHandle node) const override { return hand(node).name; }
+  XMLNodeKind kind(NodeHandle node) const override { return treeNode(node).kind; }
+  OptionalStringView name(NodeHandle node) const override { return treeNode(node).name; }
   OptionalStringView text(NodeHandle node) const override {
-    if (hand(node).kind != XMLNodeKind::Text) return std::nullopt;
-    return hand(node).content;
+    if (treeNode(node).kind != XMLNodeKind::Text) return std::nullopt;
+    return treeNode(node).content;
   }
-  NodeHandle firstChild(NodeHandle node) const override { return firstOf(hand(node).children); }
-  NodeHandle nextSibling(NodeHandle node) const override { return nextIn(holderOf(_top, node)->children, node); }
-  AttributeHandle firstAttribute(NodeHandle node) const override { return firstOf(hand(node).attributes); }
+  NodeHandle firstChild(NodeHandle node) const override { return firstOf(treeNode(node).children); }
+  NodeHandle nextSibling(NodeHandle node) const override { return nextIn(parentOf(_top, node)->children, node); }
+  AttributeHandle firstAttribute(NodeHandle node) const override { return firstOf(treeNode(node).attributes); }
   AttributeHandle nextAttribute(AttributeHandle attribute) const override {
     return nextIn(ownerOf(_top, attribute)->attributes, attribute);
   }
@@ -56,7 +59,7 @@ class HandBuiltTree final : public XMLTree {
 
  private:
   using Pair = std::pair<OptionalString, OptionalString>;
-  static const Hand& hand(NodeHandle node) { return *static_cast<const Hand*>(node); }
+  static const TreeNode& treeNode(NodeHandle node) { return *static_cast<const TreeNode*>(node); }
   static const Pair& pair(AttributeHandle attribute) { return *static_cast<const Pair*>(attribute); }
 
   template <typename Item>
@@ -74,31 +77,32 @@ class HandBuiltTree final : public XMLTree {
     const auto* last = static_cast<const void*>(items.data() + items.size());
     return !std::less<>()(item, first) && std::less<>()(item, last);
   }
-  static const Hand* holderOf(const Hand& below, const void* node) {
+  static const TreeNode* parentOf(const TreeNode& below, const void* node) {
     if (holds(below.children, node)) return &below;
-    return firstFound(below, node, holderOf);
+    return firstFound(below, node, parentOf);
   }
-  static const Hand* ownerOf(const Hand& below, const void* attribute) {
+  static const TreeNode* ownerOf(const TreeNode& below, const void* attribute) {
     if (holds(below.attributes, attribute)) return &below;
     return firstFound(below, attribute, ownerOf);
   }
-  static const Hand* firstFound(const Hand& below, const void* item, const Hand* (*find)(const Hand&, const void*)) {
-    for (const Hand& child : below.children) {
-      if (const Hand* found = find(child, item)) return found;
+  static const TreeNode* firstFound(const TreeNode& below, const void* item,
+                                    const TreeNode* (*find)(const TreeNode&, const void*)) {
+    for (const TreeNode& child : below.children) {
+      if (const TreeNode* found = find(child, item)) return found;
     }
     return nullptr;
   }
 
-  [[nodiscard]] std::ptrdiff_t offsetBelow(const Hand& hand, const XMLNode& node) const {
+  [[nodiscard]] std::ptrdiff_t offsetBelow(const TreeNode& below, const XMLNode& node) const {
     std::ptrdiff_t offset = -1;
-    for (const Hand& child : hand.children) {
+    for (const TreeNode& child : below.children) {
       const bool isNode = XMLNode(*this, &child) == node;
       offset = std::max(offset, isNode ? child.offset : offsetBelow(child, node));
     }
     return offset;
   }
 
-  Hand _top;
+  TreeNode _top;
 };
 
 }  // namespace korvex

@@ -12,7 +12,7 @@ namespace korvex {
 
 // A pack of these properties, two at least, for the column "info".
 inline std::unique_ptr<QXDAOPack> packOf(const std::string& properties) {
-  const HandBuiltTree tree(Hand::element("pack", {{"as", "info"}, {"properties", properties}}));
+  const HandBuiltTree tree(TreeNode::element("pack", {{"as", "info"}, {"properties", properties}}));
   auto element = QXDAOElement::elementWithXML(tree.root());
   return std::unique_ptr<QXDAOPack>(static_cast<QXDAOPack*>(element.release()));
 }

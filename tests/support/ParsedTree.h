@@ -21,21 +21,21 @@ inline XMLNodeKind kindOf(const pugi::xml_node& node) {
   }
 }
 
-inline Hand handOf(const pugi::xml_node& node) {
-  Hand hand{kindOf(node), node.name(), node.value(), {}, {}, node.offset_debug()};
-  if (hand.kind == XMLNodeKind::Element) --hand.offset;  // before the "<"
+inline TreeNode treeNodeOf(const pugi::xml_node& node) {
+  TreeNode copy{kindOf(node), node.name(), node.value(), {}, {}, node.offset_debug()};
+  if (copy.kind == XMLNodeKind::Element) --copy.offset;  // before the "<"
   for (const pugi::xml_attribute& attribute : node.attributes()) {
-    hand.attributes.emplace_back(attribute.name(), attribute.value());
+    copy.attributes.emplace_back(attribute.name(), attribute.value());
   }
-  for (const pugi::xml_node& child : node.children()) hand.children.push_back(handOf(child));
-  return hand;
+  for (const pugi::xml_node& child : node.children()) copy.children.push_back(treeNodeOf(child));
+  return copy;
 }
 
 // One element with what is below it; white space between elements is no text.
-inline Hand parsed(const std::string& xml) {
+inline TreeNode parsed(const std::string& xml) {
   pugi::xml_document document;
   document.load_string(xml.c_str(), pugi::parse_default | pugi::parse_comments | pugi::parse_pi);
-  return handOf(document.document_element());
+  return treeNodeOf(document.document_element());
 }
 
 }  // namespace korvex
