@@ -6,56 +6,15 @@
 #include <cstdint>
 #include <cstring>
 #include <optional>
-#include <type_traits>
 
 #include "korvex/Export.h"
+#include "korvex/ScalarTypes.h"
 
 namespace korvex {
 
-// The one-character type codes of scalars; "l" and "L" are the 64-bit `long` types of the C++
-// platform, "q" and "Q" its `long long` types.
-template <typename Scalar>
-inline constexpr char scalarTypeCode = '\0';
-template <>
-inline constexpr char scalarTypeCode<bool> = 'B';
-template <>
-inline constexpr char scalarTypeCode<char> = 'c';
-template <>
-inline constexpr char scalarTypeCode<signed char> = 'c';
-template <>
-inline constexpr char scalarTypeCode<unsigned char> = 'C';
-template <>
-inline constexpr char scalarTypeCode<short> = 's';
-template <>
-inline constexpr char scalarTypeCode<unsigned short> = 'S';
-template <>
-inline constexpr char scalarTypeCode<int> = 'i';
-template <>
-inline constexpr char scalarTypeCode<unsigned int> = 'I';
-template <>
-inline constexpr char scalarTypeCode<long> = 'l';
-template <>
-inline constexpr char scalarTypeCode<unsigned long> = 'L';
-template <>
-inline constexpr char scalarTypeCode<long long> = 'q';
-template <>
-inline constexpr char scalarTypeCode<unsigned long long> = 'Q';
-template <>
-inline constexpr char scalarTypeCode<float> = 'f';
-template <>
-inline constexpr char scalarTypeCode<double> = 'd';
-
-template <typename T>
-concept BoxableScalar = scalarTypeCode<T>
-!= '\0';
-
-static_assert(sizeof(long) == 8 && sizeof(long long) == 8, "the type codes l, L, q and Q are 64 bits wide");
-
-// The type code that a number object reports; it does not tell `long` from `long long`.
+// The type code that a number object reports; it does not distinguish `long` from `long long`.
 template <BoxableScalar Scalar>
-inline constexpr char numberTypeCodeOf = scalarTypeCode<Scalar> == 'l'   ? 'q'
-                                         : scalarTypeCode<Scalar> == 'L' ? 'Q'
-                                                                         : scalarTypeCode<Scalar>;
+inline constexpr char numberTypeCodeOf = numberCode(scalarEncode(scalarTypeCode<Scalar>));
 
 // A value of one of eleven scalar types: boolean, signed and unsigned integers of 8 to 64 bits, single
 // and double precision. Copies are independent. Two numbers are equal if their types and their values

@@ -4,10 +4,12 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <optional>
+#include <type_traits>
 
 #include "korvex/QXDAOPackEncode.h"
+#include "korvex/ScalarTypes.h"
 #include "platform/Strings.h"
-#include "platform/Tables.h"
 #include "tool/Hex.h"
 #include "tool/VisibleText.h"
 
@@ -63,28 +65,28 @@ std::string text<bool>(std::string_view bytes) {
   return bytes.front() == 1 ? "true" : "true (" + hexText(bytes) + ')';
 }
 
-struct ScalarType {
-  QXDAOPackEncode encode;
-  const char* name;
+template <typename Scalar>
+std::string nameOfType() {
+  if constexpr (std::is_same_v<Scalar, bool>) return "boolean";
+  if constexpr (std::is_floating_point_v<Scalar>) return sizeof(Scalar) == 4 ? "single precision" : "double precision";
+  return (std::is_signed_v<Scalar> ? "signed " : "unsigned ") + std::to_string(8 * sizeof(Scalar)) + "-bit";
+}
+
+// How the values of one encode are shown.
+struct ScalarForm {
+  std::string (*name)();
   Json (*json)(std::string_view bytes);
   std::string (*text)(std::string_view bytes);
 };
 
-constexpr std::array<ScalarType, 11> scalarTypes = {{
-    {QXDAOPackEncodeBOOL, "boolean", json<bool>, text<bool>},
-    {QXDAOPackEncodeInt8, "signed 8-bit", json<std::int8_t>, text<std::int8_t>},
-    {QXDAOPackEncodeUInt8, "unsigned 8-bit", json<std::uint8_t>, text<std::uint8_t>},
-    {QXDAOPackEncodeInt16, "signed 16-bit", json<std::int16_t>, text<std::int16_t>},
-    {QXDAOPackEncodeUInt16, "unsigned 16-bit", json<std::uint16_t>, text<std::uint16_t>},
-    {QXDAOPackEncodeInt32, "signed 32-bit", json<std::int32_t>, text<std::int32_t>},
-    {QXDAOPackEncodeUInt32, "unsigned 32-bit", json<std::uint32_t>, text<std::uint32_t>},
-    {QXDAOPackEncodeInt64, "signed 64-bit", json<std::int64_t>, text<std::int64_t>},
-    {QXDAOPackEncodeUInt64, "unsigned 64-bit", json<std::uint64_t>, text<std::uint64_t>},
-    {QXDAOPackEncodeFloat, "single precision", json<float>, text<float>},
-    {QXDAOPackEncodeDouble, "double precision", json<double>, text<double>},
-}};
-
-const ScalarType* scalarType(QXDAOPackEncode encode) { return rowWith(scalarTypes, &ScalarType::encode, encode); }
+std::optional<ScalarForm> scalarForm(QXDAOPackEncode encode) {
+  std::optional<ScalarForm> form;
+  anyScalarType([&]<typename Scalar>(const ScalarType<Scalar>& row) {
+    if (row.encode == encode) form = ScalarForm{nameOfType<Scalar>, json<Scalar>, text<Scalar>};
+    return form.has_value();
+  });
+  return form;
+}
 
 std::string stringText(std::string_view bytes) {
   return isValidUTF8(bytes) ? '"' + visibleText(bytes) + '"' : hexText(bytes, " ") + " (not UTF-8)";
@@ -117,8 +119,8 @@ Json utf8Json(std::string_view bytes) { return isValidUTF8(bytes) ? Json(bytes) 
 
 Json jsonContent(const QXDAOPackRecord& record) {
   if (record.encode == QXDAOPackEncodeString) return utf8Json(record.bytes);
-  const ScalarType* type = scalarType(record.encode);
-  return type ? type->json(record.bytes) : Json();
+  const auto form = scalarForm(record.encode);
+  return form ? form->json(record.bytes) : Json();
 }
 
 Json recordJson(const QXDAOPackRecord& record) {
@@ -150,14 +152,14 @@ PackedValue readPackedValue(std::string_view value) {
 
 std::string packedTypeName(QXDAOPackEncode encode) {
   if (encode == QXDAOPackEncodeString) return "string";
-  const ScalarType* type = scalarType(encode);
-  return type ? type->name : "unknown (" + std::to_string(encode) + ')';
+  const auto form = scalarForm(encode);
+  return form ? form->name() : "unknown (" + std::to_string(encode) + ')';
 }
 
 std::string packedContentText(const QXDAOPackRecord& record) {
   if (record.encode == QXDAOPackEncodeString) return stringText(record.bytes);
-  const ScalarType* type = scalarType(record.encode);
-  return type ? type->text(record.bytes) : hexText(record.bytes, " ");
+  const auto form = scalarForm(record.encode);
+  return form ? form->text(record.bytes) : hexText(record.bytes, " ");
 }
 
 Json packedValueJson(const PackedValue& value) {

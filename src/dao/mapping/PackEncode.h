@@ -1,4 +1,4 @@
-// The scalar types of packed values: type codes and encodes, both ways.
+// How scalars are packed: encodes by type code, widths, and copies.
 #pragma once
 
 #include <algorithm>
@@ -10,36 +10,16 @@
 
 #include "korvex/QXDAOElement.h"
 #include "korvex/QXDAOPackEncode.h"
+#include "korvex/ScalarTypes.h"
 
 namespace korvex {
 
 static_assert(std::endian::native == std::endian::little, "numbers are packed as they stand in memory: little-endian");
 
-struct PackScalar {
-  char typeCode;
-  QXDAOPackEncode encode;
-};
-
-inline constexpr std::array<PackScalar, 13> packScalars = {{
-    {'B', QXDAOPackEncodeBOOL},
-    {'c', QXDAOPackEncodeInt8},
-    {'C', QXDAOPackEncodeUInt8},
-    {'s', QXDAOPackEncodeInt16},
-    {'S', QXDAOPackEncodeUInt16},
-    {'i', QXDAOPackEncodeInt32},
-    {'I', QXDAOPackEncodeUInt32},
-    {'l', QXDAOPackEncodeInt64},
-    {'q', QXDAOPackEncodeInt64},
-    {'L', QXDAOPackEncodeUInt64},
-    {'Q', QXDAOPackEncodeUInt64},
-    {'f', QXDAOPackEncodeFloat},
-    {'d', QXDAOPackEncodeDouble},
-}};
-
-// The same by type code, which is ASCII.
+// The encodes by type code, which is ASCII.
 inline constexpr auto encodesByTypeCode = [] {
   std::array<QXDAOPackEncode, 128> table{};
-  for (const PackScalar& scalar : packScalars) table[static_cast<std::size_t>(scalar.typeCode)] = scalar.encode;
+  for (std::size_t code = 0; code < table.size(); ++code) table[code] = scalarEncode(static_cast<char>(code));
   return table;
 }();
 

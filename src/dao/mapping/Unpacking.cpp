@@ -13,6 +13,7 @@
 #include "korvex/QXDAOPack.h"
 #include "korvex/QXDAOPackEncode.h"
 #include "korvex/QXDAOPackReader.h"
+#include "korvex/ScalarTypes.h"
 #include "platform/Strings.h"
 
 namespace korvex {
@@ -94,9 +95,6 @@ std::uint64_t scalarBits(std::string_view bytes) {
   }
 }
 
-// The type codes of numbers in the order of the encodes' type indexes.
-constexpr std::string_view numberTypeCodes = "BcCsSiIqQfd";
-
 // A bool takes any byte but 0 as true, since it can hold nothing else; of a longer value the low
 // bytes are taken.
 std::uint64_t bitsFor(QXDAOPackEncode encode, std::uint64_t bits) {
@@ -106,9 +104,8 @@ std::uint64_t bitsFor(QXDAOPackEncode encode, std::uint64_t bits) {
 
 // The number of a record; absent for an encode that is none of the known scalars.
 OptionalNumber numberOf(QXDAOPackEncode encode, std::uint64_t bits) {
-  const auto index = static_cast<std::size_t>(encode) >> 4U;
-  if (index >= numberTypeCodes.size() || convertEncode(numberTypeCodes[index]) != encode) return std::nullopt;
-  return NumberObject::fromBits(numberTypeCodes[index], bitsFor(encode, bits));
+  const char code = numberCode(encode);
+  return code ? OptionalNumber(NumberObject::fromBits(code, bitsFor(encode, bits))) : std::nullopt;
 }
 
 // The field's own width decides: a shorter value is extended by zeros.
