@@ -38,26 +38,27 @@ constexpr const char* generalFooter = R"(Examples:
   korvex-dao check --help)";
 
 constexpr std::string_view checkFindings =
-    R"(Prints one finding for each refused definition or malformed document, and for
-what is accepted but probably unintended:
+    R"(Prints one finding for each rejected definition and malformed document, and for
+each construct that is accepted but probably unintended:
   path:line:column: error: message [rule]
   path:line:column: warning: message [rule]
 with the source line and a caret below it. Lines and columns count from 1,
 columns in characters (code points).
 
-Warnings, by the names that --warn and --no-warn take:
+Warnings, with the names that --warn and --no-warn take:
 )";
 
-constexpr std::string_view checkFooter = R"(All but undefined-map are on; undefined-map is on when PATH is a directory.
+constexpr std::string_view checkFooter =
+    R"(All are on by default except undefined-map, which is on if PATH is a directory.
 The comment <!-- korvex: allow NAME --> directly before an element suppresses
 the warnings of that name about this element, not about those inside it.
 
 Formats:
-  text    a finding with its line of the source, for people
-  short   one line a finding: path:line:column: error: message [rule]
+  text    a finding with its source line, for people
+  short   one line per finding: path:line:column: error: message [rule]
   json    the findings as data
   sarif   a SARIF 2.1.0 log, which code scanners read
-  github  annotations of a GitHub Actions workflow
+  github  annotations for a GitHub Actions workflow
 
 Examples:
   korvex-dao check addressbook.xml
@@ -66,21 +67,21 @@ Examples:
   generate-definitions | korvex-dao check -
 
 Exit codes:
-  0  nothing found, or warnings alone
-  1  an error found; with --werror a warning, too
-  2  wrong usage, an input that cannot be read or a directory without *.xml
-     (the others are checked all the same), or an output that cannot be written)";
+  0  no findings, or only warnings
+  1  at least one error; with --werror, at least one error or warning
+  2  invalid usage, an unreadable input or a directory without *.xml files (the
+     other inputs are still checked), or output that cannot be written)";
 
-constexpr const char* explainFooter = R"(A finding of check ends with the name of its rule in brackets. Without RULE all
-rules are listed: name, severity, whether it is on, and how to follow it.
+constexpr const char* explainFooter = R"(Each finding of check ends with the name of its rule in brackets. Without RULE,
+all rules are listed: name, severity, default, and how to follow the rule.
 
 Examples:
   korvex-dao explain condition-format
   korvex-dao explain
 
 Exit codes:
-  0  explained
-  2  wrong usage, no such rule, or an output that cannot be written)";
+  0  success
+  2  invalid usage, unknown rule, or output that cannot be written)";
 
 constexpr const char* dumpFooter = R"(Examples:
   korvex-dao dump addressbook.xml
@@ -89,26 +90,25 @@ constexpr const char* dumpFooter = R"(Examples:
 
 Exit codes:
   0  every definition was built
-  1  a definition was refused, or the document is malformed
-  2  wrong usage, an input that cannot be read, or an output that cannot be
-     written)";
+  1  a definition was rejected, or the document is malformed
+  2  invalid usage, unreadable input, or output that cannot be written)";
 
-constexpr const char* schemaFooter = R"(A schema tells an editor which elements and attributes there are and what they
-mean. It refuses less than korvex-dao check does: rnc and rng say more than xsd,
-which knows no root of any tag.
+constexpr const char* schemaFooter = R"(A schema describes the elements and attributes to an editor. It is less strict
+than korvex-dao check. rnc and rng express more than xsd, which cannot allow an
+arbitrary root tag.
 
 Examples:
   korvex-dao schema > korvex-dao.rnc
   korvex-dao schema --format xsd --root mapping > mapping.xsd
 
 Exit codes:
-  0  printed
-  2  wrong usage, or an output that cannot be written)";
+  0  success
+  2  invalid usage, or output that cannot be written)";
 
-constexpr const char* unpackFooter = R"(Prints every property in a value: its type, what it holds, and how many bytes
-that is at which offset. The value describes itself; no class is needed. With
---db it prints the values of all rows that meet the condition, each with its
-rowid. The database is only read.
+constexpr const char* unpackFooter = R"(Prints every property in a value: its type, its content, and the size and offset
+of the content in bytes. Values describe themselves; no class is needed. With
+--db, it prints the values of all rows that meet the condition, with their
+rowids. The database is opened read-only.
 
 Examples:
   korvex-dao unpack value.bin
@@ -116,19 +116,18 @@ Examples:
   korvex-dao unpack --db app.sqlite --table person --column info --where 'id = 7'
 
 Exit codes:
-  0  every value was read to its end; NULL is no value
-  1  a value ends early, holds an encode that ends the reading, or is no BLOB
-  2  wrong usage, an input that cannot be read, or an output that cannot be
-     written)";
+  0  every value was read completely; NULL counts as no value
+  1  a value is truncated, has an encode of unknown length, or is not a BLOB
+  2  invalid usage, unreadable input, or output that cannot be written)";
 
-constexpr const char* runFooter = R"(A value that reads as JSON is that: a number, a list, an object whose properties
-the method reads, null. Anything else is a text; a text of digits is written
-'"12"'. What is not given is null.
+constexpr const char* runFooter = R"(An argument's value is parsed as JSON: a number, a list, null, or an object whose
+properties the method reads. A value that is not JSON is text; write text that
+consists of digits as '"12"'. Arguments that are not given are null.
 
-A select prints its rows by their columns, whatever class its result names, and
-opens the database to be read only. A method that changes data needs --write
-and says how many rows it changed. --print-sql prints the statements and their
-values instead, and needs no database.
+A select opens the database read-only and prints the columns of its rows, even
+if its result is a class. A method that changes data requires --write and prints
+how many rows it changed. --print-sql prints the statements and their bound
+values instead of running them; it needs no database.
 
 Examples:
   korvex-dao run --db app.sqlite definitions/ searchPersons text=Ada groupIds='[1,2]'
@@ -138,47 +137,48 @@ Examples:
   korvex-dao run --print-sql definitions/ searchPersons order=age
 
 Exit codes:
-  0  run, or printed
-  1  a definition is refused, or SQLite refused the method
-  2  wrong usage, arguments that do not fit the method, an input that cannot be
-     read, or an output that cannot be written)";
+  0  success
+  1  a definition is rejected, or the method failed
+  2  invalid usage, arguments that do not match the method, unreadable input, or
+     output that cannot be written)";
 
-constexpr const char* upgradeFooter = R"(Runs the upgrades that the file needs, each in a transaction with its version,
-and prints each step as it begins. A file that is not there is made.
+constexpr const char* upgradeFooter = R"(Runs the upgrades that the database needs and prints each step as it begins.
+Each upgrade sets its version in the same transaction. A missing database is
+created.
 
 Example:
   korvex-dao upgrade --db app.sqlite definitions/
 
 Exit codes:
-  0  the file has the newest version
-  1  a definition is refused, an upgrade failed, or the file's version is newer
-  2  wrong usage, an input that cannot be read, or an output that cannot be
-     written)";
+  0  the database has the newest version
+  1  a definition is rejected, an upgrade failed, or the database is newer
+  2  invalid usage, unreadable input, or output that cannot be written)";
 
-constexpr const char* lspFooter = R"(Serves one editor on standard input and output, by the Language Server
-Protocol 3.17: what is wrong with the open documents, completion, hover,
-symbols, and the way between methods and result maps. A message that is
-malformed or too large is answered by an error; it does not end the server.
+constexpr const char* lspFooter = R"(Serves one editor on standard input and output with the Language Server
+Protocol 3.17: diagnostics, completion, hover, symbols, and navigation between
+methods and result maps. A malformed or oversized message is answered with an
+error; the server keeps running.
 
 Exit codes:
-  0  the client asked for shutdown, then for exit
-  1  it did not, or closed its end
-  2  wrong usage, or an output that cannot be written)";
+  0  the client requested shutdown before exit
+  1  the client exited or closed the connection without shutdown
+  2  invalid usage, or output that cannot be written)";
 
-constexpr const char* completionFooter = R"(The packages of korvex-dao put the scripts where the shells look for them. A
-copy without a package is completed after:
+constexpr const char* completionFooter =
+    R"(The korvex-dao packages install these scripts where the shells look for them.
+Without a package, load the script in the shell's start-up file:
   source <(korvex-dao completion bash)
   source <(korvex-dao completion zsh)
   korvex-dao completion fish | source)";
 
-// An option that takes one of a few words.
+// An option with a fixed set of values.
 template <typename Value>
 void addChoice(CLI::App& command, const std::string& name, Value& value, const std::map<std::string, Value>& choices,
                const std::string& help) {
   std::vector<std::string> words;
   words.reserve(choices.size());
   for (const auto& choice : choices) words.push_back(choice.first);
-  // A validator that is added later looks at the word earlier.
+  // CLI11 applies the validator added last first.
   command.add_option(name, value, help)
       ->transform(CLI::Transformer(choices).description(""))
       ->transform(oneOf(words))
@@ -188,16 +188,16 @@ void addChoice(CLI::App& command, const std::string& name, Value& value, const s
 void addLoadOptions(CLI::App& command, LoadOptions& options) {
   command.add_flag_callback(
       "--no-strict", [&options] { options.strict = false; },
-      "Skip the check for well-formed XML; only for documents that have passed it before");
+      "Skip the well-formedness check; only for documents that have passed it before");
   command.add_flag("--keep-white-space", options.keepWhiteSpaceText,
-                   "Keep texts of white space only; a map with indented children is refused then");
+                   "Keep white-space-only text; maps with indented children are then rejected");
   command
-      .add_option("--max-bytes", options.maximumBytes, "The largest document to read, in bytes; 67108864 if not given")
+      .add_option("--max-bytes", options.maximumBytes, "The maximum size of a document in bytes (default: 67108864)")
       ->check(CLI::Range(std::size_t{1}, std::numeric_limits<std::size_t>::max() / 2).description(""))
       ->type_name("N");
 }
 
-// Why there is no such warning; empty when there is.
+// The error message for an unknown warning name; empty for a known one.
 std::string unknownWarning(const std::string& name) {
   const auto names = warningNames();
   if (std::find(names.begin(), names.end(), name) != names.end()) return {};
@@ -216,7 +216,7 @@ void addWarnings(CLI::App& command, const std::string& option, std::vector<std::
 }
 
 CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
-  CLI::App* command = tool.add_subcommand("check", "Check definition documents and print what is wrong with them");
+  CLI::App* command = tool.add_subcommand("check", "Check definition documents and print the findings");
   command->add_option("PATH", options.paths, "Files, directories to search for *.xml, or - for standard input")
       ->required()
       ->type_name("");
@@ -226,12 +226,12 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
                           {"json", CheckFormat::Json},
                           {"sarif", CheckFormat::Sarif},
                           {"github", CheckFormat::Github}},
-                         "How to print the findings: text (if not given), short, json, sarif, or github");
+                         "The output format: text (default), short, json, sarif, or github");
   addChoice<ColorMode>(*command, "--color", options.color,
                        {{"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}},
-                       "When to color the text: always, never, or auto (if not given): on a terminal without NO_COLOR");
-  addWarnings(*command, "--warn", options.warnings, "Give the warnings of this name; may be repeated");
-  addWarnings(*command, "--no-warn", options.noWarnings, "Do not give the warnings of this name; may be repeated");
+                       "When to use color: always, never, or auto (default): on a terminal, unless NO_COLOR is set");
+  addWarnings(*command, "--warn", options.warnings, "Enable the warnings with this name; repeatable");
+  addWarnings(*command, "--no-warn", options.noWarnings, "Disable the warnings with this name; repeatable");
   command->add_flag("--werror", options.warningsAreErrors, "Treat warnings as errors");
   addLoadOptions(*command, options.load);
   command->footer(std::string(checkFindings).append(warningList()).append(checkFooter));
@@ -239,11 +239,11 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
 }
 
 CLI::App* addExplain(CLI::App& tool, ExplainOptions& options) {
-  CLI::App* command = tool.add_subcommand("explain", "Explain a rule, by a wrong and a right example");
+  CLI::App* command = tool.add_subcommand("explain", "Explain a rule, with a wrong and a right example");
   command->add_option("RULE", options.what, "The name of a rule, or a finding as check prints it")->type_name("");
   addChoice<ExplainFormat>(*command, "--format", options.format,
                            {{"text", ExplainFormat::Text}, {"markdown", ExplainFormat::Markdown}},
-                           "How to print it: text (if not given) or markdown");
+                           "The output format: text (default) or markdown");
   command->footer(explainFooter);
   return command;
 }
@@ -252,7 +252,7 @@ CLI::App* addDump(CLI::App& tool, DumpOptions& options) {
   CLI::App* command = tool.add_subcommand("dump", "Print the element trees of a definition document");
   command->add_option("FILE", options.path, "A file, or - for standard input")->required()->type_name("");
   addChoice<DumpFormat>(*command, "--format", options.format, {{"json", DumpFormat::Json}, {"tree", DumpFormat::Tree}},
-                        "How to print the elements: json (if not given), or tree for people");
+                        "The output format: json (default), or tree for people");
   addLoadOptions(*command, options.load);
   command->footer(dumpFooter);
   return command;
@@ -262,15 +262,17 @@ CLI::App* addUnpack(CLI::App& tool, UnpackOptions& options) {
   CLI::App* command = tool.add_subcommand("unpack", "Print what a packed column holds");
   CLI::Option* file =
       command->add_option("FILE", options.path, "A file with one value, or - for standard input")->type_name("");
-  CLI::Option* hex =
-      command->add_option("--hex", options.hex, "One value in hexadecimal digits, or - when standard input holds them")
-          ->type_name("DIGITS")
-          ->excludes(file);
-  CLI::Option* database = command->add_option("--db", options.column.path, "An SQLite database with values in a column")
-                              ->type_name("FILE")
-                              ->excludes(file)
-                              ->excludes(hex);
-  CLI::Option* table = command->add_option("--table", options.column.table, "The table, or a view, that has the column")
+  CLI::Option* hex = command
+                         ->add_option("--hex", options.hex,
+                                      "One value in hexadecimal digits, or - to read the digits from standard input")
+                         ->type_name("DIGITS")
+                         ->excludes(file);
+  CLI::Option* database =
+      command->add_option("--db", options.column.path, "An SQLite database with packed values in a column")
+          ->type_name("FILE")
+          ->excludes(file)
+          ->excludes(hex);
+  CLI::Option* table = command->add_option("--table", options.column.table, "The table or view that has the column")
                            ->type_name("NAME")
                            ->needs(database);
   CLI::Option* column = command->add_option("--column", options.column.column, "The column with the values")
@@ -282,7 +284,7 @@ CLI::App* addUnpack(CLI::App& tool, UnpackOptions& options) {
   database->needs(table)->needs(column);
   addChoice<UnpackFormat>(*command, "--format", options.format,
                           {{"table", UnpackFormat::Table}, {"json", UnpackFormat::Json}},
-                          "How to print the values: table (if not given) or json");
+                          "The output format: table (default) or json");
   command->footer(unpackFooter);
   command->callback([=] {
     if (file->empty() && hex->empty() && database->empty()) throw CLI::RequiredError("FILE, --hex or --db");
@@ -300,15 +302,15 @@ CLI::App* addRun(CLI::App& tool, RunOptions& options) {
   CLI::Option* database = command->add_option("--db", options.database, "The database")->type_name("FILE");
   command
       ->add_option("--arguments", options.argumentsFile,
-                   "A JSON object with arguments, or - for standard input; those after METHOD count more")
+                   "A JSON object with arguments, or - for standard input; arguments after METHOD take precedence")
       ->type_name("FILE");
-  command->add_option("--table", options.table, "The table, for a method with assignedTable")->type_name("NAME");
+  command->add_option("--table", options.table, "The table for a method with assignedTable")->type_name("NAME");
   addChoice<RowFormat>(*command, "--format", options.format,
                        {{"table", RowFormat::Table}, {"json", RowFormat::Json}, {"csv", RowFormat::Csv}},
-                       "How to print the rows: table (if not given), json or csv");
+                       "The output format: table (default), json or csv");
   CLI::Option* printSql =
-      command->add_flag("--print-sql", options.printSql, "Print the SQL with its values, and run nothing");
-  command->add_flag("--write", options.write, "Let the method change data");
+      command->add_flag("--print-sql", options.printSql, "Print the SQL and its bound values without running it");
+  command->add_flag("--write", options.write, "Allow the method to change data");
   command->footer(runFooter);
   command->callback([=] {
     if (database->empty() && printSql->empty()) throw CLI::RequiredError("--db or --print-sql");
@@ -317,7 +319,7 @@ CLI::App* addRun(CLI::App& tool, RunOptions& options) {
 }
 
 CLI::App* addUpgrade(CLI::App& tool, UpgradeOptions& options) {
-  CLI::App* command = tool.add_subcommand("upgrade", "Lead an SQLite database to the newest version");
+  CLI::App* command = tool.add_subcommand("upgrade", "Upgrade an SQLite database to the newest version");
   command->add_option("PATH", options.definitions, "The definitions: a file, a directory, or - for standard input")
       ->required()
       ->type_name("");
@@ -327,7 +329,7 @@ CLI::App* addUpgrade(CLI::App& tool, UpgradeOptions& options) {
 }
 
 void addCompletion(CLI::App& tool, const Console& console) {
-  CLI::App* command = tool.add_subcommand("completion", "Print a script by which a shell completes korvex-dao");
+  CLI::App* command = tool.add_subcommand("completion", "Print a shell completion script for korvex-dao");
   Words shells;
   for (const auto& shell : completionWriters()) shells.push_back(shell.first);
   const std::string help = "The shell: " + joined(shells, ", ");
@@ -336,7 +338,7 @@ void addCompletion(CLI::App& tool, const Console& console) {
   command->callback([=, &tool] { completionWriters().at(shell->as<std::string>())(console.out, describe(tool)); });
 }
 
-// For those who build packages: hidden from the help.
+// For package builds; hidden from the help.
 void addManPage(CLI::App& tool, const Console& console) {
   CLI::App* command = tool.add_subcommand("man", "Print the manual page in roff")->group("");
   command->callback([&] { writeManPage(console.out, describe(tool)); });
@@ -347,11 +349,11 @@ CLI::App* addSchema(CLI::App& tool, SchemaOptions& options) {
   addChoice<schema::Format>(
       *command, "--format", options.format,
       {{"rnc", schema::Format::RelaxNgCompact}, {"rng", schema::Format::RelaxNg}, {"xsd", schema::Format::XmlSchema}},
-      "How to write the schema: rnc (if not given) or rng, which are RELAX NG, or xsd, XML Schema 1.0");
+      "The schema language: rnc (default) or rng for RELAX NG, xsd for XML Schema 1.0");
   const auto refused = [](const std::string& tag) {
     return schema::mayBeRoot(tag) ? std::string() : "a root cannot have the tag '" + tag + "'";
   };
-  command->add_option("--root", options.root, "The tag of the root; if not given, any, and for xsd korvex")
+  command->add_option("--root", options.root, "The root tag (default: any; korvex for xsd)")
       ->check(CLI::Validator(refused, ""))
       ->type_name("TAG");
   command->footer(schemaFooter);
@@ -360,9 +362,8 @@ CLI::App* addSchema(CLI::App& tool, SchemaOptions& options) {
 
 CLI::App* addLanguageServer(CLI::App& tool, LanguageServerOptions& options) {
   CLI::App* command = tool.add_subcommand("lsp", "Serve an editor as a language server");
-  command->add_flag("--stdio")->description("What it does in any case; many editors pass it");
-  command
-      ->add_option("--max-bytes", options.maximumBytes, "The largest message to read, in bytes; 67108864 if not given")
+  command->add_flag("--stdio")->description("Accepted for compatibility; standard input and output are always used");
+  command->add_option("--max-bytes", options.maximumBytes, "The maximum size of a message in bytes (default: 67108864)")
       ->check(CLI::Range(std::size_t{1}, std::numeric_limits<std::size_t>::max() / 2).description(""))
       ->type_name("N");
   command->footer(lspFooter);
@@ -370,7 +371,7 @@ CLI::App* addLanguageServer(CLI::App& tool, LanguageServerOptions& options) {
 }
 
 ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console) {
-  CLI::App tool("Checks and shows mapping definitions of a data-access library, and its packed columns.", "korvex-dao");
+  CLI::App tool("Checks, shows and runs SQL methods defined in XML, and decodes packed columns.", "korvex-dao");
   tool.set_version_flag("--version", "korvex-dao " KORVEX_VERSION, "Print the version and exit");
   tool.require_subcommand(1);
   tool.footer(generalFooter);
@@ -393,7 +394,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   addCompletion(tool, console);
   addManPage(tool, console);
   try {
-    std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+    std::reverse(arguments.begin(), arguments.end());  // CLI11 expects them in reverse order
     tool.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
     return tool.exit(error, console.out, console.err) == 0 ? ExitCodeNothingFound : ExitCodeTrouble;
@@ -406,7 +407,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   if (schema->parsed()) return runSchema(schemaOptions, console);
   if (server->parsed()) return runLanguageServer(serverOptions, console);
   if (unpack->parsed()) return runUnpack(unpackOptions, console);
-  return ExitCodeNothingFound;  // the others have run while they were parsed
+  return ExitCodeNothingFound;  // the other commands have run as callbacks during parsing
 }
 
 ExitCode flushed(const Console& console, ExitCode code) {
