@@ -2,8 +2,11 @@
 // deliver, links inside a tree, and trees built on several threads.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <thread>
 
+#include "dao/core/Arena.h"
 #include "korvex/MappingSequence.h"
 #include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOElement.h"
@@ -210,6 +213,14 @@ TEST(MappingSequence, CountsUp) {
   EXPECT_EQ(GetQXDAOMappingSequence(), 0);
   IncreaseQXDAOMappingSequence();
   EXPECT_EQ(GetQXDAOMappingSequence(), 1);
+}
+
+TEST(Arena, ObjectsAreAligned) {
+  Arena arena(64);
+  for (std::size_t count = 1; count < 1000; ++count) {
+    std::fill_n(arena.allocateCharacters(count), count, 'x');
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(arena.allocate(8)) % Arena::alignment, 0U) << count;
+  }
 }
 
 }  // namespace

@@ -251,6 +251,10 @@ TEST(Pack, NamesTooLongForARecordAreNeverPacked) {
   object.a = true;
   pack->unpackWithObject(&object, value);
   EXPECT_FALSE(object.a);
+  std::string other = LongNames::fits;
+  other.back() = '!';
+  pack->unpackWithObject(&object, bytes(record(other, "0100", "01")));
+  EXPECT_FALSE(object.a);
   // The name of a field in the attributes goes from the first ",V" to the next comma.
   object.b = false;
   EXPECT_EQ(hex(*packOf("cut,nothing")->packWithObject(&object)), record("cut", "0100", "01"));
@@ -285,6 +289,10 @@ TEST(Pack, TextsLongerThanTheValue) {
       EXPECT_EQ(person.nickname, std::nullopt);
     }
   }
+  AllTypes object;
+  const std::string text = record("text", "FFFF", "0100000041");
+  packOf("plain,text")->unpackWithObject(&object, bytes(record("plain", "FFFF", "FF000000" + text)));
+  EXPECT_EQ(object.text, std::nullopt);
 }
 
 TEST(Pack, LongValues) {

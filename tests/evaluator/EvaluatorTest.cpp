@@ -31,7 +31,10 @@ TEST(Evaluator, RefusesLookalikes) {
     const std::string text = "'" + std::string(character) + "'";
     EXPECT_EQ(tokens(text), "s:" + text);
   }
-  for (const char* name : {"größe", "имя", "名前", "α", "नाम", "\U00020000", "é.ñ"}) {
+  for (const char* end : {"\u00F7", "\u180B", "\u2BFF", "\uFE20", "\uFFA0", "\xE0\x9F\xBF", "\xF4\x90\x80\x80"}) {
+    EXPECT_EQ(tokens(end), "") << end;  // of a range, or of what UTF-8 has a form for
+  }
+  for (const char* name : {"größe", "имя", "名前", "α", "नाम", "\U00020000", "\uFE10", "\u2C00", "é.ñ"}) {
     EXPECT_EQ(tokens(name), std::string("n:") + name);
   }
 }

@@ -265,6 +265,7 @@ TEST(Document, FaultsInTagsAreExplained) {
            "'<' is not allowed in the value of 'true', opened on line 1, before its closing quote; write &lt;", 2, 4},
           {"<a / b='1'>", "'/' in a tag stands only before '>'", 1, 5},
           {"<a b='1' “/>", "unexpected '“'", 1, 10},
+          {"<a b='1'='2'/>", "unexpected '='", 1, 9},
           {"<a b='x\xE9'/>",
            "not valid UTF-8; save the file as UTF-8, or declare what it is, such as "
            "encoding=\"ISO-8859-1\"",

@@ -41,6 +41,7 @@ TEST(TagReader, TellsWhatATagHoldsAndWhereItStops) {
       {"<a b=", "a|b#", EqualsSign},
       {"<a b = ", "a|b#", EqualsSign},
       {"<a b=<c>", "a|b#<c>", EqualsSign},
+      {"<a b=c", "a|b=c#", Value},
       {"<a b='", "a|b=#", OpenValue},
       {"<a b='c> <d", "a|b=c> #<d", OpenValue},
       {"<a b='\"'", "a|b=\"#", Value},
