@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-// Two bytes a character: a byte order mark, or a zero byte beside the first character.
+// Two bytes per character: a byte order mark, or a first character with a zero byte.
 bool looksLikeUTF16(std::string_view bytes) {
   const std::string_view first = bytes.substr(0, 2);
   return first == "\xFE\xFF" || first == "\xFF\xFE" || first.find('\0') != std::string_view::npos;
@@ -30,8 +30,8 @@ void skipWhiteSpace(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(xmlWhiteSpace), text.size()));
 }
 
-// Whether an XML declaration leaves it at UTF-8. What it says in an unusual way counts as another
-// encoding: then the parser has the last word.
+// Whether the XML declaration, if any, leaves the encoding at UTF-8. An unusually written declaration counts as
+// another encoding; the parser then decides.
 bool declaresUTF8(std::string_view declaration) {
   constexpr std::string_view keyword = "encoding";
   const std::size_t at = declaration.find(keyword);
@@ -48,16 +48,16 @@ bool declaresUTF8(std::string_view declaration) {
 bool isUTF8(std::string_view bytes) {
   if (looksLikeUTF16(bytes)) return false;
   if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
-  // A second mark is no character of a document; the parser says so.
+  // A second byte order mark is not allowed; the parser reports it.
   return !bytes.starts_with(byteOrderMark) && declaresUTF8(xmlDeclaration(bytes));
 }
 
-// The markup of a document as the parser hands it on, which is always in UTF-8.
+// The markup of a document as the parser returns it, always in UTF-8.
 void XMLCALL appendMarkup(void* text, const XML_Char* markup, int length) {
   static_cast<std::string*>(text)->append(markup, static_cast<std::size_t>(length));
 }
 
-// The text cannot be shown here, so the parser's own line and column have to do.
+// The text is not available here, so the position is the parser's own.
 DocumentError errorOf(const ExpatParser& parser) {
   if (isOutOfMemory(parser)) return documentError(DocumentRule::OutOfMemory);
   const XMLPosition position{XML_GetCurrentLineNumber(parser.get()), XML_GetCurrentColumnNumber(parser.get()) + 1};
@@ -66,11 +66,11 @@ DocumentError errorOf(const ExpatParser& parser) {
   return documentError(DocumentRule::NotWellFormed, {XML_ErrorString(code)}, position);
 }
 
-// A parser that has nothing but a default handler gives the document back as it is, in UTF-8.
+// A parser with only a default handler returns the document unchanged, in UTF-8.
 DecodedText convertedText(std::string_view bytes) {
   constexpr std::size_t maxGrowth = 2;  // ISO-8859-1: a byte becomes two
   DecodedText decoded;
-  decoded.text.reserve(maxGrowth * bytes.size());  // now, and not in the parser's handler
+  decoded.text.reserve(maxGrowth * bytes.size());  // here, so that the parser's handler does not allocate
   const ExpatParser parser(XML_ParserCreate(nullptr));
   XML_SetUserData(parser.get(), &decoded.text);
   XML_SetDefaultHandler(parser.get(), appendMarkup);

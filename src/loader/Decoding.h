@@ -13,9 +13,8 @@ struct DecodedText {
   std::optional<DocumentError> error;
 };
 
-// Bytes that are UTF-8, as they are without a word to the contrary, are handed on unchecked. UTF-16,
-// ISO-8859-1 and US-ASCII are recognised by their first bytes or by the XML declaration and
-// converted; other encodings are refused, and so is what is malformed in a converted document.
+// UTF-8, the default, is returned unchecked. UTF-16, ISO-8859-1 and US-ASCII are recognised by the first bytes or the
+// XML declaration, and converted. Other encodings are rejected, and so are malformed documents that need conversion.
 [[nodiscard]] DecodedText decodedText(std::string bytes);
 
 }  // namespace korvex

@@ -18,7 +18,7 @@ constexpr std::size_t usualTreeSize = 1024;
 }  // namespace
 
 struct DefinitionIndex::Entry {
-  Definition definition;  // its node from the beginning, the rest once built
+  Definition definition;  // the node is set from the start, the rest once it is built
   std::once_flag built;
 };
 

@@ -1,4 +1,4 @@
-// Which nodes of a document are definitions, and how one is built.
+// Finds the definitions among the nodes of a document, and builds them.
 #pragma once
 
 #include <algorithm>
@@ -30,12 +30,12 @@ void forEachDefinition(const Document& document, Take take) {
   }
 }
 
-// No less than the number of definitions.
+// An upper bound for the number of definitions.
 [[nodiscard]] inline std::size_t maxDefinitions(const Document& document) {
   return std::max<std::size_t>(1, document.root().childCount());
 }
 
-// Builds or refuses the definition of definition.xml, in the memory of an arena.
+// Builds or rejects the definition at definition.xml, in the memory of an arena.
 inline void build(Definition& definition, Arena& arena) {
   std::optional<QXDAOError> error;
   definition.element = Building::tree(arena, definition.xml, &error);

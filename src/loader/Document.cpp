@@ -32,14 +32,14 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-// The size of a regular file, so that its text can be given memory in one piece; 0 where it is not known.
+// The size of a regular file, to allocate its text at once; 0 if it is unknown.
 std::size_t expectedSize(const std::string& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   return error ? 0 : static_cast<std::size_t>(size);
 }
 
-// Appends what the file holds, but not much more than `limit` bytes.
+// Appends the content of the file, but not much more than `limit` bytes.
 void readBytes(const File& file, std::size_t limit, std::string& bytes) {
   std::array<char, 65536> chunk{};
   std::size_t count = chunk.size();
@@ -72,8 +72,8 @@ class Document::Implementation {
   [[nodiscard]] const std::shared_ptr<const SourceText>& source() const { return _source; }
 
  private:
-  // The strict parser judges, and explains, whatever the fast one refuses or the quick check leaves open. Its rules for
-  // a DOCTYPE hold for every document.
+  // The strict parser decides, and explains, whatever the fast one rejects or the quick check leaves open. Its rules
+  // for a DOCTYPE apply to every document.
   std::optional<DocumentError> build(const LoadOptions& options) {
     std::optional<DocumentError> error = _tree.parse(options);
     const bool parsed = !error;

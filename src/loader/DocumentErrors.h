@@ -1,4 +1,4 @@
-// The reasons for having no document: the kind of each, and its message.
+// The rules that make a document unusable, with the kind and message of each.
 #pragma once
 
 #include <array>
@@ -94,7 +94,7 @@ inline constexpr std::array<DocumentRuleText, 51> texts = {{
   return *rowWith(DocumentRules::texts, &DocumentRuleText::rule, rule);
 }
 
-// The message of a rule, its places filled with the details in their order.
+// The message of a rule, with the details filled in, in order.
 [[nodiscard]] KORVEX_EXPORT std::string documentMessage(DocumentRule rule,
                                                         std::initializer_list<std::string_view> details = {});
 

@@ -56,7 +56,7 @@ void ExpansionBound::endRun() {
 std::optional<DocumentError> findOversizedExpansion(const XMLNode& root, const SourceText& source,
                                                     const LoadOptions& options) {
   std::size_t length = 0;
-  std::vector<XMLNode> elements = {root};  // those that are still to be looked at, the next one last
+  std::vector<XMLNode> elements = {root};  // still to be visited, the next one last
   while (!elements.empty()) {
     const XMLNode element = elements.back();
     elements.pop_back();

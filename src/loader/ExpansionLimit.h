@@ -1,5 +1,5 @@
-// Refuses documents whose list references would expand to more than the options allow, before
-// anything is expanded: 120 KB of text can stand for gigabytes.
+// Rejects documents whose list references would expand to more than the options allow, before anything is expanded:
+// 120 KB of text can expand to gigabytes.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@
 
 namespace korvex {
 
-// A bound that the expanded texts of a document cannot exceed, cheap enough to be worked out for
-// each document. Texts that may be joined, since nothing but comments stands between them, make a run.
+// An upper bound for the expanded size of a document's texts, cheap enough to compute for every document. Texts that
+// may be joined, because only comments separate them, form a run.
 class ExpansionBound {
  public:
   void addText(std::string_view text);
@@ -23,14 +23,14 @@ class ExpansionBound {
 
  private:
   std::size_t _bytes = 0;
-  // Of the run so far, from its first "%" on.
+  // For the run so far, from its first "%" on.
   bool _holdsSymbol = false;
   std::size_t _runLength = 0;
   std::size_t _runMarks = 0;
 };
 
-// What the texts below an element that hold a "%" expand to, against the limit. For documents
-// whose bound is above it.
+// Compares the exact expanded size of all texts with a "%" below an element with the limit. For documents whose bound
+// exceeds the limit.
 [[nodiscard]] std::optional<DocumentError> findOversizedExpansion(const XMLNode& root, const SourceText& source,
                                                                   const LoadOptions& options);
 

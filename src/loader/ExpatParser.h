@@ -14,18 +14,18 @@ struct ExpatParserDeleter {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
 
-// Null when there was no memory for it: Expat's functions take that too, and parsing fails at once.
+// Null if it could not be allocated. Expat's functions accept null; parsing then fails at once.
 using ExpatParser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ExpatParserDeleter>;
 
-// Whether that is why parsing failed.
+// Whether parsing failed for lack of memory.
 [[nodiscard]] inline bool isOutOfMemory(const ExpatParser& parser) {
   return !parser || XML_GetErrorCode(parser.get()) == XML_ERROR_NO_MEMORY;
 }
 
-// Has the parser read a whole document. False when it failed or was stopped; its error code and its
-// current byte index tell more then.
+// Parses a whole document. False if parsing failed or was stopped; the parser's error code and byte index then give
+// the details.
 [[nodiscard]] inline bool parseWhole(const ExpatParser& parser, std::string_view document) {
-  // In one piece it is fastest, but the parser's interface counts in int, and its buffer doubles.
+  // One piece is fastest, but the parser's interface counts in int, and its buffer doubles.
   constexpr std::size_t pieceLength = std::size_t{1} << 28U;
   bool last = false;
   while (!last) {
@@ -38,7 +38,7 @@ using ExpatParser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ExpatPars
   return true;
 }
 
-// The byte offset in the document where the parser stands.
+// The parser's byte offset in the document.
 [[nodiscard]] inline std::size_t currentOffset(const ExpatParser& parser) {
   const XML_Index index = XML_GetCurrentByteIndex(parser.get());
   return index < 0 ? 0 : static_cast<std::size_t>(index);

@@ -34,12 +34,12 @@ XMLTree::AttributeHandle handleOf(pugi::xml_attribute attribute) {
 
 struct NodeType {
   XMLNodeKind kind;
-  bool named;           // whether its place is told by its name, else by its value
+  bool named;           // whether its position is that of its name, otherwise that of its value
   std::size_t opening;  // the length of the markup before that
 };
 
-// By pugi::xml_node_type. The kind of a DOCTYPE is that of the DOM; null and document nodes and
-// declarations are never handed out.
+// By pugi::xml_node_type. The kind of a DOCTYPE is that of the DOM. Null nodes, document nodes and declarations are
+// never exposed.
 constexpr std::array<NodeType, 9> nodeTypes{{
     {XMLNodeKind{}, false, 0},                                                  // null
     {XMLNodeKind{9}, false, 0},                                                 // document
@@ -64,7 +64,7 @@ bool isWhiteSpace(const char* text) {
   return *text == '\0';
 }
 
-// White space as a parser hands it on: each line end is a line feed.
+// White space as a parser returns it: each line end is a line feed.
 std::string withLineFeeds(std::string_view text) {
   std::string result;
   for (std::size_t at = 0; at < text.size(); ++at) {
@@ -79,7 +79,7 @@ std::string withLineFeeds(std::string_view text) {
 std::optional<DocumentError> PugiTree::parse(const LoadOptions& options) {
   _holdsCDATA = _buffer.find("![CDATA[") != std::string::npos;
   const unsigned flags = options.keepWhiteSpaceText ? parseFlags | pugi::parse_ws_pcdata : parseFlags;
-  // The string's own zero at the end is part of the buffer: the parser wants to write one there.
+  // The buffer includes the string's terminating zero, because the parser writes one there.
   const pugi::xml_parse_result result =
       _document.load_buffer_inplace(_buffer.data(), _buffer.size() + 1, flags, pugi::encoding_utf8);
   if (result) {
@@ -102,8 +102,8 @@ std::optional<DocumentError> PugiTree::arrange(const LoadOptions& options) {
   std::size_t depth = 0;
   pugi::xml_node parent = _document.root();
   pugi::xml_node node = parent.first_child();
-  // One way through all nodes in document order, without recursion: a document may be nested more
-  // deeply than the stack allows.
+  // One pass over all nodes in document order, without recursion: a document may be nested more deeply than the stack
+  // allows.
   while (node || depth > 0) {
     if (!node) {
       _expansionBound.endRun();
@@ -177,7 +177,7 @@ void PugiTree::finishText(pugi::xml_node text, bool keepWhiteSpace) {
   if (keepWhiteSpace ? *value == '\0' : isWhiteSpace(value)) text.parent().remove_child(text);
 }
 
-// Where white space alone counts, the parser has made texts of it.
+// If white-space-only text is kept, the parser has already created text nodes for it.
 std::string_view PugiTree::whiteSpaceBefore(std::size_t offset, bool parsed) const {
   const std::string_view before = _source.text().substr(0, parsed ? 0 : offset);
   return before.substr(before.find_last_not_of(xmlWhiteSpace) + 1);
@@ -201,7 +201,7 @@ XMLNodeKind PugiTree::kind(NodeHandle node) const { return typeOf(nodeOf(node)).
 
 OptionalStringView PugiTree::name(NodeHandle node) const {
   const char* name = nodeOf(node).name();
-  if (*name == '\0') return std::nullopt;  // only a node of a kind that has no name
+  if (*name == '\0') return std::nullopt;  // the kind of the node has no name
   return name;
 }
 

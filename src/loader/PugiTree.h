@@ -1,4 +1,4 @@
-// The document tree as pugixml keeps it, put into the shape that the elements read.
+// The document tree of pugixml, rearranged for the elements.
 #pragma once
 
 #include <optional>
@@ -17,23 +17,22 @@
 
 namespace korvex {
 
-// Handles are pugixml's own. Stays where it is built, since its nodes point into it; the text must
-// outlive it.
+// Handles are pugixml's own. It cannot be moved, because its nodes point into it. The text must outlive it.
 class PugiTree final : public XMLTree {
  public:
   explicit PugiTree(const SourceText& source) : _source(source), _buffer(source.text()) {}
   PugiTree(const PugiTree&) = delete;
   PugiTree& operator=(const PugiTree&) = delete;
 
-  // Parses the text. Much that is not well-formed is accepted.
+  // Parses the text. Accepts many documents that are not well-formed.
   [[nodiscard]] std::optional<DocumentError> parse(const LoadOptions& options);
-  // Whether the text that was parsed and arranged is certainly well-formed. False leaves it open. Once, and only when
-  // the options were strict.
+  // Whether the parsed and arranged text is certainly well-formed; false means that it is unknown. Call it once, and
+  // only with strict options.
   [[nodiscard]] bool isSurelyWellFormed() { return _wellFormedness && _wellFormedness->isCertain(_document); }
-  // Whether the DOCTYPE has declarations of its own.
+  // Whether the DOCTYPE has an internal subset.
   [[nodiscard]] bool hasInternalSubset() const;
-  // Makes each run of text and CDATA between other markup one text node, takes away those of white
-  // space only, and refuses elements that are nested too deeply and texts that expand to too much.
+  // Merges each run of text and CDATA into one text node, removes white-space-only text, and rejects elements that are
+  // nested too deeply and texts whose expansion is too large.
   [[nodiscard]] std::optional<DocumentError> arrange(const LoadOptions& options);
 
   // The root element, once parsed.
@@ -55,33 +54,33 @@ class PugiTree final : public XMLTree {
   [[nodiscard]] std::size_t readAttributes(AttributeHandle& next, Attribute* result, std::size_t room) const override;
 
  private:
-  // The element's own share in the bound: that of a constant's text, which is an attribute.
+  // Adds the element's own part of the bound: the text of a constant, which is an attribute.
   void boundExpansionOf(pugi::xml_node element, std::size_t depth);
   void checkWellFormedness(pugi::xml_node node) {
     if (_wellFormedness) _wellFormedness->add(node);
   }
-  // Both give the node that comes after in the same element.
+  // Both return the next node in the same element.
   [[nodiscard]] pugi::xml_node arrangeText(pugi::xml_node text, bool keepWhiteSpace);
-  // Joins a run of texts with CDATA in it, and the white space around the CDATA. That alone is no
-  // text to the parser unless it is asked for all of it, which costs much more.
+  // Joins a run of texts and CDATA, including white space around the CDATA. The parser drops such white space unless it
+  // keeps all white space, which is much slower.
   [[nodiscard]] pugi::xml_node arrangeRun(pugi::xml_node first, bool keepWhiteSpace);
   void finishText(pugi::xml_node text, bool keepWhiteSpace);
-  // The white space that ends or begins at an offset of the source; none when it was parsed as text.
+  // The white space that ends or begins at an offset of the source; empty if it was parsed as text.
   [[nodiscard]] std::string_view whiteSpaceBefore(std::size_t offset, bool parsed) const;
   [[nodiscard]] std::string_view whiteSpaceAfter(std::size_t offset, bool parsed) const;
   [[nodiscard]] DocumentError tooDeep(pugi::xml_node element, const LoadOptions& options) const;
-  // Where in the text a name or a value was parsed, and where the markup of a node begins.
+  // The offset in the text of a parsed name or value, and of the markup of a node.
   [[nodiscard]] std::size_t offsetOf(const char* parsed) const;
   [[nodiscard]] std::size_t offsetOf(pugi::xml_node node) const;
 
   const SourceText& _source;
-  std::string _buffer;  // parsed in place: names and values of the tree are pieces of it
+  std::string _buffer;  // parsed in place: names and values of the tree point into it
   pugi::xml_document _document;
-  std::optional<WellFormedness> _wellFormedness;  // looked at while the tree is arranged
-  bool _holdsCDATA = false;                       // without any, no two texts are neighbours
-  // Where texts begin that were joined, whose values are not in the buffer any more.
+  std::optional<WellFormedness> _wellFormedness;  // checked while the tree is arranged
+  bool _holdsCDATA = false;                       // without CDATA, no two texts are adjacent
+  // The offsets of joined texts, whose values are no longer in the buffer.
   std::unordered_map<NodeHandle, std::size_t> _joinedTexts;
-  bool _outOfMemory = false;  // a joined text could not be kept
+  bool _outOfMemory = false;  // a joined text could not be stored
   ExpansionBound _expansionBound;
 };
 

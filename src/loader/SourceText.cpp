@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t blockLength = 1024;
 
-// Every byte but those that continue a UTF-8 character.
+// Every byte except UTF-8 continuation bytes.
 std::size_t characterCount(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), std::not_fn(continuesCharacter)));
 }
@@ -20,13 +20,13 @@ std::size_t characterCount(std::string_view text) {
 // The offset after the line end that begins at `at`.
 std::size_t afterLineEnd(std::string_view text, std::size_t at) { return at + (text.substr(at, 2) == "\r\n" ? 2 : 1); }
 
-// Finds the line ends one after the other. Each of the two characters is sought by itself, and
-// only as often as it occurs: that is much faster than looking for either of them.
+// Finds the line ends in order. It searches for each of the two characters separately, and only as often as it occurs,
+// which is much faster than searching for either.
 class LineEnds {
  public:
   explicit LineEnds(std::string_view text) : _text(text), _feed(text.find('\n')), _return(text.find('\r')) {}
 
-  // The offset of the first line end at or after `from`, which only grows; npos when there is none.
+  // The offset of the first line end at or after `from`, which must not decrease between calls; npos if there is none.
   std::size_t next(std::size_t from) {
     if (_feed < from) _feed = _text.find('\n', from);
     if (_return < from) _return = _text.find('\r', from);

@@ -13,7 +13,7 @@ namespace korvex {
 
 namespace {
 
-// One pass over a text. No handler is called for ordinary markup: each would slow the parser down.
+// One pass over a text, without handlers for ordinary markup, which would slow the parser down.
 class StrictPass {
  public:
   explicit StrictPass(const SourceText& source) : _source(source), _parser(XML_ParserCreate("UTF-8")) {
@@ -32,7 +32,7 @@ class StrictPass {
   }
 
  private:
-  // Handlers allocate nothing: what they threw would have to pass through the parser.
+  // Handlers do not allocate: an exception would have to propagate through the parser.
   struct Refusal {
     DocumentRule rule;
     std::size_t offset;
@@ -53,7 +53,7 @@ class StrictPass {
     XML_StopParser(_parser.get(), XML_FALSE);
   }
 
-  // The parser stands somewhere after the keyword that begins the declaration.
+  // The parser's position is somewhere after the keyword of the declaration.
   void refuseDeclaration(std::string_view keyword, DocumentRule rule) {
     refuse({rule, text().rfind(keyword, offset())});
   }
@@ -71,8 +71,8 @@ class StrictPass {
     self(userData).refuseDeclaration("<!ATTLIST", DocumentRule::AttributeListDeclaration);
   }
 
-  // Called where something outside the document may declare entities. From there on the parser
-  // passes over references to unknown ones, and tells of those in text alone.
+  // Called if something outside the document may declare entities. From then on, the parser skips references to unknown
+  // entities, and reports only those in text.
   static int XMLCALL expectUnknownReferences(void* userData) {
     StrictPass& pass = self(userData);
     if (pass.text().substr(pass.offset()).starts_with('%')) {

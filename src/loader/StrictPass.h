@@ -1,4 +1,4 @@
-// The rules of XML that a fast parser does not check.
+// The rules of XML that the fast parser does not check.
 #pragma once
 
 #include <optional>
@@ -8,10 +8,9 @@
 
 namespace korvex {
 
-// Reads the whole text by a strict parser and tells the first thing that is not well-formed, or
-// nothing. Also refused is what would let a DOCTYPE change the tree: declarations of entities and
-// of attributes, and references to entities that only an external DTD could declare. No external
-// DTD or entity is ever loaded.
+// Parses the whole text with a strict parser and returns the first violation of well-formedness, if any. Also rejects
+// what would let a DOCTYPE change the tree: declarations of entities and attributes, and references to entities that
+// only an external DTD could declare. External DTDs and entities are never loaded.
 [[nodiscard]] std::optional<DocumentError> findSyntaxError(const SourceText& source);
 
 }  // namespace korvex

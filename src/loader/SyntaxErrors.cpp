@@ -29,8 +29,8 @@ bool standsBefore(std::string_view text, std::size_t offset, std::string_view wh
 // ---------------------------------------------------------------------------------------------
 // Tags that do not match
 
-// Follows the tags of a document up to the point where the parser fails: first only how deep they are nested, then,
-// with room for their places made, the tags themselves.
+// Follows the tags of a document up to the point where the parser fails. The first pass only measures the nesting; the
+// second one records the tags, in memory that is allocated in between.
 class OpenTags {
  public:
   explicit OpenTags(std::string_view text) {
@@ -72,7 +72,7 @@ class OpenTags {
   std::vector<std::size_t> _offsets;
 };
 
-// Of the element whose start tag stands at `offset`.
+// For the element whose start tag is at `offset`.
 std::string_view elementNameAt(const SourceText& source, std::size_t offset) {
   return nameAt(source.text(), offset + 1);
 }
@@ -153,12 +153,12 @@ SyntaxError duplicateAttribute(const SourceText& source, std::size_t offset) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// Characters that are out of place. Each rule looks at the character where the parser stopped and
-// at what stands before it, and tells nothing where it does not apply.
+// Misplaced characters. Each rule examines the character where the parser stopped and the text before it, and returns
+// nothing if it does not apply.
 
 using Explanation = std::optional<SyntaxError>;
 
-// The character at an offset; empty when the bytes there are none.
+// The character at an offset; empty if the bytes there are not UTF-8.
 std::string_view characterAt(std::string_view text, std::size_t offset) {
   constexpr std::size_t longest = 4;
   for (std::size_t length = 1; length <= longest; ++length) {
@@ -182,14 +182,14 @@ Explanation invalidUTF8(std::string_view text, std::size_t offset) {
   return SyntaxError{DocumentRule::InvalidUTF8, offset};
 }
 
-// The two that are no characters and that XML excludes; printed as they are, nobody would see them.
+// U+FFFE and U+FFFF, which XML excludes. They are invisible when printed.
 Explanation noncharacter(std::string_view text, std::size_t offset) {
   const std::string_view character = characterAt(text, offset);
   if (character != "\uFFFE" && character != "\uFFFF") return std::nullopt;
   return SyntaxError{DocumentRule::Noncharacter, offset, {character == "\uFFFE" ? "FFFE" : "FFFF"}};
 }
 
-// An "&" that begins no reference, with what could be its name between it and the offset.
+// An "&" that does not begin a reference, with a possible name between it and the offset.
 Explanation bareAmpersand(std::string_view text, std::size_t offset) {
   const std::size_t at = text.substr(0, offset).find_last_of(xmlNameEnds);
   if (at == npos || text[at] != '&') return std::nullopt;
@@ -223,7 +223,7 @@ Explanation dashesInComment(std::string_view text, std::size_t offset) {
 }
 
 using Rule = Explanation (*)(std::string_view, std::size_t);
-// Those that hold in tags, too, and those that do not.
+// The rules that also apply in tags, and those that do not.
 constexpr std::array<Rule, 4> rulesEverywhere{controlCharacter, invalidUTF8, noncharacter, bareAmpersand};
 constexpr std::array<Rule, 5> rulesOutsideTags{bareLessThan, misplacedLessThan, sectionEndInText, dashesInComment,
                                                misplacedWhiteSpace};
@@ -236,7 +236,7 @@ Explanation firstThatApplies(const std::array<Rule, count>& rules, std::string_v
   return std::nullopt;
 }
 
-// Finds where the markup begins that the parser stops in: a default handler is handed all before it, piece by piece.
+// Finds the start of the markup in which the parser stops: a default handler receives everything before it, in pieces.
 class LastMarkup {
  public:
   explicit LastMarkup(std::string_view text) : _parser(XML_ParserCreate("UTF-8")) {

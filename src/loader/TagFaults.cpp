@@ -14,13 +14,13 @@ namespace korvex {
 
 namespace {
 
-// A fault, with what is needed to explain it.
+// A fault, with the data that explanations need.
 struct TagFault {
   const Tag& tag;
   std::string_view name;
   std::string_view attribute;  // the name of the last one
-  std::string_view value;      // its value as far as it goes, without quotes
-  std::string_view rest;       // of the text, from the character that is out of place
+  std::string_view value;      // its value so far, without quotes
+  std::string_view rest;       // of the text, from the misplaced character
   std::size_t offset;          // of that character
   std::string line;            // where the tag begins
   std::string valueLine;       // where the last value begins
@@ -63,7 +63,7 @@ TagExplanation beforeValue(const TagFault& fault) {
   return aboutAttribute(fault, typographic ? DocumentRule::TypographicQuotes : DocumentRule::MissingQuotes);
 }
 
-// A "<" in a value is either meant, or the next tag after a value without an end.
+// A "<" in a value is either intended, or begins the next tag after an unclosed value.
 TagExplanation inValue(const TagFault& fault) {
   if (fault.rest.front() != '<') return std::nullopt;
   const bool wentOn = fault.value.find_first_of(">\n\r") != std::string_view::npos;
@@ -74,7 +74,7 @@ TagExplanation inValue(const TagFault& fault) {
   return aboutAttribute(fault, DocumentRule::LessThanInValue);
 }
 
-// Where the quote that closes a value is missing, the next one that opens a value closes it.
+// If a closing quote is missing, the opening quote of the next value closes the value.
 TagExplanation afterValue(const TagFault& fault) {
   if (fault.value.ends_with('=')) return aboutOpenValue(fault, DocumentRule::MissingClosingQuote);
   if (isIn(",;", fault.rest.front()))

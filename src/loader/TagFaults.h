@@ -1,4 +1,4 @@
-// What is wrong in a tag that stops in the middle.
+// Explains faults inside a tag.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,8 @@
 
 namespace korvex {
 
-// Explains the character at `offset`, which is out of place in the markup that begins at `start` and is right up to
-// there. Nothing when that is no tag, or when the character tells nothing of what was meant.
+// Explains the misplaced character at `offset` in the markup that begins at `start`; the markup before it is correct.
+// Empty if the markup is not a tag, or if the character does not suggest what was intended.
 [[nodiscard]] std::optional<SyntaxError> faultInTag(const SourceText& source, std::size_t start, std::size_t offset);
 
 }  // namespace korvex

@@ -28,7 +28,7 @@ struct Alphabet {
   bool isASCII;
 };
 
-// Bytes are gathered in bytes, without a branch: compilers then take many at once.
+// Accumulates into bytes without a branch, so that compilers can vectorise the loop.
 Alphabet alphabetOf(std::string_view text) {
   std::uint8_t controls = 0;
   std::uint8_t bits = 0;
@@ -61,7 +61,7 @@ std::optional<std::uint32_t> digitOf(char character, std::uint32_t base) {
   return std::nullopt;
 }
 
-// Of a text that follows "&#".
+// For the text after "&#".
 bool beginsWithCharacterNumber(std::string_view text) {
   constexpr std::size_t maxDigits = 7;
   const std::uint32_t base = text.starts_with('x') ? 16 : 10;
@@ -77,7 +77,7 @@ bool beginsWithCharacterNumber(std::string_view text) {
   return digits > 0 && text.substr(digits).starts_with(';') && isCharacter(code);
 }
 
-// Of a text that follows "&".
+// For the text after "&".
 bool beginsWithReference(std::string_view text) {
   constexpr std::array<std::string_view, 5> entities = {"lt;", "gt;", "amp;", "quot;", "apos;"};
   if (text.starts_with('#')) return beginsWithCharacterNumber(text.substr(1));
@@ -93,7 +93,7 @@ bool referencesAreSound(std::string_view text) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// What is counted in the whole text
+// Counts over the whole text
 
 // The length of the XML declaration that a text begins with: 0 without one, absent for an unusual one.
 std::optional<std::size_t> lengthOfDeclaration(std::string_view text) {
@@ -110,7 +110,7 @@ std::optional<std::size_t> lengthOfDeclaration(std::string_view text) {
   return found->size();
 }
 
-// A node whose content is no markup.
+// A node whose content is not parsed as markup.
 struct LiteralType {
   std::size_t opening;  // the length of the markup before the content, or before the name of an instruction
   std::string_view end;
@@ -133,7 +133,7 @@ std::size_t countOfSectionEnds(std::string_view text) {
   return count;
 }
 
-// Looks for the rarer of the two characters.
+// Searches for the rarer of the two characters.
 std::size_t countOfInstructionOpenings(std::string_view text) {
   std::size_t count = 0;
   for (std::size_t at = text.find('?', 1); at != notFound; at = text.find('?', at + 1)) {
@@ -203,7 +203,7 @@ bool WellFormedness::attributesAreSound(pugi::xml_node element) const {
   return true;
 }
 
-// A "<" may only be written as a reference. What was decoded tells where to look at what was written.
+// A "<" may only be written as a reference. Only values with a decoded "<" need a look at the source.
 bool WellFormedness::valueIsSound(const char* value) const {
   if (!std::strchr(value, '<')) return true;
   const std::size_t begin = offsetOf(value);
@@ -217,7 +217,7 @@ bool WellFormedness::isCertain(const pugi::xml_document& document) {
          surroundingsAreSound(document);
 }
 
-// Around the root element there is white space alone, and before it also comments and instructions.
+// Only white space may surround the root element; comments and instructions may precede it.
 bool WellFormedness::surroundingsAreSound(const pugi::xml_document& document) const {
   const std::optional<std::size_t> declaration = lengthOfDeclaration(_source);
   if (!declaration) return false;
@@ -234,7 +234,7 @@ bool WellFormedness::surroundingsAreSound(const pugi::xml_document& document) co
   return isBlank(_source.substr(end, root - end)) && endsWithRoot(node);
 }
 
-// The last end tag of a text can only be the root's: a later one would have had nothing to close.
+// The last end tag of a text must be the root's: a later one would have nothing to close.
 bool WellFormedness::endsWithRoot(pugi::xml_node root) const {
   const std::size_t endTag = _source.rfind("</");
   if (endTag == notFound) return false;

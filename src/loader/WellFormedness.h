@@ -1,4 +1,4 @@
-// What pugixml accepts although it is not well-formed.
+// Finds documents that pugixml accepts although they are not well-formed.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,15 @@
 
 namespace korvex {
 
-// Follows the nodes that pugixml made of a text and looks for what it tolerates. May doubt a
-// well-formed text, never trusts a malformed one. Unusual texts are doubted: those with a DOCTYPE,
-// with names that are not ASCII, with markup in comments, or with many attributes in one element.
+// Follows the nodes that pugixml made from a text and checks what pugixml tolerates. It may doubt a well-formed text,
+// but never trusts a malformed one. It doubts unusual texts: those with a DOCTYPE, with names outside ASCII, with
+// markup in comments, or with many attributes in one element.
 class WellFormedness {
  public:
-  // The text, and the beginning of the copy that was parsed in place. Both outlive this object.
+  // The text, and the start of the copy that was parsed in place. Both must outlive this object.
   WellFormedness(std::string_view source, const char* parsed);
 
-  // Every node but texts, in document order, as it was parsed.
+  // Adds a parsed node. Call it for every node except texts, in document order.
   void add(pugi::xml_node node);
   // Whether the text is certainly well-formed. Call it once, after all nodes were added.
   [[nodiscard]] bool isCertain(const pugi::xml_document& document);
@@ -40,7 +40,7 @@ class WellFormedness {
   bool _sound = false;  // as far as is known
   bool _isASCII = false;
   std::size_t _sections = 0;      // of CDATA
-  std::size_t _instructions = 0;  // an XML declaration is none
+  std::size_t _instructions = 0;  // without the XML declaration
   std::size_t _followed = 0;      // references were checked up to here
 };
 
