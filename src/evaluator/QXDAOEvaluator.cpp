@@ -8,7 +8,7 @@ namespace korvex {
 
 namespace {
 
-// What a character can be part of; a table, since every character of every condition is looked up.
+// The classes of each character: a table, because every character of every condition is looked up.
 enum CharacterClass : std::uint8_t {
   Digit = 1U << 0U,
   NameStart = 1U << 1U,
@@ -67,8 +67,8 @@ struct CharacterRange {
   char32_t last;
 };
 
-// What cannot be seen, or is taken for a character of ASCII: spaces, marks of direction and order, quotes, dashes,
-// signs of mathematics, full-width forms. As part of a name they would go unnoticed.
+// Characters that are invisible or look like ASCII: spaces, direction marks, quotes, dashes, mathematical signs,
+// full-width forms. Nobody would notice them in a name.
 constexpr std::array<CharacterRange, 26> lookalikes = {{
     {0x80, 0xA0},     {0xAB, 0xAB},       {0xAD, 0xAD},     {0xB4, 0xB4},     {0xBB, 0xBB},     {0xD7, 0xD7},
     {0xF7, 0xF7},     {0x2B9, 0x2BF},     {0x34F, 0x34F},   {0x61C, 0x61C},   {0x115F, 0x1160}, {0x1680, 0x1680},
@@ -85,7 +85,7 @@ bool isLookalike(char32_t character) {
 
 struct DecodedCharacter {
   char32_t code = 0;
-  std::size_t length = 0;  // 0 for what is not UTF-8
+  std::size_t length = 0;  // 0 if the bytes are not UTF-8
 };
 
 // The first character of a text that is not empty.
@@ -110,7 +110,7 @@ DecodedCharacter decodedCharacter(std::string_view text) {
   return code < least[length] || code > 0x10FFFF || surrogate ? DecodedCharacter{} : DecodedCharacter{code, length};
 }
 
-// Whether every character is what it looks like.
+// Whether the name has no lookalikes.
 bool isHonest(std::string_view name) {
   if (std::none_of(name.begin(), name.end(), is<NotASCII>)) return true;
   while (!name.empty()) {
@@ -121,8 +121,8 @@ bool isHonest(std::string_view name) {
   return true;
 }
 
-// Each function below gives the length of its token at the front of the text, which begins with a character that such a
-// token may begin with; 0 when there is none.
+// Each function below returns the length of its token at the front of the text; 0 if there is none. The caller has
+// checked that such a token may begin with the first character.
 
 std::size_t lengthOfName(std::string_view text) {
   std::size_t length = 0;
@@ -131,7 +131,7 @@ std::size_t lengthOfName(std::string_view text) {
     if (!classAt<Point>(text, length)) return isHonest(text.substr(0, length)) ? length : 0;
     ++length;
   }
-  return 0;  // no name at all, or a dot without a name after it
+  return 0;  // no name, or a dot without a name after it
 }
 
 std::size_t lengthOfExponent(std::string_view text, std::size_t at) {
@@ -141,7 +141,7 @@ std::size_t lengthOfExponent(std::string_view text, std::size_t at) {
   return count == 0 ? 0 : 1 + sign + count;
 }
 
-// Of a text that begins with a digit or a point.
+// For a text that begins with a digit or a point.
 std::size_t lengthOfNumber(std::string_view text) {
   const std::size_t whole = countWhile(text, 0, is<Digit>);
   std::size_t length = whole;
@@ -188,7 +188,7 @@ constexpr std::array<TokenRule, 5> tokenRules = {{
     {QXDAOTokenTypeBracket, Bracket, lengthOfBracket},
 }};
 
-// Moves the first token of the text to the list; false when no rule knows it.
+// Moves the first token of the text to the list; false if no rule matches.
 bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
   const unsigned classes = classesOfCharacters[static_cast<unsigned char>(text.front())];
   for (const TokenRule& rule : tokenRules) {

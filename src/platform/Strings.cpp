@@ -9,8 +9,8 @@ namespace korvex {
 
 namespace {
 
-// Texts begin and end with long indentations: the test of a character has to be inlined, which
-// find_first_not_of does not do.
+// Texts begin and end with long indentation, so the test of a character must be inlined; find_first_not_of does not
+// inline it.
 template <typename Unwanted>
 std::string_view trimmedOf(std::string_view text, Unwanted unwanted) {
   while (!text.empty() && unwanted(text.back())) text.remove_suffix(1);
@@ -23,8 +23,8 @@ constexpr auto isSpaceNewLineTab = [](char character) {
   return character == ' ' || character == '\n' || character == '\t';
 };
 
-// What may follow a leading byte; the second byte's range keeps out longer forms than needed,
-// surrogates and what lies beyond U+10FFFF (the table of RFC 3629, section 4).
+// The bytes that may follow a lead byte. The range of the second byte excludes overlong forms, surrogates and code
+// points beyond U+10FFFF (RFC 3629, section 4).
 struct UTF8Form {
   unsigned char firstLead, lastLead;
   unsigned char firstSecond, lastSecond;
@@ -56,7 +56,7 @@ bool fitsForm(std::string_view text, std::size_t at, const UTF8Form& form) {
   return std::all_of(rest.begin(), rest.end(), [](char byte) { return isBetween(byte, 0x80, 0xBF); });
 }
 
-// The length of the character at `at`; 0 where the bytes are not a whole character.
+// The length of the character at `at`; 0 if the bytes are not a complete character.
 std::size_t lengthOfValidCharacterAt(std::string_view text, std::size_t at) {
   if (isASCII(text[at])) return 1;
   for (const UTF8Form& form : longForms) {
@@ -70,7 +70,7 @@ std::size_t lengthOfCharacterAt(std::string_view text, std::size_t at) {
   return std::max<std::size_t>(1, lengthOfValidCharacterAt(text, at));
 }
 
-// Eight bytes at once, since most text is nothing but ASCII.
+// Eight bytes at once, because most text is pure ASCII.
 using Block = std::uint64_t;
 
 Block blockAt(std::string_view text, std::size_t at) {

@@ -1,4 +1,4 @@
-// The small text rules that every element shares.
+// Small text functions that all elements share.
 //
 // All text is UTF-8. None of these functions keeps a reference
 // to its argument, depends on the locale or touches shared state; all may run on any thread.
@@ -16,7 +16,7 @@
 
 namespace korvex {
 
-// What XML counts as white space.
+// The white space of XML.
 inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 
 [[nodiscard]] constexpr bool isXMLWhiteSpace(char character) {
@@ -39,11 +39,11 @@ inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 // The pieces point into the argument.
 [[nodiscard]] KORVEX_EXPORT std::vector<std::string_view> splitAt(std::string_view text, char separator);
 
-// The same one by one: takes the first piece and its separator off a text that is present; after
-// the last piece nothing is left, and the text is absent.
+// The same, one piece at a time: removes the first piece and its separator from a text that is present. After the last
+// piece, the text is absent.
 [[nodiscard]] KORVEX_EXPORT std::string_view takePiece(OptionalStringView& text, char separator);
 
-// The text with A to Z written as a to z; every other byte stays as it is.
+// The text with A to Z replaced by a to z; other bytes are unchanged.
 [[nodiscard]] KORVEX_EXPORT std::string asciiLowerCase(std::string_view text);
 
 // The Boolean attribute rule: after leading white space, an optional sign and leading zeros, the
@@ -57,16 +57,16 @@ inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 // True when every byte is one of 1 to 127.
 [[nodiscard]] KORVEX_EXPORT bool isASCIIWithoutZero(std::string_view text);
 
-// Copies a text to where there is room for it, if every byte is one of 1 to 127. Otherwise false; what the room then
-// holds is undefined.
+// Copies a text to a buffer that is large enough, if every byte is in 1 to 127. Otherwise returns false, and the
+// content of the buffer is undefined.
 [[nodiscard]] KORVEX_EXPORT bool copyASCIIWithoutZero(std::string_view text, char* room);
 
-// Whether a byte of UTF-8 is not the first of its character.
+// Whether a byte is a UTF-8 continuation byte.
 [[nodiscard]] constexpr bool continuesCharacter(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-// True when every byte belongs to a whole, shortest-form character that is no surrogate (RFC 3629).
+// Whether the text is valid UTF-8 (RFC 3629): no truncated or overlong character, no surrogate.
 [[nodiscard]] KORVEX_EXPORT bool isValidUTF8(std::string_view text);
 
 // The byte length, 1 to 4, of the character that ends just before `end` (0 < end <= text.size()).

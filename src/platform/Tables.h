@@ -1,4 +1,4 @@
-// Lookups in the small constant tables that stand in place of chains of ifs.
+// Lookups in small constant tables.
 #pragma once
 
 #include <array>

@@ -10,7 +10,7 @@ namespace korvex {
 
 namespace {
 
-constexpr std::size_t largestBlock = std::size_t{64} * 1024 - 64;  // with malloc's own bytes less than 64 KiB
+constexpr std::size_t largestBlock = std::size_t{64} * 1024 - 64;  // less than 64 KiB, including malloc's header
 
 static_assert(sizeof(MemoryBlock) % Arena::alignment == 0);
 
@@ -22,7 +22,7 @@ void releaseBlock(MemoryBlock* block) {
 
 }  // namespace
 
-// The tree itself lies in its first block.
+// The object is stored in its own first block.
 void TreeMemory::release() {
   if (!isLastUser(_users)) return;
   MemoryBlock* const last = _last;

@@ -15,16 +15,14 @@ namespace korvex {
 
 class Arena;
 
-// A piece of memory in which trees lie one after the other. It is freed when neither a tree nor an
-// arena uses it.
+// A block of memory that stores trees one after the other. It is freed when neither a tree nor an arena uses it.
 struct MemoryBlock {
   std::atomic<std::size_t> users{1};
-  MemoryBlock* next = nullptr;  // the block after it, while a tree goes on there
+  MemoryBlock* next = nullptr;  // the next block of the tree that continues there
 };
 
-// The memory of one tree: the row of blocks in which it lies. It is counted by those that keep the tree
-// alive: the root, elements that were taken out of the tree, and whoever builds it. The count is the
-// only thing that threads share.
+// The memory of one tree: the list of its blocks. It has a count of its users, which are the root, elements that were
+// taken out of the tree, and the code that builds it. Only the count is shared between threads.
 class TreeMemory {
  public:
   explicit TreeMemory(Arena& arena, MemoryBlock& block) : _arena(&arena), _first(&block), _last(&block) {}
@@ -32,7 +30,7 @@ class TreeMemory {
   void retain() { _users.fetch_add(1, std::memory_order_relaxed); }
   KORVEX_EXPORT void release();
 
-  // The arena while the tree is built; null afterwards, when nothing more is put into this memory.
+  // The arena while the tree is built; null afterwards, when this memory no longer grows.
   [[nodiscard]] Arena* arena() const { return _arena; }
 
  private:
@@ -44,8 +42,8 @@ class TreeMemory {
   MemoryBlock* _last;
 };
 
-// Hands out memory from one block after the other. Trees are built one at a time, on one thread; each
-// keeps the blocks in which it lies, also when the arena is gone.
+// Allocates from one block after the other. Trees are built one at a time, on one thread. Each tree keeps its blocks
+// alive, even after the arena is destroyed.
 class KORVEX_EXPORT Arena {
  public:
   // `firstBlock` is the size of the first block in bytes; later ones are larger, up to a limit.
@@ -54,9 +52,9 @@ class KORVEX_EXPORT Arena {
   Arena& operator=(const Arena&) = delete;
   ~Arena();
 
-  // Begins a tree, which is built until endTree.
+  // Begins a tree, whose construction ends with endTree.
   [[nodiscard]] TreeMemory& beginTree();
-  // Also clears what a construction that was broken off has left.
+  // Also clears what an aborted construction has left.
   void endTree(TreeMemory& tree);
 
   static constexpr std::size_t alignment = alignof(std::uint64_t);
@@ -69,7 +67,7 @@ class KORVEX_EXPORT Arena {
   // For characters.
   [[nodiscard]] char* allocateCharacters(std::size_t count) { return static_cast<char*>(allocateBehind(0, count)); }
 
-  // Children of the containers that are being built, those of the innermost one last.
+  // Children of the containers under construction, those of the innermost one last.
   QXDAOElementList pendingChildren;
   // For a text whose list references are being expanded.
   std::string expansion;
@@ -90,7 +88,7 @@ class KORVEX_EXPORT Arena {
   std::size_t _used = 0;  // bytes of the block, including its own head
   std::size_t _size = 0;
   std::size_t _nextBlock;
-  TreeMemory* _tree = nullptr;  // the one that is being built
+  TreeMemory* _tree = nullptr;  // the one under construction
 };
 
 }  // namespace korvex

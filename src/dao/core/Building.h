@@ -1,5 +1,5 @@
-// How elements, their strings and their lists are made: in the memory of their tree while that is built,
-// else each in memory of its own.
+// Allocates elements, their strings and their lists: in the memory of their tree while it is built, otherwise each in
+// memory of its own.
 #pragma once
 
 #include <algorithm>
@@ -26,8 +26,7 @@
 namespace korvex {
 
 struct Building {
-  // The memory of the tree of an element while the tree is built; null when it is finished, and for an
-  // element that is built alone.
+  // The memory of an element's tree while the tree is built; null after that, and for an element that is built alone.
   [[nodiscard]] static TreeMemory* memoryOf(const QXDAOElement& element) {
     TreeMemory* const memory = element._memory;
     return memory && memory->arena() ? memory : nullptr;
@@ -43,7 +42,7 @@ struct Building {
   }
   [[nodiscard]] static std::unique_ptr<QXDAOText> text(TreeMemory* memory, OptionalStringView text);
 
-  // The tree of one definition, as QXDAOElement::elementWithXML says, in the memory of an arena.
+  // Builds one definition like QXDAOElement::elementWithXML, but in the memory of an arena.
   [[nodiscard]] KORVEX_EXPORT static std::unique_ptr<QXDAOElement> tree(Arena& arena, const XMLNode& xml,
                                                                         std::optional<QXDAOError>* error);
 
@@ -52,7 +51,7 @@ struct Building {
   }
   [[nodiscard]] static CompactString string(TreeMemory* memory, OptionalStringView text);
 
-  // A list of items that are moved into it.
+  // A list with the items moved into it.
   template <typename T>
   [[nodiscard]] static CompactList<T> list(TreeMemory* memory, std::span<T> items) {
     T* const place = static_cast<T*>(allocate(memory, items.size_bytes()));
@@ -66,7 +65,7 @@ struct Building {
     std::uninitialized_value_construct_n(place, count);
     return {{place, count}, !memory};
   }
-  // A list of items that consist of texts, which are copied with them.
+  // A list of items that consist of texts, which are copied, too.
   template <typename T>
   [[nodiscard]] static CompactList<T> texts(TreeMemory* memory, std::optional<std::span<const T>> items);
   // The pieces of a text between separators, passed through `trim`; absent if the text is.

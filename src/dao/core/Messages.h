@@ -1,5 +1,4 @@
-// The rules of the language: how each is called and what its violation says, to the letter. "%@" is the one place
-// that is filled.
+// The rules of the language, with the name and the exact message of each. "%@" is the placeholder of a message.
 #pragma once
 
 #include <array>
@@ -12,7 +11,7 @@ namespace korvex {
 
 struct RuleText {
   QXDAORule rule;
-  std::string_view name;     // stays the same from version to version
+  std::string_view name;     // stable between versions
   std::string_view message;  // a format
 };
 

@@ -54,11 +54,11 @@ struct TagRule {
   std::string_view tag;
   ChildBuilder build;
   ParentTest mayStandIn = anyParent;
-  QXDAORule misplaced = {};  // what it violates elsewhere
+  QXDAORule misplaced = {};  // the rule that it violates elsewhere
 };
 
-// The tag table: every element that may stand inside another one, and where. Filled by the
-// compiler, so it needs neither a first use nor a lock.
+// The tag table: every element that is allowed inside another one, and where. It is constant-initialised, so it needs
+// no lock.
 constexpr std::array<TagRule, 12> tagTable = {{
     {C_IF, buildPlain<QXDAOCondition>},
     {C_CHOOSE, buildPlain<QXDAOChoose>},
@@ -97,7 +97,7 @@ void QXDAOContainerElement::dissolveChild(QXDAOContainerElement& child) {
   _children = std::move(children);
 }
 
-// A failure from before the walk, such as the missing result type of a select, does not end it.
+// An earlier failure, such as the missing result type of a select, does not stop the walk.
 void QXDAOContainerElement::processNodes(const XMLNode& xml) {
   TreeMemory* const memory = Building::memoryOf(*this);
   QXDAOElementList ownList;

@@ -50,7 +50,7 @@ struct RootTag {
   ElementBuilder build;
 };
 
-// Every other tag is a method's, or for the method to refuse.
+// Every other tag is a method, or is rejected by the method.
 constexpr std::array<RootTag, 5> rootTags = {{
     {C_SQL, buildNamedRoot<QXDAOSqlBlock>},
     {C_MAP, buildNamedRoot<QXDAOMap>},
@@ -82,7 +82,7 @@ constexpr auto destroyers = destroyersOf<QXDAOText, QXDAOForeach, QXDAOKeyValueF
                                          QXDAOMap, QXDAOCryptProperty, QXDAOPack, QXDAOMethod, QXDAOMethodStep,
                                          QXDAOTry, QXDAOExcept, QXDAOCondition, QXDAOChoose, QXDAOTrim>();
 
-// The tree that is being built in an arena.
+// The tree under construction in an arena.
 class OpenTree {
  public:
   explicit OpenTree(Arena& arena) : _arena(arena), _memory(arena.beginTree()) {}

@@ -1,4 +1,4 @@
-// What several elements do with their attributes and the nodes below them.
+// Helpers with which several elements read their attributes and child nodes.
 #pragma once
 
 #include <string>
@@ -13,24 +13,23 @@
 
 namespace korvex {
 
-// The node to point at when a child breaks a rule: the child when it is an element, which has a
-// place of its own in the source, else its parent.
+// The node to report if a child violates a rule: the child if it is an element, which has a position in the source,
+// otherwise its parent.
 [[nodiscard]] inline XMLNode nodeAtFault(const XMLNode& child, const XMLNode& parent) {
   return child.kind() == XMLNodeKind::Element ? child : parent;
 }
 
-// Sets a flag to the Boolean value of its attribute; an absent or empty attribute leaves it alone.
+// Sets a flag to the Boolean value of its attribute; an absent or empty attribute leaves it unchanged.
 inline void readBoolean(OptionalStringView attribute, bool& flag) {
   if (!isEmpty(attribute)) flag = booleanAttributeValue(attribute);
 }
 
-// The text of an element that may hold nothing but text and comments.
+// The text of an element that may contain only text and comments.
 class PlainText {
  public:
-  // The pieces before the offender, joined with nothing between them. Of a single piece it is a
-  // view, valid as long as the document is.
+  // The pieces before the offender, concatenated. A single piece is a view, which is valid while the document lives.
   [[nodiscard]] std::string_view text() const { return _joined.empty() ? _first : _joined; }
-  // The first node of another kind; null when there is none.
+  // The first node of another kind; null if there is none.
   [[nodiscard]] XMLNode offender() const { return _offender; }
 
  private:
@@ -45,7 +44,7 @@ class PlainText {
 [[nodiscard]] KORVEX_EXPORT PlainText plainTextOf(const XMLNode& element,
                                                   std::string_view (*piece)(std::string_view text));
 
-// The text of an sql block: each piece is trimmed on its own, and comments between pieces leave nothing.
+// The text of an sql block: each piece is trimmed on its own, and comments between pieces are dropped.
 [[nodiscard]] inline PlainText textOfSqlBlock(const XMLNode& element) {
   return plainTextOf(element, spaceNewLineTabBothEndsTrimmed);
 }
@@ -56,12 +55,12 @@ class PlainText {
 
 enum class TextPlace {
   Node,       // a text node
-  Content,    // the element from behind its start tag
+  Content,    // the element after its start tag
   Attribute,  // the element's only attribute
 };
 
-// Calls `take(text, place, node)` for each text in which an element itself may hold list references, not for those of
-// elements inside it: the text as it is before it is expanded, and the text node or the element.
+// Calls `take(text, place, node)` for each text of an element that may contain list references, without the texts of
+// its child elements. `text` is not expanded yet; `node` is the text node or the element.
 template <typename Take>
 void forEachText(const XMLNode& element, const Take& take) {
   const OptionalStringView tag = element.name();

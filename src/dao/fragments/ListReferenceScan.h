@@ -1,4 +1,4 @@
-// Finds the list references of a text. For the text elements, which write them out, and for checks of what they lose.
+// Finds the list references of a text: for text elements, which expand them, and for checks of lost text.
 #pragma once
 
 #include <algorithm>
@@ -16,33 +16,33 @@ inline constexpr std::string_view shortestReference = "%{'*',p}";
 inline constexpr std::string_view replacementCharacter = "\xEF\xBF\xBD";  // U+FFFD
 inline constexpr std::size_t longestCharacterOfOneUnit = 3;
 
-// The bytes that mean something while a reference is open, its "%" then being pending. All of them are ASCII, so a byte
-// of a longer character is never taken for one.
+// The significant bytes while a reference is open and its "%" is pending. All of them are ASCII, so bytes of longer
+// characters never match.
 inline constexpr auto isMarkup = [] {
   std::array<bool, 256> table{};
   for (const char byte : std::string_view("',{}")) table[static_cast<unsigned char>(byte)] = true;
   return table;
 }();
 
-// The items of one reference: the format once per star, with the star in the place of every "*".
+// The items of one reference: the format once per star, with the star in place of every "*".
 struct ReferenceList {
   std::string_view format;
-  OptionalStringView stars;  // separated by commas; absent when there is none
-  std::string_view inside;   // all of it between its braces
+  OptionalStringView stars;  // separated by commas; absent if there are none
+  std::string_view inside;   // everything between its braces
 };
 
 // Expands the list references of a text in one pass from left to right.
 //
-// The state follows the language's own scan rules to the letter: what an expansion or an opening
-// leaves alone (format, formatBegin, the pending "%") shapes what later text means.
+// The state follows the language's scan rules exactly: what an expansion or an opening brace leaves unchanged (format,
+// formatBegin, the pending "%") affects the meaning of later text.
 // Positions are byte offsets; 0 means "not set" for referenceBegin, formatBegin and starsBegin, which
-// are always one past a character otherwise.
+// otherwise always follow a character.
 template <typename Output>
 class ListReferenceScan {
  public:
   explicit ListReferenceScan(std::string_view text, Output output = Output()) : _text(text), _output(output) {}
 
-  // True when a reference was expanded; the whole result has then been put out.
+  // True if a reference was expanded; the whole result has then been written.
   bool run() {
     for (std::size_t at = nextOfInterest(0); at < _text.size(); at = nextOfInterest(at + 1)) take(at);
     if (_replaced) _output.append(_text.substr(_copyBegin));
@@ -52,8 +52,8 @@ class ListReferenceScan {
   [[nodiscard]] const Output& output() const { return _output; }
 
  private:
-  // The next position at which a rule can change anything: outside a reference only a "%" does,
-  // or whatever follows a pending one; inside a reference only markup does.
+  // The next position at which a rule can apply: outside a reference, a "%" or the character after a pending one;
+  // inside a reference, only markup.
   [[nodiscard]] std::size_t nextOfInterest(std::size_t from) const {
     if (_referenceBegin == 0) return _pendingSymbol ? from : std::min(_text.find('%', from), _text.size());
     while (from < _text.size() && !isMarkup[static_cast<unsigned char>(_text[from])]) ++from;
@@ -119,8 +119,8 @@ class ListReferenceScan {
     _replaced = true;
   }
 
-  // The text since the last expansion, without the "{" and the one UTF-16 unit before it. That
-  // unit is normally the "%"; where it is half of a character, the other half has no UTF-8 form.
+  // The text since the last expansion, without the "{" and the UTF-16 unit before it. That unit is normally the "%". If
+  // it is half of a character, the other half has no UTF-8 form.
   void appendTextBeforeReference() {
     const std::size_t brace = _referenceBegin - 1;
     const std::size_t length = lengthOfCharacterBefore(_text, brace);

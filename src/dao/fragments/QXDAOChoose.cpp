@@ -19,15 +19,15 @@ bool mayStandInChoose(const QXDAOElement* child, bool last) {
   return last || condition->type() != QXDAOConditionTypeOtherwise;
 }
 
-// The place of the first child that breaks the rule, or the end.
+// The position of the first child that violates the rule, or the end.
 QXDAOElementSpan::iterator firstOffender(QXDAOElementSpan children) {
   return std::find_if(children.begin(), children.end(), [children](const std::unique_ptr<QXDAOElement>& child) {
     return !mayStandInChoose(child.get(), child == children.back());
   });
 }
 
-// The document node of a child: the walk makes one child of each element, in order. A text has
-// none; its parent stands for it.
+// The document node of a child: the walk creates one child per element, in order. A text has no node of its own, so its
+// parent is used.
 XMLNode nodeOfChild(const XMLNode& xml, QXDAOElementSpan children, QXDAOElementSpan::iterator child) {
   const auto isElement = [](const auto& sibling) { return sibling->kind() != QXDAOElementKindText; };
   if (!isElement(*child)) return xml;

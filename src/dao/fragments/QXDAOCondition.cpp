@@ -41,7 +41,7 @@ void QXDAOCondition::initWithXML(const XMLNode& xml) {
   processNodes(xml);
 }
 
-// An otherwise has no attribute, the others have exactly the one that holds their expression.
+// An otherwise has no attribute; the others have exactly the attribute with their expression.
 bool QXDAOCondition::readCondition(const XMLNode& xml) {
   if (_type == QXDAOConditionTypeOtherwise) return !xml.hasAttributes();
   const XMLAttribute attribute = xml.onlyAttribute();

@@ -18,7 +18,7 @@ constexpr std::string_view listSeparator = ", ";
 
 std::string_view takeStar(OptionalStringView& stars) { return spaceNewLineTabBothEndsTrimmed(takePiece(stars, ',')); }
 
-// Where a scan writes an expanded text.
+// The output of a scan that expands a text.
 class TextOutput {
  public:
   explicit TextOutput(std::string& text) : _text(&text) {}
@@ -44,8 +44,8 @@ class TextOutput {
   std::string* _text;
 };
 
-// The same for a scan that only asks how long the text would become. A list is not written out for
-// it: it may be as long as its format times its stars.
+// The output of a scan that only measures the expanded length. It does not write lists, which may be as long as their
+// format times their stars.
 class LengthOutput {
  public:
   void append(std::string_view text) { _length += text.size(); }
@@ -62,7 +62,7 @@ class LengthOutput {
   std::size_t _length = 0;
 };
 
-// The text with its list references expanded, which then stands in `room`.
+// The text with its list references expanded; an expanded text is stored in `room`.
 std::string_view expandedIn(std::string& room, std::string_view text) {
   if (!mayHoldReference(text)) return text;
   room.clear();

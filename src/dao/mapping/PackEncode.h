@@ -34,7 +34,7 @@ inline constexpr auto encodesByTypeCode = [] {
   return static_cast<std::size_t>(encode) & 15U;
 }
 
-// Copies a scalar of that many bytes; for the usual widths the compiler needs no call.
+// Copies a scalar of that many bytes, without a function call for the usual widths.
 inline void copyScalar(void* target, const void* source, std::size_t width) {
   switch (width) {
     case sizeof(std::uint8_t):
@@ -54,7 +54,7 @@ inline void copyScalar(void* target, const void* source, std::size_t width) {
   }
 }
 
-// Whether two names of one length are the same, in words that may overlap.
+// Compares two names of equal length in words, the last of which may overlap the one before.
 template <typename Word>
 [[nodiscard]] bool sameWords(const char* first, const char* second, std::size_t count) {
   for (std::size_t at = 0; at < count; at += sizeof(Word)) {
@@ -79,8 +79,8 @@ template <typename Word>
   return sizeof nameLength + nameLength + 1 + sizeof(QXDAOPackEncode);
 }
 
-// Heads are kept and copied in blocks of this size, since copies of a fixed size need no call. So
-// a head is followed by unused bytes up to a multiple of it, and so is the place it is copied to.
+// Heads are stored and copied in blocks of this size, because copies of a fixed size need no function call. Both the
+// stored head and its destination are therefore padded to a multiple of it.
 inline constexpr std::size_t headBlock = 16;
 
 [[nodiscard]] constexpr std::size_t headBlocksBytes(QXDAOPackNameLengthType nameLength) {

@@ -1,5 +1,5 @@
-// The layouts of a pack: for each class met so far, the packed properties with their fields and type
-// codes, sorted by name.
+// The layouts of a pack: for each class used so far, the packed properties with their fields and type codes, sorted by
+// name.
 #include "dao/mapping/PackLayout.h"
 
 #include <algorithm>
@@ -53,14 +53,14 @@ std::size_t maxValueBytes(const QXDAOPackPropertyInfo& entry) {
   return entry.encode == QXDAOPackEncodeString ? sizeof(QXDAOPackStringLengthType) : sizeof(std::uint64_t);
 }
 
-// The encode of a number object is that of its value, so its head only has room for it.
+// A number object has the encode of its value, so its head only reserves space for the encode.
 void writeHead(const QXDAOPackPropertyInfo& entry, char* head) {
   *head = static_cast<char>(entry.length);
   std::memcpy(head + 1, entry.name, std::size_t{entry.length} + 1);
   std::memcpy(head + headBytes(entry.length) - sizeof entry.encode, &entry.encode, sizeof entry.encode);
 }
 
-// Writes the heads of all entries that have a field; false if there is no memory for them.
+// Writes the heads of all entries that have a field; false if their memory cannot be allocated.
 bool prepareHeads(QXDAOPackClassInfo& info) {
   const std::span<QXDAOPackPropertyInfo> entries(info.properties, static_cast<std::size_t>(info.count));
   std::size_t bytes = 0;

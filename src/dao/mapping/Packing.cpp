@@ -1,7 +1,7 @@
 // Packs the properties of objects into column values.
 //
-// The fields are read through the operations of their ModelField, which getObjectField dispatches to:
-// the layout has decided once for the class what getObjectField would decide for every value.
+// Fields are read directly through the operations of their ModelField. The layout has chosen the operation once per
+// class; getObjectField would choose it for every value.
 #include <cstring>
 #include <limits>
 #include <span>
@@ -37,14 +37,14 @@ OptionalStringView textOf(const ModelObject& object, const QXDAOPackPropertyInfo
 
 bool fitsRecord(std::string_view text) { return text.size() <= std::numeric_limits<QXDAOPackStringLengthType>::max(); }
 
-// The part of a string that goes into a record: up to its first zero byte; nothing if the string is not
-// valid UTF-8 or that part is longer than a record can hold.
+// The part of a string that is packed: up to its first zero byte; nothing if the string is not valid UTF-8, or if that
+// part is too long for a record.
 std::string_view packedForm(std::string_view text) {
   const std::string_view form = text.substr(0, text.find('\0'));
   return fitsRecord(form) && isValidUTF8(text) ? form : std::string_view();
 }
 
-// The maximum length of the records of an object, with room for copying in blocks after the last.
+// The maximum length of an object's records, with padding for copies in blocks.
 std::size_t maxBytes(const QXDAOPackClassInfo& layout, const ModelObject& object) {
   std::size_t bytes = layout.bytesWithoutTexts + headBlock;
   for (const QXDAOPackPropertyInfo& entry : entriesOf(layout)) {
@@ -54,7 +54,7 @@ std::size_t maxBytes(const QXDAOPackClassInfo& layout, const ModelObject& object
   return bytes;
 }
 
-// Writes records one after the other into a buffer that is large enough for all of them.
+// Writes records in order into a buffer that is large enough for all of them.
 class RecordWriter {
  public:
   explicit RecordWriter(char* room) : _at(room) {}

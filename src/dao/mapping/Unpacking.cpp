@@ -1,5 +1,4 @@
-// Unpacks column values into objects. The fields are set through the operations of their ModelField, for
-// the reason given in Packing.cpp.
+// Unpacks column values into objects. Fields are set through the operations of their ModelField; see Packing.cpp.
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -26,8 +25,8 @@ class EntryFinder {
   explicit EntryFinder(const QXDAOPackClassInfo& layout)
       : _entries(layout.properties, static_cast<std::size_t>(layout.count)) {}
 
-  // Records are written in the order of the entries: the entry after the last found, if it tells how its record
-  // begins, or null. A number object's does not, since it has the encode of its value.
+  // Records are written in the order of the entries. Returns the entry after the last one found, or null if the head of
+  // its record is unknown: the record of a number object has the encode of its value.
   [[nodiscard]] const QXDAOPackPropertyInfo* expected() const {
     if (_next == _entries.size()) return nullptr;
     const QXDAOPackPropertyInfo& entry = _entries[_next];
@@ -35,7 +34,7 @@ class EntryFinder {
   }
   void expectedWasFound() { ++_next; }
 
-  // The entry with that name and a field; null when the layout has none.
+  // The entry with that name and a field; null if the layout has none.
   const QXDAOPackPropertyInfo* entryNamed(std::string_view name) {
     if (!isAt(_next, name)) {
       _next = placeOf(name);
@@ -77,9 +76,8 @@ std::uint64_t unusualBits(std::string_view bytes) {
   return bits;
 }
 
-// A scalar's bytes in the low bytes, zeros above; of more than eight bytes the first eight. Read by
-// its own width and widened in a register: written into a wider variable it would be read back from
-// two stores, which the processor waits for.
+// The scalar's bytes in the low bytes, zeros above; of more than eight bytes, the first eight. Scalars are read with
+// their own width and widened in a register. Copying them into a wider variable would cause a store-forwarding stall.
 std::uint64_t scalarBits(std::string_view bytes) {
   switch (bytes.size()) {
     case sizeof(std::uint8_t):
@@ -95,20 +93,19 @@ std::uint64_t scalarBits(std::string_view bytes) {
   }
 }
 
-// A bool takes any byte but 0 as true, since it can hold nothing else; of a longer value the low
-// bytes are taken.
+// For a bool, any byte except 0 is true. A longer value is truncated to its low bytes.
 std::uint64_t bitsFor(QXDAOPackEncode encode, std::uint64_t bits) {
   const std::uint64_t kept = bits & (~std::uint64_t{0} >> (64 - 8 * valueBytes(encode)));
   return encode == QXDAOPackEncodeBOOL && kept != 0 ? 1 : kept;
 }
 
-// The number of a record; absent for an encode that is none of the known scalars.
+// The number of a record; absent for an unknown encode.
 OptionalNumber numberOf(QXDAOPackEncode encode, std::uint64_t bits) {
   const char code = numberCode(encode);
   return code ? OptionalNumber(NumberObject::fromBits(code, bitsFor(encode, bits))) : std::nullopt;
 }
 
-// The field's own width decides: a shorter value is extended by zeros.
+// The field's width decides: a shorter value is extended with zeros.
 void storeScalar(char* field, QXDAOPackEncode encode, std::uint64_t bits) {
   bits = bitsFor(encode, bits);
   copyScalar(field, &bits, valueBytes(encode));
@@ -122,7 +119,7 @@ void storeText(void* field, const QXDAOPackPropertyInfo& entry, std::string_view
   entry.field->text.set(field, isValidUTF8(bytes) ? OptionalStringView(bytes) : std::nullopt);
 }
 
-// A record of the entry's own encode, and so of the field's own width.
+// For a record with the entry's encode, which has the width of the field.
 void storeValue(ModelObject& object, const QXDAOPackPropertyInfo& entry, std::string_view bytes) {
   char* field = fieldOf(object, entry);
   if (entry.encode == QXDAOPackEncodeString) {
@@ -134,7 +131,7 @@ void storeValue(ModelObject& object, const QXDAOPackPropertyInfo& entry, std::st
   }
 }
 
-// A record of whatever encode: strings and other values do not replace each other.
+// For a record with any encode. Strings and other values do not replace each other.
 void storeRecord(ModelObject& object, const QXDAOPackPropertyInfo& entry, const QXDAOPackRecord& record) {
   char* field = fieldOf(object, entry);
   if (record.encode == QXDAOPackEncodeString) {
@@ -146,7 +143,7 @@ void storeRecord(ModelObject& object, const QXDAOPackPropertyInfo& entry, const 
   }
 }
 
-// Unpacks the next record if it begins as the expected entry's does, which is then found by one comparison.
+// Unpacks the next record if it has the head of the expected entry, which takes a single comparison.
 bool unpackExpected(ModelObject& object, EntryFinder& finder, QXDAOPackReader& reader) {
   const QXDAOPackPropertyInfo* entry = finder.expected();
   std::string_view bytes;

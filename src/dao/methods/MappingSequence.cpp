@@ -8,8 +8,8 @@ namespace korvex {
 
 namespace {
 
-// Atomic only so that calls from several threads are defined; nothing is ordered by it.
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the counter is process-wide by purpose
+// Atomic only to allow calls from several threads; it orders nothing.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the counter is process-wide on purpose
 constinit std::atomic<std::int32_t> QXDAOMappingSequence{0};
 
 }  // namespace

@@ -40,7 +40,7 @@ std::size_t countOf(char character, std::string_view text) {
 
 }  // namespace
 
-// What the setup reads, in one walk.
+// The data that the setup reads in one walk.
 struct QXDAOMethod::Attributes {
   OptionalStringView arguments, profile, parallel, assignedTable, result, foreach, resumable;
 };
@@ -124,7 +124,7 @@ void QXDAOMethod::readOptions(const Attributes& attributes) {
   decideResultType(attributes.result);
 }
 
-// A single step is dissolved into its method; a method with two or more is marked as stepped.
+// A single step is merged into its method; a method with two or more steps is marked as stepped.
 void QXDAOMethod::checkStepElements() {
   const QXDAOElementSpan list = *children();
   const auto stepCount = static_cast<std::size_t>(std::count_if(

@@ -1,5 +1,5 @@
-// How the attribute "result" of a select is spelled: a keyword, ":" and the name of a map, or a class name; for a list
-// in square brackets. Nothing is trimmed.
+// The spelling of the attribute "result" of a select: a keyword, ":" and the name of a map, or a class name, in square
+// brackets for a list. Nothing is trimmed.
 #pragma once
 
 #include <array>
@@ -41,7 +41,7 @@ struct SpelledResult {
   return {arrayed, keyword ? keyword->type : QXDAOSelectResultTypeObject, row};
 }
 
-// The spelling that reads as these parts.
+// The spelling of these parts.
 [[nodiscard]] inline std::string resultSpelling(bool arrayed, bool mapped, std::string_view name) {
   const std::string row = std::string(mapped ? ":" : "").append(name);
   return arrayed ? '[' + row + ']' : row;
