@@ -22,7 +22,7 @@ bool colorWanted(ColorMode mode, const Console& console) {
   return console.outIsTerminal && !console.noColor;
 }
 
-// A directory is taken for all documents that belong together.
+// A directory is assumed to contain all documents that belong together.
 bool holdsWholeSet(const std::vector<std::string>& paths) {
   return std::any_of(paths.begin(), paths.end(), [](const std::string& path) {
     std::error_code error;
@@ -114,7 +114,7 @@ class Check {
   std::unique_ptr<CheckReport> _report;
   SetCheck _set;
   CheckTotals _totals;
-  const Rule* _unexplained = nullptr;  // the first error that has no help of its own
+  const Rule* _unexplained = nullptr;  // the first error without help
   std::size_t _unreadable = 0;
 };
 

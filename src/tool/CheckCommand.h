@@ -1,4 +1,4 @@
-// korvex-dao check: what is wrong with definition documents.
+// korvex-dao check: the findings about definition documents.
 #pragma once
 
 #include <string>
@@ -18,8 +18,8 @@ struct CheckOptions {
   CheckFormat format = CheckFormat::Text;
   ColorMode color = ColorMode::Auto;  // of the text format
   LoadOptions load;
-  std::vector<std::string> warnings;    // names of those to give, beside those that are given anyway
-  std::vector<std::string> noWarnings;  // and of those not to give
+  std::vector<std::string> warnings;    // names of warnings to enable, in addition to the defaults
+  std::vector<std::string> noWarnings;  // names of warnings to disable
   bool warningsAreErrors = false;
 };
 

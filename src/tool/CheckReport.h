@@ -1,4 +1,4 @@
-// Where the findings of a check go, in each of the formats.
+// The output of a check, in each of the formats.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +20,7 @@ struct CheckTotals {
   std::size_t warnings = 0;
 };
 
-// One report, written to the stream that it was made with: as the findings come, or all at once at the end.
+// One report, written to the stream that it was created with: finding by finding, or at once at the end.
 class CheckReport {
  public:
   CheckReport() = default;
@@ -29,7 +29,7 @@ class CheckReport {
   virtual ~CheckReport() = default;
 
   virtual void add(const Finding& finding) = 0;
-  // An input that could not be read; standard error tells of it too.
+  // An input that could not be read; it is also reported on standard error.
   virtual void addUnreadable(const UnreadablePath& /*path*/) {}
   virtual void finish(const CheckTotals& /*totals*/) {}
 };

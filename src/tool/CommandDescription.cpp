@@ -6,7 +6,7 @@
 namespace korvex {
 namespace {
 
-// The name of a validator is shown nowhere, and the words of a choice fit into it.
+// Validator names are never displayed, so they store the words of a choice.
 const std::string choicePrefix = "one of ";
 const std::string choiceSeparator = "|";
 

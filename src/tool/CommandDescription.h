@@ -1,5 +1,5 @@
-// What the command can do, read from the description that parses its arguments: the one source of the
-// completions and the man page.
+// The commands and options, read from the description that parses the arguments: the single source of the completions
+// and the man page.
 #pragma once
 #include <string>
 #include <vector>
@@ -20,7 +20,7 @@ struct OptionDescription {
   Words names;        // "-h", "--help"; none for an argument
   std::string value;  // "WORD"; empty for an option without a value
   std::string help;
-  Words words;  // all that the value can be; empty when those are not few
+  Words words;  // all values, if there are only a few; otherwise empty
   Words needs;  // other options, by name
   bool required = false;
   bool repeated = false;
@@ -37,13 +37,13 @@ struct CommandDescription {
   std::vector<CommandDescription> commands;
 };
 
-// What is hidden from the help stays out.
+// Without what is hidden from the help.
 [[nodiscard]] CommandDescription describe(CLI::App& app);
 
-// Checks that a value is one of a few words, and tells `describe` which.
+// Checks that a value is one of the words, and passes them to `describe`.
 [[nodiscard]] CLI::Validator oneOf(const Words& words);
 
-// The name by which any other validator, the first of its option, tells `describe` the words.
+// The name with which another validator, the first of its option, passes its words to `describe`.
 [[nodiscard]] std::string choiceName(const Words& words);
 
 // "a|b|c" for the separator "|".

@@ -77,7 +77,7 @@ constexpr const char* bashEnd = R"(  if [[ $options && $word == -* ]]; then
 complete -F _korvex_dao korvex-dao
 )";
 
-// What completes the value: words, files, or nothing.
+// How the value is completed: with words, files, or nothing.
 std::string bashValue(const OptionDescription& option) {
   if (option.takesFile()) return "files=yes";
   return concatenated({"words='", joined(option.words, " "), "'"});

@@ -1,4 +1,4 @@
-// korvex-dao completion: scripts by which shells complete its arguments.
+// korvex-dao completion: shell completion scripts.
 #pragma once
 
 #include <iosfwd>

@@ -1,4 +1,4 @@
-// Numbers of things in messages.
+// Counts in messages.
 #pragma once
 
 #include <cstddef>

@@ -21,8 +21,7 @@ struct Finalize {
 using Connection = std::unique_ptr<sqlite3, Close>;
 using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
-// SQLite looks for a meaning in names such as "", ":memory:" and "file:x?mode=rw", but not behind
-// a directory.
+// SQLite interprets names such as "", ":memory:" and "file:x?mode=rw", but not if a directory precedes them.
 std::string plainPath(const std::string& path) { return path.starts_with('/') ? path : "./" + path; }
 
 std::string quotedName(const std::string& name) {
@@ -34,14 +33,13 @@ std::string quotedName(const std::string& name) {
   return quoted + '"';
 }
 
-// SQLite's message for a database whose journal must be dealt with first is about a write that
-// nobody has asked for.
+// SQLite's message for a database with a hot journal is about a write, which nobody requested.
 std::string failureOf(sqlite3& database) {
   if (sqlite3_errcode(&database) != SQLITE_READONLY) return sqlite3_errmsg(&database);
   return "cannot be read without writing: it has a write-ahead log, or a change to it was interrupted";
 }
 
-// The system's reason says more than that a file cannot be opened.
+// The system's reason is more specific than SQLite's "unable to open".
 std::string openFailure(sqlite3* database) {
   if (!database) return sqlite3_errstr(SQLITE_NOMEM);
   const int reason = sqlite3_system_errno(database);
@@ -54,7 +52,7 @@ Reason open(const std::string& path, Connection& connection) {
   connection.reset(database);
   if (code != SQLITE_OK) return openFailure(database);
   sqlite3_busy_timeout(database, longestWait);
-  // Without this, a quoted name that is no column would be taken for a text.
+  // Otherwise a quoted name that is not a column would be text.
   sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);  // NOLINT(cppcoreguidelines-pro-type-vararg)
   return std::nullopt;
 }
@@ -69,11 +67,11 @@ Reason prepare(sqlite3& database, const std::string& sql, Statement& statement) 
   return std::nullopt;
 }
 
-// On lines of its own, so that a comment at its end stays a comment.
+// On its own lines, so that a comment at its end ends there.
 std::string parenthesised(const std::string& condition) { return "(\n" + condition + "\n)"; }
 
-// A condition can stand where a value can. Text that closes the parenthesis to go on with SQL of
-// its own, such as a UNION, can not stand both there and behind WHERE.
+// A condition is also valid as a value. Text that closes the parenthesis to append SQL, such as a UNION, is not valid
+// both there and after WHERE.
 Reason checkCondition(sqlite3& database, const ColumnQuery& query) {
   Statement unused;
   return prepare(database, "SELECT " + parenthesised(*query.where) + " FROM " + quotedName(query.table), unused);
@@ -88,7 +86,7 @@ std::string selection(const ColumnQuery& query, const std::string& rowid) {
 Reason prepareSelection(sqlite3& database, const ColumnQuery& query, Statement& statement) {
   Reason failure = prepare(database, selection(query, "_rowid_"), statement);
   if (sqlite3_errcode(&database) != SQLITE_ERROR) return failure;
-  // Once more, as for a table without rowids: every other mistake is still there.
+  // Try again, as for a table without rowids: every other error occurs again.
   return prepare(database, selection(query, "NULL"), statement);
 }
 

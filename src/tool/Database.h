@@ -1,4 +1,4 @@
-// One column of an SQLite database, read and never written.
+// Reads one column of an SQLite database.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 namespace korvex {
 
 struct ColumnQuery {
-  std::string path;  // of a file: no name has a meaning of its own, "file:" and ":memory:" included
+  std::string path;  // of a file; "file:" and ":memory:" have no special meaning
   std::string table;
   std::string column;
   std::optional<std::string> where;  // an SQL condition on the rows, as the user wrote it
@@ -22,10 +22,9 @@ struct ColumnCell {
   std::string_view bytes;             // of a blob; valid until the next row
 };
 
-// Visits the rows that meet the condition, in ascending order of their rowids, and returns why
-// reading failed, if it did. Rows visited before that were read well. A name that is no table or
-// column is a failure, and so is a condition that is anything but one condition. Another program's
-// lock is waited for, a second at the most.
+// Visits the rows that meet the condition, in ascending order of their rowids. Returns the error if reading failed; the
+// rows visited before are valid. An unknown table or column is an error, and so is a condition with any other SQL.
+// Waits for at most a second for a lock of another program.
 [[nodiscard]] std::optional<std::string> readColumn(const ColumnQuery& query,
                                                     const std::function<void(const ColumnCell&)>& visit);
 

@@ -1,4 +1,4 @@
-// Why a database could not do what it was asked for, for people.
+// Database errors in readable form.
 #pragma once
 
 #include <string>
@@ -8,9 +8,9 @@
 
 namespace korvex {
 
-// A method that failed: where and why, with its SQL.
+// For a failed method: where and why, with its SQL.
 [[nodiscard]] ExitCode printFailure(const Console& console, const DatabaseError& error);
-// A file that could not be opened.
+// For a file that could not be opened.
 [[nodiscard]] ExitCode printUnopened(const Console& console, const std::string& path, const DatabaseError& error);
 
 }  // namespace korvex

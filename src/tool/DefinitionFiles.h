@@ -1,4 +1,4 @@
-// The definitions behind a path, ready to run.
+// Loads the definitions of a path, ready to run.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@ struct LoadedDefinitions {
   ExitCode code = ExitCodeNothingFound;      // why
 };
 
-// Reads a file, a directory's *.xml files, or console.in for "-". What is wrong with them goes to `console.err`.
+// Reads a file, a directory's *.xml files, or console.in for "-". Prints errors to `console.err`.
 [[nodiscard]] LoadedDefinitions loadedDefinitions(const std::string& path, const Console& console);
 
 }  // namespace korvex

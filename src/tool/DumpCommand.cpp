@@ -24,7 +24,7 @@ Json entryOf(const Definition& definition) {
   return entry;
 }
 
-// An array, written entry by entry: all of them at once would take many times the memory of the elements.
+// An array, written entry by entry, because the whole array would need many times the memory of the elements.
 void printJson(std::ostream& out, const std::vector<Definition>& definitions) {
   constexpr std::string_view opening = "[\n";
   constexpr std::string_view closing = "\n]";

@@ -1,4 +1,4 @@
-// korvex-dao dump: the element trees that an engine would get.
+// korvex-dao dump: the element trees that an engine gets.
 #pragma once
 
 #include <string>
@@ -17,8 +17,8 @@ struct DumpOptions {
   LoadOptions load;
 };
 
-// Prints an entry for each definition, built or refused, to `console.out`. A document without
-// definitions to show has its failure on `console.err` and an empty dump.
+// Prints an entry for each definition, built or rejected, to `console.out`. If the document cannot be loaded, prints
+// the error to `console.err` and an empty dump.
 [[nodiscard]] ExitCode runDump(const DumpOptions& options, const Console& console);
 
 }  // namespace korvex

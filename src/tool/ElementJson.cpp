@@ -98,7 +98,7 @@ Json toJson(std::span<const Item> items) {
 template <typename Value, typename Class>
 std::type_identity<Class> ownerOf(Value Class::*);
 
-// Reads one property, a getter or a public field, of an element that is known to have it.
+// Reads one property, a getter or a public field, of an element that has it.
 template <auto Property>
 Json read(const QXDAOElement& element) {
   using Owner = typename decltype(ownerOf(Property))::type;

@@ -1,4 +1,4 @@
-// Element trees as JSON: what an engine would get, as data.
+// Element trees as JSON.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -13,7 +13,7 @@ using Json = nlohmann::ordered_json;
 
 // "class", "name", then the element's own properties under their own names, "children" last.
 // Absent is null, enumerations are the names of their constants. The engine's slots and the links
-// between elements are left out.
+// between elements are omitted.
 [[nodiscard]] Json elementJson(const QXDAOElement& element);
 
 // Indented by two spaces; bytes that are not UTF-8 become U+FFFD.

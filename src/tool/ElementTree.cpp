@@ -152,7 +152,7 @@ using Lines = std::vector<std::string_view>;
 
 std::size_t indentationOf(std::string_view line) { return std::min(line.find_first_not_of(" \t"), line.size()); }
 
-// What every line has in front, except the first, which begins with its text, and empty ones.
+// The indentation of every line except the first, which begins with its text, and empty ones.
 std::size_t commonIndentation(const Lines& lines) {
   std::size_t common = std::string_view::npos;
   for (std::size_t i = 1; i < lines.size(); ++i) {
@@ -186,7 +186,7 @@ void printColumns(std::ostream& out, const Json& columns, const std::string& ind
   }
 }
 
-// What stands below the headline; most elements have one of the three at the most.
+// The content below the headline; most elements have at most one of the three.
 void printContent(std::ostream& out, const Json& element, const std::string& indent) {
   if (element.contains("columnPropertyMap")) printColumns(out, element.at("columnPropertyMap"), indent);
   if (element.contains("text")) printElement(out, element.at("text"), indent);

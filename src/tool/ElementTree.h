@@ -1,5 +1,5 @@
-// Element trees for people: the same data as the JSON, with the words of the mapping language, one
-// line an element and the SQL text as it stands.
+// Element trees for people: the data of the JSON in the words of the mapping language, with one line per element and
+// the SQL text unchanged.
 #pragma once
 
 #include <iosfwd>
@@ -9,7 +9,7 @@
 namespace korvex {
 
 // Prints one entry of a dump, {"tag", "line", "element"} or {"tag", "line", "error"}. Absent
-// properties and defaults are left out.
+// properties and defaults are omitted.
 void printDefinitionTree(std::ostream& out, const Json& entry);
 
 }  // namespace korvex

@@ -7,7 +7,7 @@
 namespace korvex {
 namespace {
 
-// All in characters. A longer line is cut; the caret then has some of the line to its left.
+// All in characters. A longer line is cut, with some context to the left of the caret.
 constexpr std::size_t maxExcerptWidth = 100;
 constexpr std::size_t maxCaret = 80;
 constexpr std::size_t keptBeforeCaret = 40;
@@ -24,7 +24,7 @@ std::string_view lastCharacters(std::string_view text, std::size_t count) {
   return text.substr(begin);
 }
 
-// The text with its tabs left as they are.
+// The text with its tabs unchanged.
 std::string visibleWithTabs(std::string_view text) {
   std::string result;
   for (std::size_t tab = text.find('\t'); tab != std::string_view::npos; tab = text.find('\t')) {

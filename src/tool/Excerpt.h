@@ -1,4 +1,4 @@
-// The source line of a finding, and a caret below the place that is meant.
+// The source line of a finding, with a caret below the position.
 #pragma once
 
 #include <cstddef>
@@ -8,16 +8,15 @@
 
 namespace korvex {
 
-// The caret's line of an excerpt stands apart, so that it can be printed in a colour of its own.
+// The caret's line is separate, so that it can be printed in another colour.
 struct Excerpt {
   std::string line;
   std::string caretLine;
 };
 
-// The line of the character at that offset with the caret below it, which may be one past the end of
-// the line. The time it takes does not depend on the length of the line. Tabs stay tabs, other invisible characters are
-// escaped, wide ones count two columns, combining ones none, and of a long line only the part around the caret is kept,
-// an ellipsis where it was cut.
+// The line of the character at that offset, with the caret below it, which may be one past the end of the line. Takes
+// constant time for a line of any length. Tabs are kept, and other invisible characters escaped. Wide characters count
+// two columns, combining ones none. A long line is cut around the caret, with an ellipsis at each cut.
 [[nodiscard]] Excerpt excerptOf(const SourceText& source, std::size_t offset);
 
 }  // namespace korvex

@@ -1,4 +1,4 @@
-// Findings for programs.
+// Findings as JSON.
 #pragma once
 
 #include "checks/Finding.h"
@@ -6,7 +6,7 @@
 
 namespace korvex {
 
-// The finding as data, the message exactly as it is.
+// The finding with its exact message.
 [[nodiscard]] Json findingJson(const Finding& finding);
 
 }  // namespace korvex

@@ -17,7 +17,7 @@ namespace {
 constexpr std::string_view endsOfMessage = "%\r\n";
 constexpr std::string_view endsOfProperty = "%\r\n:,";
 
-// Percent-encodes these characters; what else is invisible is shown as an escape.
+// Percent-encodes these characters and escapes other invisible ones.
 std::string encoded(std::string_view text, std::string_view characters) {
   std::string result;
   for (const char character : text) {
@@ -31,7 +31,7 @@ std::string encoded(std::string_view text, std::string_view characters) {
 }
 
 void printColumns(std::ostream& out, const XMLPosition& begin, const XMLPosition& end) {
-  if (end.line > begin.line) return;  // annotations of several lines have none
+  if (end.line > begin.line) return;  // annotations of several lines have no columns
   out << ",col=" << begin.column << ",endColumn=" << std::max(begin.column, end.column - 1);
 }
 

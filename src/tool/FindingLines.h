@@ -1,4 +1,4 @@
-// Findings for programs that read lines.
+// Findings as lines.
 #pragma once
 
 #include <iosfwd>
@@ -8,7 +8,7 @@
 
 namespace korvex {
 
-// "path:line:column: severity: message [rule]" on one line, whatever the path and the message hold.
+// "path:line:column: severity: message [rule]" on one line, whatever the path and the message contain.
 void printShortFinding(std::ostream& out, const Finding& finding);
 
 // A workflow command of GitHub Actions, which makes the finding an annotation of a pull request. A

@@ -18,10 +18,10 @@ std::string replaced(std::string text, std::string_view what, std::string_view b
   return text;
 }
 
-// Braces would be places to fill.
+// Braces would be placeholders.
 std::string withoutPlaces(std::string text) { return replaced(replaced(std::move(text), "{", "{{"), "}", "}}"); }
 
-// A message that is shown as it is: "[text](target)" would be a link.
+// A literal message: "[text](target)" would be a link.
 Json messageText(std::string text) {
   text = withoutPlaces(std::move(text));
   if (text.find("](") != std::string::npos) text = replaced(replaced(std::move(text), "[", "\\["), "]", "\\]");

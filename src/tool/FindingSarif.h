@@ -15,7 +15,7 @@ namespace korvex {
 // notifications of the run and make it unsuccessful.
 [[nodiscard]] Json sarifLog(const std::vector<Finding>& findings, const std::vector<UnreadablePath>& unreadable);
 
-// The path as a reference that is relative where the path is; bytes that cannot stand in one are percent-encoded.
+// The path as a URI reference, relative if the path is relative; other bytes are percent-encoded.
 [[nodiscard]] std::string uriReference(std::string_view path);
 
 }  // namespace korvex

@@ -1,4 +1,4 @@
-// Findings for people and for the tools that read what compilers print.
+// Findings for people, and for tools that read the output of compilers.
 #pragma once
 
 #include <iosfwd>
@@ -7,8 +7,8 @@
 
 namespace korvex {
 
-// "path:line:column: severity: message [rule]" on one line, whatever the message holds; then the source line and a
-// caret, when there is a source, a line of help, and a line for each related place.
+// "path:line:column: severity: message [rule]" on one line, whatever the message contains; then the source line and
+// a caret, if there is a source, a line of help, and a line for each related position.
 void printFinding(std::ostream& out, const Finding& finding, bool color);
 
 }  // namespace korvex

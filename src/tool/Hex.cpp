@@ -11,7 +11,7 @@ constexpr std::string_view digits = "0123456789ABCDEF";
 constexpr std::string_view lowerDigits = "0123456789abcdef";
 constexpr std::string_view whiteSpace = " \t\r\n\v\f";
 
-// The value of a digit; npos when it is none.
+// The value of a digit; npos for any other character.
 std::size_t valueOf(char digit) { return std::min(digits.find(digit), lowerDigits.find(digit)); }
 
 std::string notADigit(std::string_view text, std::size_t at) {

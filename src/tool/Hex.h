@@ -6,15 +6,15 @@
 
 namespace korvex {
 
-// Two digits a byte, upper case, with the separator between the bytes.
+// Two digits per byte, in upper case, with the separator between bytes.
 [[nodiscard]] std::string hexText(std::string_view bytes, std::string_view separator = "");
 
 struct HexBytes {
   std::string bytes;
-  std::string error;  // why the text is no bytes, with the position from 1; empty when it is
+  std::string error;  // why the text is invalid, with the position from 1; empty if it is valid
 };
 
-// Two digits a byte, upper or lower case; white space may stand anywhere.
+// Two digits per byte, in upper or lower case, with any white space.
 [[nodiscard]] HexBytes bytesOfHex(std::string_view text);
 
 }  // namespace korvex

@@ -13,7 +13,7 @@
 namespace korvex {
 namespace {
 
-// Reads on past `most` bytes by a block at the most: enough to see that the input is too large.
+// Reads at most one block beyond `most` bytes: enough to detect an input that is too large.
 std::string readAll(std::istream& in, std::size_t most) {
   std::string bytes;
   std::array<char, 65536> block{};

@@ -1,4 +1,4 @@
-// From the paths of a command line to the documents behind them.
+// Reads the documents of the paths on a command line.
 #pragma once
 
 #include <iosfwd>
@@ -10,7 +10,7 @@
 
 namespace korvex {
 
-// How a path is shown.
+// The displayed form of a path.
 [[nodiscard]] std::string shownPath(const std::string& path);
 
 // "korvex-dao: PATH: MESSAGE" on one line.

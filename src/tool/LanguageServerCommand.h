@@ -12,7 +12,7 @@ struct LanguageServerOptions {
   std::size_t maximumBytes = lsp::Server::defaultMaximumBytes;  // of a message
 };
 
-// Serves on `console.in` and `console.out` until the client says "exit", or is gone.
+// Serves on `console.in` and `console.out` until the client sends "exit" or disconnects.
 [[nodiscard]] ExitCode runLanguageServer(const LanguageServerOptions& options, const Console& console);
 
 }  // namespace korvex

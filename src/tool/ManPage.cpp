@@ -9,7 +9,7 @@
 namespace korvex {
 namespace {
 
-// The characters that roff would take for something else.
+// The characters that roff would interpret.
 const char* escapeOf(char character) {
   switch (character) {
     case '\\':
@@ -46,10 +46,10 @@ std::string italic(const std::string& text) {
   return "\\fI" + roff(text) + "\\fR";
 }
 
-// "Exit codes:", and no sentence that ends in a colon.
+// Headings such as "Exit codes:", but not a sentence that ends with a colon.
 bool isHeading(const std::string& line) { return line.ends_with(':') && line.size() <= 16; }
 
-// Prose is filled; indented lines stay as they are.
+// Prose is filled; indented lines are unchanged.
 void writeText(std::ostream& out, const std::string& text) {
   std::istringstream lines(text);
   bool indented = false;

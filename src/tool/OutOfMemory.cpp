@@ -13,7 +13,7 @@ namespace {
 
 std::string_view inputInProgress;
 
-// Nothing here may allocate. That a message cannot be written changes nothing.
+// Nothing here may allocate. A failed write is ignored.
 void say(std::string_view text) { static_cast<void>(!write(STDERR_FILENO, text.data(), text.size())); }
 
 [[noreturn]] void endProcess() {

@@ -6,12 +6,11 @@
 
 namespace korvex {
 
-// From now on the process ends where an allocation fails, wherever that is: with a message that names the input in
-// progress, and the exit code for trouble. For main: to go on after std::bad_alloc is not for a program whose libraries
-// are built without exceptions.
+// Makes every failed allocation end the process, with a message that names the current input, and exit code 2. Call it
+// from main. The program cannot continue after std::bad_alloc, because its libraries are built without exceptions.
 void endWhenMemoryRunsOut();
 
-// Names an input for that message as long as it lives; the name must live as long. One thread, one at a time.
+// Names the input for that message during its lifetime; the name must live as long. One at a time, on one thread.
 class InputInProgress {
  public:
   explicit InputInProgress(const std::string& shownName);

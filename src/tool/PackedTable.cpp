@@ -13,10 +13,10 @@ namespace {
 using Line = std::array<std::string, 4>;
 using Widths = std::array<std::size_t, 3>;  // the last column ends the line
 
-// A longer cell pushes what follows on its line to the right; other lines stay as they are.
+// A longer cell moves the rest of its line to the right, but not other lines.
 constexpr std::size_t maxCellWidth = 40;
 
-// In characters.
+// The width in characters.
 std::size_t widthOf(std::string_view text) {
   std::size_t width = 0;
   for (; !text.empty(); text.remove_prefix(firstCharacter(text).size())) ++width;

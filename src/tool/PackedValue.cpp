@@ -26,7 +26,7 @@ Scalar scalarOf(std::string_view bytes) {
   return scalar;
 }
 
-// What JSON and people call the numbers that have no digits; null for any other.
+// The names of NaN and the infinities; null for any other number.
 template <typename Float>
 const char* nameOfSpecial(Float number) {
   if (std::isnan(number)) return "NaN";
@@ -53,7 +53,7 @@ std::string text(std::string_view bytes) {
   return {digits.data(), std::to_chars(digits.begin(), digits.end(), scalar).ptr};
 }
 
-// Any byte but 0 is true, but only 1 is ever written.
+// Any byte except 0 is true, but only 1 is ever written.
 template <>
 Json json<bool>(std::string_view bytes) {
   return bytes.front() != 0;
@@ -114,7 +114,7 @@ std::string reasonOf(QXDAOPackReadStatus status, QXDAOPackPart part, const QXDAO
 // -------------------------------------------------------------------------------------------
 // JSON
 
-// Null when the bytes are not UTF-8: JSON has no text for them.
+// Null if the bytes are not UTF-8, which JSON cannot represent.
 Json utf8Json(std::string_view bytes) { return isValidUTF8(bytes) ? Json(bytes) : Json(); }
 
 Json jsonContent(const QXDAOPackRecord& record) {

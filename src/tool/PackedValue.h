@@ -1,4 +1,4 @@
-// A packed column value as the tool reads it, and as data.
+// A packed column value, as records and as JSON.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,7 @@
 
 namespace korvex {
 
-// Where in a value the reading had to stop, and why.
+// Where and why reading a value stopped early.
 struct PackedStop {
   std::size_t offset;
   std::string reason;
@@ -22,19 +22,19 @@ struct PackedStop {
 struct PackedValue {
   std::size_t size = 0;                  // in bytes
   std::vector<QXDAOPackRecord> records;  // their views point into the value
-  std::optional<PackedStop> stop;        // absent when it was read to its end
+  std::optional<PackedStop> stop;        // absent if the value was read completely
 };
 
 [[nodiscard]] PackedValue readPackedValue(std::string_view value);
 
-// "string", "signed 32-bit" and so on, "unknown (35)" for a positive number that is no encode.
+// "string", "signed 32-bit" and so on, "unknown (35)" for an unknown positive encode.
 [[nodiscard]] std::string packedTypeName(QXDAOPackEncode encode);
 
-// What a record holds, for people: a number in as few digits as give it back, "NaN", "Infinity" or
-// "-Infinity", a text in quotes; what is no such thing as its bytes in hexadecimal digits.
+// The content of a record for people: a number with the fewest digits that restore it, "NaN", "Infinity" or
+// "-Infinity", or quoted text; anything else as bytes in hexadecimal digits.
 [[nodiscard]] std::string packedContentText(const QXDAOPackRecord& record);
 
-// The value for programs; docs/tool.md describes it.
+// The value as JSON, described in docs/tool.md.
 [[nodiscard]] Json packedValueJson(const PackedValue& value);
 
 }  // namespace korvex

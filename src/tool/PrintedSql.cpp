@@ -23,7 +23,7 @@ std::string headingOf(const Plan& plan, std::size_t entry, std::size_t unit) {
   return heading.empty() ? heading : "--" + heading + '\n';
 }
 
-// The SQL is printed as it is: it is the document's own text.
+// The SQL is printed unescaped, because it is the document's own text.
 void printUnit(std::ostream& out, const Assembly& assembly) {
   if (assembly.quits() || assembly.empty()) {
     out << (assembly.quits() ? "-- quits: nothing is run\n" : "-- nothing to run\n");

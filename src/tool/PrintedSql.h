@@ -1,4 +1,4 @@
-// What a method would run.
+// Prints what a method would run.
 #pragma once
 
 #include <string_view>
@@ -8,8 +8,8 @@
 
 namespace korvex {
 
-// Prints the SQL of each statement and below it its values, one a line. A method for each entry of a collection prints
-// all of them; both parts of a try are printed, whichever would run.
+// Prints the SQL of each statement, and its values below, one per line. A method with a foreach prints the statements
+// of every entry; both blocks of a try are printed.
 [[nodiscard]] ExitCode printSql(const Plan& plan, const Arguments& arguments, std::string_view table,
                                 const Console& console);
 

@@ -15,7 +15,7 @@ namespace {
 
 using Cells = std::vector<std::string>;
 
-constexpr std::size_t widestCell = 40;  // a wider one pushes what follows to the right
+constexpr std::size_t widestCell = 40;  // a wider one moves the rest of its line to the right
 constexpr std::size_t longestBlob = 16;
 
 bool isNumber(const Value& value) { return value.type() == ValueType::Integer || value.type() == ValueType::Real; }
@@ -90,7 +90,7 @@ void printJson(std::ostream& out, const std::vector<Dictionary>& rows) {
   out << jsonText(json) << '\n';
 }
 
-// RFC 4180, with line feeds alone. NULL is nothing, an empty text is "".
+// RFC 4180, with line feeds only. NULL is an empty field, empty text is "".
 std::string csvText(std::string_view text) {
   if (!text.empty() && text.find_first_of("\",\r\n") == std::string_view::npos) return std::string(text);
   std::string quoted = "\"";

@@ -10,8 +10,8 @@ namespace korvex {
 
 enum class RowFormat { Table, Json, Csv };
 
-// Each row by its columns; all of one select have the same ones. A table and CSV have a line with the columns' names
-// first, unless there is no row.
+// Prints the columns of each row; all rows of a select have the same columns. Tables and CSV begin with a line of
+// column names, unless there are no rows.
 void printRows(std::ostream& out, const std::vector<Dictionary>& rows, RowFormat format);
 
 }  // namespace korvex

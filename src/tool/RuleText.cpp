@@ -13,13 +13,13 @@ namespace {
 constexpr std::size_t width = 80;
 constexpr std::string_view indentation = "  ";
 
-// Errors cannot be switched off: a definition that broke such a rule is not there.
+// Errors cannot be disabled: a definition that violates such a rule is not built.
 std::string_view defaultOf(const Rule& rule) {
   if (rule.severity == Severity::Error) return "always on";
   return rule.onByDefault ? "on" : "off";
 }
 
-// The words of a text in lines that fit, each with the indentation in front.
+// The text wrapped into lines that fit, each indented.
 void printWrapped(std::ostream& out, std::string_view text, std::string_view indent) {
   std::istringstream words{std::string(text)};
   std::string line;

@@ -1,4 +1,4 @@
-// Rules and what they say, for people.
+// Rules and their explanations, for people.
 #pragma once
 
 #include <iosfwd>
@@ -11,14 +11,14 @@
 
 namespace korvex {
 
-// "..." for the place of a message that is filled.
+// The message with "..." for its placeholder.
 [[nodiscard]] std::string filledIn(std::string_view message);
-// The message of a finding, and on a line of its own the help, when there is any.
+// The message of a finding, and the help on a separate line, if there is any.
 [[nodiscard]] std::string messageWithHelp(const Finding& finding);
 
 // Everything about a rule, in lines of at most 80 characters.
 void printRule(std::ostream& out, const Rule& rule);
-// The name of each rule, whether it is on, and one sentence.
+// The name of each rule, its default, and one sentence.
 void printRules(std::ostream& out, std::span<const Rule> rules);
 
 // The names of the warnings, each with its title in a second column, in lines of at most 80 characters.

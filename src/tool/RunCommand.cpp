@@ -19,7 +19,7 @@ namespace {
 // ---------------------------------------------------------------------------------------------
 // Arguments
 
-// Either arguments or why there are none.
+// The arguments, or an error.
 struct ReadArguments {
   Arguments arguments;
   std::string error;
@@ -41,7 +41,7 @@ ReadArguments addedFile(ReadArguments read, const RunOptions& options, std::istr
   return read;
 }
 
-// What is no JSON is a text.
+// A value that is not JSON is text.
 std::optional<Value> valueOfWord(const std::string& word) {
   const Json json = Json::parse(word, nullptr, false);
   return json.is_discarded() ? std::optional(Value(word)) : valueOfJson(json);

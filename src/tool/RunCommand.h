@@ -22,7 +22,7 @@ struct RunOptions {
   bool write = false;
 };
 
-// Prints rows to `console.out`, and how many they are, or how many were changed, to `console.err`.
+// Prints rows to `console.out`, and the number of rows or changed rows to `console.err`.
 [[nodiscard]] ExitCode runMethod(const RunOptions& options, const Console& console);
 
 }  // namespace korvex

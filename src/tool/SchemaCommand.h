@@ -10,7 +10,7 @@ namespace korvex {
 
 struct SchemaOptions {
   schema::Format format = schema::Format::RelaxNgCompact;
-  std::string root;  // the tag of the root; empty for the usual
+  std::string root;  // the root tag; empty for the default
 };
 
 [[nodiscard]] ExitCode runSchema(const SchemaOptions& options, const Console& console);

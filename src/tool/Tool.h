@@ -9,9 +9,9 @@ namespace korvex {
 
 enum ExitCode : int {
   ExitCodeNothingFound = 0,
-  ExitCodeSomethingFound =
-      1,  // a refused definition, a malformed document, an unreadable packed value; a client that did not say goodbye
-  ExitCodeTrouble = 2,  // wrong usage, an input that cannot be read, an output that cannot be written
+  ExitCodeSomethingFound = 1,  // a refused definition, a malformed document, an unreadable packed value; a client that
+                               // exited without shutdown
+  ExitCodeTrouble = 2,         // invalid usage, unreadable input, output that cannot be written
 };
 
 // The process around the command. The streams are not owned.
@@ -20,11 +20,11 @@ struct Console {
   std::ostream& out;
   std::ostream& err;
   bool outIsTerminal = false;
-  bool noColor = false;  // the user asks for none; --color=always still wins
+  bool noColor = false;  // requested by the user; --color=always overrides it
 };
 
 // Runs the command on its arguments (without the program's name) and flushes `console.out`.
-// Whatever goes wrong ends as a message on `console.err`; nothing is thrown.
+// Every error becomes a message on `console.err`; nothing is thrown.
 [[nodiscard]] ExitCode runTool(const std::vector<std::string>& arguments, const Console& console);
 
 }  // namespace korvex

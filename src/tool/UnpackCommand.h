@@ -1,4 +1,4 @@
-// korvex-dao unpack: what a packed column holds.
+// korvex-dao unpack: the contents of packed columns.
 #pragma once
 
 #include <optional>
@@ -12,10 +12,10 @@ namespace korvex {
 
 enum class UnpackFormat { Table, Json };
 
-// One value from a file or from hexadecimal digits; a column of values when neither is given.
+// One value from a file or from hexadecimal digits; a column of values if neither is given.
 struct UnpackOptions {
   std::optional<std::string> path;
-  std::optional<std::string> hex;  // the digits, or "-" when standard input holds them
+  std::optional<std::string> hex;  // the digits, or "-" for standard input
   ColumnQuery column;
   UnpackFormat format = UnpackFormat::Table;
 };

@@ -41,7 +41,7 @@ class Upgrade {
   bool tell(const UpgradeStep& step) {
     _console.out << versionText(step.version);
     if (step.steps > 1) _console.out << ": step " << step.step + 1 << " of " << step.steps;
-    _console.out << std::endl;  // seen at once, also by who reads a pipe
+    _console.out << std::endl;  // flushed, so that a pipe sees each step at once
     return true;
   }
 

@@ -1,4 +1,4 @@
-// korvex-dao upgrade: a database to the newest version of its definitions.
+// korvex-dao upgrade: upgrades a database to the newest version of its definitions.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace korvex {
 
 struct UpgradeOptions {
   std::string definitions;  // a file, a directory, or - for standard input
-  std::string database;     // made when it is not there
+  std::string database;     // created if it is missing
 };
 
 // Prints each step as it begins, and the versions before and after.

@@ -14,7 +14,7 @@ struct Range {
   char32_t last;
 };
 
-// Characters that are not seen but act on the terminal or on the order of the line.
+// Invisible characters that affect the terminal or the direction of the line.
 constexpr Range invisible[] = {
     {0x00, 0x1F},      // C0 controls
     {0x7F, 0x9F},      // delete and C1 controls
@@ -69,7 +69,7 @@ bool isAmong(const Range (&ranges)[count], char32_t character) {
                      [character](const Range& range) { return range.first <= character && character <= range.last; });
 }
 
-// What the lead byte of a sequence says about it.
+// The data of a sequence that its lead byte gives.
 struct Sequence {
   std::size_t length;
   unsigned char leadMask;
@@ -81,7 +81,7 @@ constexpr Sequence sequences[] = {
 
 bool isScalar(char32_t value) { return value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF); }
 
-// The code point that the bytes are; absent when they are not UTF-8.
+// The code point of the bytes; absent if they are not UTF-8.
 std::optional<char32_t> decoded(std::string_view bytes) {
   const auto lead = static_cast<unsigned char>(bytes.front());
   for (const Sequence& sequence : sequences) {

@@ -1,5 +1,5 @@
-// Text from documents made safe to print: what would move the cursor, change colours or reorder a
-// line is written as an escape. Text is UTF-8; bytes that are not are escaped one by one.
+// Makes text from documents safe to print: characters that would move the cursor, change colours or reorder a line are
+// escaped. Text is UTF-8; invalid bytes are escaped one by one.
 #pragma once
 
 #include <cstddef>
@@ -18,11 +18,11 @@ namespace korvex {
 [[nodiscard]] std::size_t startOfCharacterBefore(std::string_view text, std::size_t end);
 
 // How many columns of a terminal a character takes: 0, 1 or 2. An approximation of Unicode's East Asian Width (UAX #11)
-// by whole blocks; what a terminal does with joined emoji, for one, is its own affair.
+// by whole blocks; terminals differ, for example with joined emoji.
 [[nodiscard]] std::size_t columnsOf(std::string_view character);
 
 // The text on one line: \n, \r and \t for line feed, carriage return and tab, \x1b for an escape,
-// \u202e for a character that reverses the line, and so on. A backslash stays as it is.
+// \u202e for a character that reverses the line, and so on. A backslash is unchanged.
 [[nodiscard]] std::string visibleText(std::string_view text);
 
 }  // namespace korvex

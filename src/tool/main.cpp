@@ -19,7 +19,7 @@ bool noColorWanted() {
 
 int main(int argc, char** argv) {
   korvex::endWhenMemoryRunsOut();
-  // With buffers of their own the streams notice every failed read and write.
+  // With their own buffers, the streams detect every failed read and write.
   std::ios::sync_with_stdio(false);
   return korvex::runTool({argv + (argc > 0 ? 1 : 0), argv + argc},
                          {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1, noColorWanted()});
