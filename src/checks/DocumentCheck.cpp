@@ -24,7 +24,7 @@ namespace {
 // Finding a similar name takes time proportional to the number of names.
 constexpr std::size_t maxHints = 100;
 
-// At the node at fault.
+// At the faulty node.
 Finding errorOf(const Definition& definition, const WarningList& list) {
   const QXDAOError& error = *definition.error;
   const XMLNode& origin = error.origin ? error.origin : definition.xml;

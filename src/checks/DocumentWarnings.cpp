@@ -113,7 +113,7 @@ void findDuplicateColumns(const Definition& definition, WarningList& list) {
   }
 }
 
-// In an attribute with names, which may have a mark in front of them.
+// In an attribute with names, which may have a prefix.
 void findRepeatedNames(const XMLNode& node, std::string_view attribute, std::string_view mark, Warning warning,
                        std::string_view message, WarningList& list) {
   std::optional<WrittenValue> written;

@@ -25,7 +25,7 @@ bool startsWithSmallLetter(std::string_view word) { return !word.empty() && word
 
 bool isZero(std::string_view word) { return word.find_first_not_of("+-0., ") == std::string_view::npos; }
 
-// "no", "false" and their likes in many languages begin with these letters.
+// The words for "no" and "false" in many languages begin with these letters.
 bool saysNo(std::string_view value) {
   const std::string lowered = asciiLowerCase(*spaceNewLineTabBothEndsTrimmed(OptionalStringView(value)));
   const std::string_view word = lowered;
@@ -57,7 +57,7 @@ std::optional<Doubt> doubtAboutWord(const AttributeEntry& attribute, std::string
 // ---------------------------------------------------------------------------------------------
 // Results
 
-// What other languages call the plain types; with a capital letter some of these may be classes.
+// Names of the plain types in other languages; capitalised, some of them may be classes.
 struct OtherName {
   std::string_view name;
   std::string_view type;
@@ -79,7 +79,7 @@ constexpr std::array<OtherName, 12> otherNames = {{
     {"dictionary", "{}"},
 }};
 
-// The plain type that is meant by a word which is none; empty when it is the name of a class.
+// The plain type that an unknown word probably means; empty if the word may be a class name.
 std::string_view typeMeantBy(std::string_view word, std::span<const std::string_view> types) {
   constexpr std::size_t shortestToGuess = 5;
   if (isOneOf(types, word)) return {};

@@ -35,7 +35,7 @@ bool isNeeded(const ElementEntry& element, const AttributeEntry& attribute) {
   return attribute.required || std::find(needed.begin(), needed.end(), attribute.name) != needed.end();
 }
 
-// The attributes that the element lacks and is refused for.
+// The missing attributes for which the element is rejected.
 std::vector<std::string_view> missingAttributes(const XMLNode& node, const ElementEntry& element) {
   std::vector<std::string_view> missing;
   for (const AttributeEntry& attribute : element.attributes) {

@@ -22,7 +22,7 @@ struct CheckedFile {
   [[nodiscard]] XMLPosition position(std::size_t offset) const { return source ? source->position(offset) : failedAt; }
 };
 
-// A range of a document. Lines and columns are worked out when they are asked for.
+// A range of a document. Lines and columns are computed on demand.
 struct Location {
   std::shared_ptr<const CheckedFile> file;  // never null in a finding that is reported
   Span span;

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view openingOfReference = "%{";
 
-// The first opening that stands in no SQL string, quoted name or comment; npos when there is none.
+// The first opening outside SQL strings, quoted names and comments; npos if there is none.
 std::size_t openingOutsideQuotes(std::string_view text) {
   constexpr std::string_view openings = "%'\"`[-/";
   SqlStretches stretches(text);
@@ -31,12 +31,12 @@ std::size_t openingOutsideQuotes(std::string_view text) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// References that were written out, and took text away with them
+// Expanded references that drop text
 
 bool isBlank(std::string_view text) { return text.find_first_not_of(xmlWhiteSpace) == std::string_view::npos; }
 
-// What is wrong with a reference whose parts do not make up all of it; empty when nothing is. Text before and behind
-// the format is passed over, and without entries the format itself is.
+// Describes the text that a reference drops; empty if it drops none. A reference ignores text before and after its
+// format, and, without entries, the format itself.
 std::string_view lossOf(const ReferenceList& reference) {
   const std::string_view inside = reference.inside;
   if (!reference.stars) return "this list reference has no entries and expands to nothing";
@@ -54,7 +54,7 @@ struct Loss {
   std::size_t opening = 0;
 };
 
-// Takes the first reference that loses text; those that begin and end in one SQL comment do no harm.
+// Reports the first reference that drops text; one that begins and ends in the same SQL comment is harmless.
 class LossFinder {
  public:
   explicit LossFinder(std::string_view text) : _text(text), _stretches(text) {}
@@ -72,7 +72,7 @@ class LossFinder {
   [[nodiscard]] const std::optional<Loss>& loss() const { return _loss; }
 
  private:
-  // Asked for places further and further on.
+  // Queried with increasing positions.
   bool isInComment(std::size_t begin, std::size_t end) {
     while (_stretch.end <= begin) _stretch = _stretches.at(_stretch.end);
     return _stretch.piece == SqlPiece::Comment && end < _stretch.end;
@@ -92,10 +92,10 @@ std::optional<Loss> lossIn(std::string_view text) {
 }
 
 // ---------------------------------------------------------------------------------------------
-// References that were not written out
+// References that are not expanded
 
-// Where in the text the opening stands that is still in its expansion, at `place`: in the part before the first
-// reference that was written out, or in the part behind the last; else the first one there is.
+// The position in the text of the opening that remains in its expansion at `place`: before the first expanded
+// reference, or after the last one; otherwise the first opening.
 std::size_t openingBeforeExpansion(std::string_view text, std::string_view expanded, std::size_t place) {
   if (text.substr(0, place) == expanded.substr(0, place) && text.substr(place).starts_with(openingOfReference)) {
     return place;
@@ -104,8 +104,8 @@ std::size_t openingBeforeExpansion(std::string_view text, std::string_view expan
   return text.ends_with(behind) ? text.size() - behind.size() : text.find(openingOfReference);
 }
 
-// The opening in the source: of those behind `from`, the one that has as many before it as in the text. It may be
-// written with character references; then `from` is as near as one gets.
+// The opening in the source: the one after `from` with the same ordinal as in the text. If it is written with character
+// references, `from` is the best approximation.
 Span placeInSource(const Places& places, std::size_t from, std::string_view text, std::size_t opening) {
   constexpr std::size_t maxPerByte = 16;  // comments included
   const std::string_view source = places.source().text().substr(from, maxPerByte * text.size());

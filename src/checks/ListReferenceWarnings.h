@@ -7,7 +7,7 @@
 
 namespace korvex {
 
-// In the texts that the element itself holds, not in those of elements inside it.
+// Checks the element's own texts, not those of elements inside it.
 void findUnfinishedReferences(const XMLNode& node, const ElementEntry& element, WarningList& list);
 
 }  // namespace korvex

@@ -19,7 +19,7 @@ struct WrittenValue {
   bool verbatim = false;                // it is written without character references
   std::vector<std::size_t> longBreaks;  // where in the value a space stands for the two bytes CR LF
 
-  // Where a piece of the value is, which must be a view into it; the whole when the value is not verbatim.
+  // The position of a piece of the value, which must be a view into it; the whole value if it is not verbatim.
   [[nodiscard]] Span of(std::string_view piece) const {
     if (!verbatim) return whole;
     const auto begin = static_cast<std::size_t>(piece.data() - value.data());
@@ -45,7 +45,7 @@ class Places {
   [[nodiscard]] static std::size_t offsetOf(const XMLNode& node) { return node.offset(); }
   // The element whose start tag begins there; null when there is none.
   [[nodiscard]] const MarkupElement* elementAt(std::size_t offset) const;
-  // The tag's "<" and name where an element begins, else the rest of the line, or as much of it as anybody reads.
+  // The "<" and name of a tag at that position; otherwise the rest of the line, up to a limit.
   [[nodiscard]] Span spanAt(std::size_t offset) const;
 
   // The name and the value of an element's attribute; the element's tag where neither is found.

@@ -39,7 +39,7 @@ struct Rule {
   std::string_view name;  // such as "unread-attribute"
   Severity severity = Severity::Error;
   bool onByDefault = true;
-  std::string_view message;       // of an error the message, "%@" the place that is filled; of a warning its title
+  std::string_view message;       // the message of an error, with "%@" as placeholder; the title of a warning
   std::string_view help = {};     // one sentence: how to fix it
   std::string_view meaning = {};  // a few sentences
   // Definitions that violate this rule alone, and that violate none.

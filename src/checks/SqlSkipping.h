@@ -28,7 +28,7 @@ class SqlStretches {
   static constexpr std::size_t delimiters = 6;
 
   std::string_view _sql;
-  std::array<bool, delimiters> _notClosed{};  // from there on, so that nobody seeks the end again
+  std::array<bool, delimiters> _notClosed{};  // from there on, to avoid repeated searches
 };
 
 }  // namespace korvex

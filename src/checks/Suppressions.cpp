@@ -9,7 +9,7 @@ namespace korvex {
 
 namespace {
 
-// Takes a word and the white space around it off the text; false when the text does not begin with it.
+// Removes a word and the white space around it from the front of the text; false if the text begins differently.
 bool takeWord(std::string_view& text, std::string_view word) {
   text.remove_prefix(std::min(text.find_first_not_of(xmlWhiteSpace), text.size()));
   if (!text.starts_with(word)) return false;

@@ -46,7 +46,7 @@ class WarningList {
   std::vector<FoundWarning> _warnings;
 };
 
-// What findings say about their definition.
+// The part of a finding that describes its definition.
 [[nodiscard]] std::shared_ptr<const Finding::InDefinition> inDefinition(const Definition& definition);
 
 }  // namespace korvex

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t lineWidth = 110;
 constexpr std::string_view noNamespace = "none";
 
-// Words that are no names unless a backslash stands in front.
+// Keywords, which are names only after a backslash.
 constexpr std::array<std::string_view, 19> keywords{
     "attribute", "default", "datatypes", "div",        "element", "empty", "external", "grammar", "include", "inherit",
     "list",      "mixed",   "namespace", "notAllowed", "parent",  "start", "string",   "text",    "token"};
@@ -34,7 +34,7 @@ bool fitsOneLine(const std::vector<std::string>& pieces, std::size_t indent) {
          });
 }
 
-// The pieces in brackets: on one line if they fit there, else each on its own.
+// The pieces in brackets: on one line if they fit, otherwise one per line.
 std::string bracketed(std::string_view opening, const std::vector<std::string>& pieces, std::string_view separator,
                       std::string_view closing, std::size_t indent, bool spaced) {
   const bool oneLine = fitsOneLine(pieces, indent + opening.size());

@@ -25,7 +25,7 @@ bool isOneOf(std::string_view name, std::span<const std::string_view> names) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-// One set of attributes for each of the names that is required in it.
+// One set of attributes for each of the names, in which that name is required.
 void addAlternatives(Element& element, const ElementEntry& entry) {
   const bool exactlyOne = entry.attributeRule == AttributeRule::ExactlyOne;
   const auto takesPart = [&](const AttributeEntry& attribute) {
@@ -55,7 +55,7 @@ Particle joined(Kind kind, std::vector<Particle> parts) {
   return {kind, {}, std::move(parts)};
 }
 
-// Text and elements that may stand anywhere in the element, in any number.
+// Text and elements that are allowed anywhere in the element, in any number.
 Particle freeContentOf(const ElementEntry& entry) {
   const ChildRules& rules = entry.childRules;
   const std::array bound{rules.last, rules.together, rules.alone};

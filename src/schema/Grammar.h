@@ -1,4 +1,4 @@
-// What a schema says of each element, apart from the language that it is written in.
+// The content of a schema, independent of the schema language.
 #pragma once
 
 #include <span>
@@ -9,19 +9,19 @@
 
 namespace korvex::schema {
 
-// What may stand inside an element: a regular expression over its texts and elements.
+// The allowed content of an element: a regular expression over texts and elements.
 struct Particle {
   enum class Kind { Empty, Text, Element, AnyElement, Sequence, Choice, Optional, ZeroOrMore, OneOrMore };
 
   Kind kind = Kind::Empty;
   std::string_view tag = {};         // of an element
-  std::vector<Particle> parts = {};  // several of a sequence or choice, one of what may be repeated or left out
+  std::vector<Particle> parts = {};  // several for a sequence or choice, one for an optional or repeated part
 };
 
 struct Value {
-  std::span<const std::string_view> words = {};  // beside the rest; an editor proposes them
-  std::string_view pattern = {};                 // of the rest; empty: any text
-  bool notEmpty = false;                         // the rest, without a pattern
+  std::span<const std::string_view> words = {};  // in addition to the pattern; editors suggest them
+  std::string_view pattern = {};                 // for other values; empty: any text
+  bool notEmpty = false;                         // for other values without a pattern
 };
 
 struct Attribute {
@@ -37,7 +37,7 @@ struct Element {
   std::string_view tag;
   std::string_view documentation;
   Attributes attributes = {};
-  std::vector<Attributes> alternatives = {};  // one of these comes to the attributes; none when there are none
+  std::vector<Attributes> alternatives = {};  // one of these is added to the attributes; may be empty
   bool anyOtherAttributes = false;
   bool oneAtLeast = false;  // of the other attributes
   Particle content = {};
@@ -45,10 +45,10 @@ struct Element {
 
 [[nodiscard]] std::vector<Element> grammar();
 
-// Every name of an attribute that the element knows.
+// The names of all attributes of the element.
 [[nodiscard]] std::vector<std::string_view> attributeNamesOf(const Element& element);
 
-// The element around the definitions: text and elements of other namespaces are passed over in it.
+// The element around the definitions: text and elements of other namespaces are ignored in it.
 inline constexpr std::string_view rootDocumentation = "Definitions, in any order.";
 
 }  // namespace korvex::schema

@@ -1,4 +1,4 @@
-// XML that is to be written.
+// XML output.
 #pragma once
 
 #include <string>
@@ -14,11 +14,11 @@ struct Node {
   std::vector<Node> children = {};
   std::string text = {};  // instead of children
 
-  // Empty when there is no such attribute.
+  // Empty if there is no such attribute.
   [[nodiscard]] std::string_view valueOf(std::string_view attribute) const;
 };
 
-// A document with this root, indented, and a comment in front of the root.
+// An indented document with this root, and a comment before the root.
 [[nodiscard]] std::string xmlText(const Node& root, std::string_view comment);
 
 }  // namespace korvex::schema

@@ -122,7 +122,7 @@ Node definitionOfRoot(std::string_view tag) {
   return definition(rootElement, std::move(node));
 }
 
-// An element of such a name, with whatever in it.
+// An element of such a name, with any content.
 Node definitionOfAnything(std::string_view name, Node nameClass) {
   const Node inside{"choice", {}, {{"text"}, reference(anyElement)}};
   return definition(name,

@@ -27,7 +27,7 @@ bool isASCIILetter(char character) {
   return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
 }
 
-// What lies beyond ASCII is left to the reader of the schema.
+// Characters beyond ASCII are not checked.
 bool mayBegin(char character) {
   return isASCIILetter(character) || character == '_' || static_cast<unsigned char>(character) >= 0x80;
 }

@@ -12,7 +12,7 @@ namespace korvex::schema {
 // The RELAX NG schema of the elements, with a root of any tag when it is empty.
 [[nodiscard]] Node relaxNg(const std::vector<Element>& elements, std::string_view root);
 
-// The compact syntax of what relaxNg() gives.
+// The result of relaxNg() in compact syntax.
 [[nodiscard]] std::string compactText(const Node& relaxNg);
 
 [[nodiscard]] Node xmlSchema(const std::vector<Element>& elements, std::string_view root);

@@ -28,7 +28,7 @@ Node simpleType(Node content) { return {"xs:simpleType", {}, {std::move(content)
 
 Node facet(std::string_view name, std::string_view value) { return {xs(name), {{"value", std::string(value)}}}; }
 
-// What is not one of the words: a restriction of xs:string, or xs:string itself without any facet.
+// For values other than the words: a restriction of xs:string, or xs:string itself without facets.
 std::vector<Node> facetsOf(const Value& value) {
   if (!value.pattern.empty()) return {facet("pattern", value.pattern)};
   if (value.notEmpty) return {facet("minLength", "1")};
@@ -63,8 +63,8 @@ Node declarationOf(const Attribute& attribute) {
   return node;
 }
 
-// XML Schema cannot say that one attribute or the other is required, nor that a value may then not be empty: the first
-// alternative that may do without the attribute declares it, or else the first of all.
+// XML Schema cannot express that one of two attributes is required, or that its value must not be empty. The first
+// alternative in which the attribute is optional declares it, otherwise the first alternative.
 Attribute loosened(std::string_view name, const Element& element) {
   Attribute result;
   for (const Attributes& alternative : element.alternatives) {
@@ -107,7 +107,7 @@ void setOccurrence(Node& node, Particle::Kind kind) {
 
 Node particleOf(const Particle& particle);
 
-// Text is for the type to allow, not for its particles. A choice of one element is that element.
+// Text is allowed by the type, not by its particles. A choice of one element is that element.
 Node modelGroupOf(const Particle& particle) {
   Node group{particle.kind == Particle::Kind::Choice ? "xs:choice" : "xs:sequence"};
   for (const Particle& part : particle.parts) {
@@ -159,7 +159,7 @@ Node typeOf(const Element& element) {
   return type;
 }
 
-// Without content, but for white space: an empty type would not even have that.
+// No content except white space, which an empty type would not allow.
 Node typeOfNothing() {
   Node type = simpleType(restriction("xs:token", {facet("maxLength", "0")}));
   type.attributes.emplace_back("name", nothingType);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// By convention an empty NO_COLOR says nothing.
+// By convention, an empty NO_COLOR has no effect.
 bool noColorWanted() {
   const char* value = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): before any thread runs
   return value != nullptr && !std::string_view(value).empty();
