@@ -251,13 +251,14 @@ def summary(results, reasons):
     unexplained = [mutant for mutant in survivors if mutant.key() not in reasons]
     stale = [mutant for mutant, result in results if result != "survived" and mutant.key() in reasons]
     compiled = counts["killed"] + counts["survived"]
-    rate = counts["killed"] / max(1, compiled)
+    explained = len(survivors) - len(unexplained)
+    rate = counts["killed"] / max(1, compiled - explained)
     for mutant in unexplained:
         print(f"\nsurvived without a reason: line {mutant.line} of\n{mutant.diff()}")
     for mutant in stale:
         print(f"\nnoticed, so its reason can go: line {mutant.line} of\n{mutant.diff()}")
-    print(f"\n{compiled} mutants: {counts['killed']} killed ({rate:.1%}), {counts['survived']} survived, "
-          f"{len(survivors) - len(unexplained)} of them explained; {counts['does not compile']} more do not compile")
+    print(f"\n{compiled} mutants: {counts['killed']} killed, {rate:.1%} of those that a test can notice; "
+          f"{explained} change nothing, as scripts/mutants.txt explains; {counts['does not compile']} more do not compile")
     return not unexplained and rate >= WANTED_RATE
 
 

@@ -10,6 +10,7 @@
 #include "korvex/Definition.h"
 #include "korvex/DefinitionIndex.h"
 #include "korvex/Document.h"
+#include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOMethod.h"
 #include "korvex/QXDAOText.h"
 #include "korvex/SourceText.h"
@@ -463,12 +464,19 @@ TEST(Definitions, ChildrenOfTheRootOrTheRootItself) {
 }
 
 TEST(Definitions, ElementsOutliveTheDocument) {
+  constexpr std::size_t count = 5000;  // which takes several blocks of memory
   std::vector<Definition> definitions;
   {
-    const auto result = Document::fromBytes("<d><const A='x'/></d>");
+    const auto result = Document::fromBytes("<d><const A='x'/><update id='u'>" +
+                                            repeated("<if true='a'>x</if>", count) + "</update></d>");
     definitions = loadDefinitions(*result.document);
   }
   EXPECT_EQ(definitions.at(0).element->name(), "A");
+  const auto* update = QXDAOElementCast<QXDAOMethod>(definitions.at(1).element.get());
+  ASSERT_EQ(update->children()->size(), count);
+  for (const auto& child : *update->children()) {
+    EXPECT_EQ(QXDAOElementCast<QXDAOCondition>(child.get())->expression(), "a");
+  }
 }
 
 // What each thread finds in a document that all share, and in one of its own.

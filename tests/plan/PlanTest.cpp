@@ -121,6 +121,7 @@ TEST(Plan, EntriesOfAMethodsForeach) {
     ASSERT_FALSE(assembly.assemble(plan.units()[0]));
     EXPECT_EQ(assembly.values()[2].value, ValueView::ofText(number));
   }
+  EXPECT_EQ(assemble(plan.units()[0], arguments).values.at(2).view(), ValueView::ofText("1"));
 }
 
 TEST(Plan, DigestsTellArgumentsApart) {
