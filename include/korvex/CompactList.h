@@ -10,15 +10,14 @@
 
 namespace korvex {
 
-// Owns its items. Their memory is its own, too, or belongs to the element tree of which the list is a
-// part, and then outlives it.
+// Owns its items. Their memory belongs to the list, or to the list's element tree, which then outlives the list.
 template <typename T>
 class CompactList {
  public:
   using View = std::optional<std::span<const T>>;
 
   CompactList() = default;
-  // Takes over constructed items, and their memory if `ownsMemory`: it then comes from operator new.
+  // Takes ownership of constructed items and, if `ownsMemory`, of their memory, which must come from operator new.
   CompactList(std::span<const T> items, bool ownsMemory) : _view(items), _ownsMemory(ownsMemory) {}
   CompactList(CompactList&& other) noexcept
       : _view(std::exchange(other._view, std::nullopt)), _ownsMemory(std::exchange(other._ownsMemory, false)) {}
@@ -34,9 +33,9 @@ class CompactList {
     if (_ownsMemory) ::operator delete(all.data());
   }
 
-  // Refers to this list; the items are valid until it is assigned to or destroyed.
+  // A view of the list, valid until the list is assigned to or destroyed.
   [[nodiscard]] const View& view() const { return _view; }
-  // None if the list is absent.
+  // Empty if the list is absent.
   [[nodiscard]] std::span<T> items() {
     return _view ? std::span<T>(const_cast<T*>(_view->data()), _view->size()) : std::span<T>();
   }

@@ -10,8 +10,8 @@
 
 namespace korvex {
 
-// Owns its characters, or refers to characters that outlive it: those that lie in the memory of the
-// element tree to which the string belongs. A copy always owns its characters.
+// Owns its characters, or borrows them from the memory of its element tree, which outlives the string. A copy always
+// owns its characters.
 class CompactString {
  public:
   CompactString() = default;
@@ -39,7 +39,7 @@ class CompactString {
     return string;
   }
 
-  // Valid until this string is assigned to or destroyed; of a borrowed string as long as its characters.
+  // Valid until this string is assigned to or destroyed; for a borrowed string, while its characters live.
   [[nodiscard]] OptionalStringView view() const {
     return _characters ? OptionalStringView(std::in_place, _characters, _size & ~ownerBit) : std::nullopt;
   }
@@ -53,7 +53,7 @@ class CompactString {
   static constexpr std::size_t ownerBit = std::numeric_limits<std::size_t>::max() / 2 + 1;
 
   const char* _characters = nullptr;  // null if the string is absent
-  std::size_t _size = 0;              // of the characters, and the bit if the string owns them
+  std::size_t _size = 0;              // the number of characters, and a bit that is set if the string owns them
 };
 
 }  // namespace korvex

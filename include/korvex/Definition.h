@@ -1,4 +1,4 @@
-// The definitions of a document, each built or refused.
+// The definitions of a document, each of them built or rejected.
 #pragma once
 
 #include <memory>
@@ -13,20 +13,20 @@
 
 namespace korvex {
 
-// One definition of a document, built or refused.
+// One definition of a document, built or rejected.
 struct Definition {
-  XMLNode xml;                            // valid while the document lives, as is everything read through it
-  std::unique_ptr<QXDAOElement> element;  // null if it was refused
-  std::unique_ptr<QXDAOError> error;      // null if it was built; its nodes are valid while the document lives
+  XMLNode xml;                            // valid while the document lives, like everything read through it
+  std::unique_ptr<QXDAOElement> element;  // null if the definition was rejected
+  std::unique_ptr<QXDAOError> error;  // null if the definition was built; its nodes are valid while the document lives
 
   [[nodiscard]] std::string_view tag() const { return xml.name().value_or(std::string_view()); }
   // The position of its start tag.
   [[nodiscard]] XMLPosition position() const { return xml.position().value_or(XMLPosition()); }
 };
 
-// Builds every definition of a document, in document order; a refused one does not stop the rest.
-// Definitions are the child elements of the root. A root that is itself a definition (select, sql,
-// map…) is the only one. The elements may outlive the document.
+// Builds every definition of a document, in document order; a rejected one does not affect the others. Definitions are
+// the child elements of the root. If the root is itself a definition (select, sql, map…), it is the only one. The
+// elements may outlive the document.
 [[nodiscard]] KORVEX_EXPORT std::vector<Definition> loadDefinitions(const Document& document);
 
 }  // namespace korvex

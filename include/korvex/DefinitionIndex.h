@@ -14,12 +14,12 @@
 namespace korvex {
 
 // For apps that use few of their definitions at a time and whose documents were checked when the app
-// was built: an error in a definition is found only when that definition is requested.
-// All operations may run on any thread. Places count from 0, in document order, and must be less
+// was built: an error in a definition is reported only when that definition is requested.
+// All operations may run on any thread. Indexes count from 0, in document order, and must be less
 // than size(). Views and references are valid while the index lives.
 class KORVEX_EXPORT DefinitionIndex {
  public:
-  // Finds the definitions that loadDefinitions would build, but builds none. The document must not be null.
+  // Finds the definitions that loadDefinitions would build, without building them. The document must not be null.
   explicit DefinitionIndex(std::unique_ptr<const Document> document);
   DefinitionIndex(const DefinitionIndex&) = delete;
   DefinitionIndex& operator=(const DefinitionIndex&) = delete;
@@ -28,15 +28,15 @@ class KORVEX_EXPORT DefinitionIndex {
   [[nodiscard]] const Document& document() const { return *_document; }
   [[nodiscard]] std::size_t size() const { return _size; }
 
-  // Read from the document, whether the definition is valid or not. The name is the one that the
-  // element would have; it is absent for upgrades, crypts and packs.
+  // Read from the document, whether or not the definition is valid. The name is that of the element; it is absent for
+  // upgrades, crypts and packs.
   [[nodiscard]] std::string_view tag(std::size_t place) const;
   [[nodiscard]] OptionalStringView name(std::size_t place) const;
   // The position of the start tag.
   [[nodiscard]] XMLPosition position(std::size_t place) const;
 
-  // The definition, with the element or the error that loadDefinitions would give it. It is built once,
-  // by the first call for its place; concurrent calls for the same place wait for it.
+  // The definition, with the element or error that loadDefinitions would produce. The first call for an index builds
+  // it; concurrent calls for the same index wait.
   [[nodiscard]] const Definition& operator[](std::size_t place) const;
 
  private:

@@ -5,8 +5,8 @@
 //   DefinitionSetBuilder::Result result = std::move(builder).build();
 //   if (!result.set) report(result.errors);
 //
-// What only all documents together can tell is found here, and all of it is reported at once: names that are declared
-// twice, references, maps and values that nobody declares, references in a circle, expressions that do not parse.
+// Building a set finds the errors that depend on all documents, and reports all of them at once: duplicate names,
+// undeclared references, maps and values, circular references, expressions that do not parse.
 #pragma once
 
 #include <cstddef>
@@ -29,31 +29,31 @@ namespace korvex {
 // Why a set cannot be built.
 struct DefinitionError {
   std::string message;
-  std::string document;  // the name that the document was added by
-  XMLPosition position;  // of what is at fault
+  std::string document;  // the name under which the document was added
+  XMLPosition position;  // of the faulty character
 };
 
-// Never changed once it is built; threads share it. It holds the elements, and nothing of the documents.
+// Immutable once built, so threads can share it. It owns the elements and does not need the documents.
 class KORVEX_EXPORT DefinitionSet {
  public:
   DefinitionSet(const DefinitionSet&) = delete;
   DefinitionSet& operator=(const DefinitionSet&) = delete;
   ~DefinitionSet();
 
-  // Null when there is none of that name.
+  // Null if there is none with that name.
   [[nodiscard]] const Plan* plan(std::string_view name) const;
-  // The methods without the upgrades, in the order of their names.
+  // The methods, in the order of their names, without the upgrades.
   [[nodiscard]] std::span<const Plan* const> plans() const;
   // From the lowest version, "initial", to the highest.
   [[nodiscard]] std::span<const Plan* const> upgrades() const;
 
   [[nodiscard]] const QXDAOMap* map(std::string_view name) const;
-  // The pack that stores its properties in a column of that name.
+  // The pack whose column has that name.
   [[nodiscard]] const QXDAOPack* pack(std::string_view column) const;
-  // Whether a property of a class, or of one that it derives from, is declared by <crypt>.
+  // Whether a <crypt> declares that property for the class or one of its base classes.
   [[nodiscard]] bool encrypts(const ModelClass& modelClass, std::string_view property) const;
 
-  // The documents by the names that they were added by, in their order.
+  // The names of the documents, in the order in which they were added.
   [[nodiscard]] std::span<const std::string> documents() const;
   [[nodiscard]] std::uint32_t unitCount() const;
 
@@ -67,7 +67,7 @@ class KORVEX_EXPORT DefinitionSet {
 class KORVEX_EXPORT DefinitionSetBuilder {
  public:
   struct Result {
-    std::shared_ptr<const DefinitionSet> set;  // null when there is an error
+    std::shared_ptr<const DefinitionSet> set;  // null if there is an error
     std::vector<DefinitionError> errors;       // by document, then by place
   };
 
@@ -76,8 +76,8 @@ class KORVEX_EXPORT DefinitionSetBuilder {
   DefinitionSetBuilder& operator=(DefinitionSetBuilder&&) noexcept;
   ~DefinitionSetBuilder();
 
-  // Takes the definitions of one document, built and refused ones. The document stays alive until the set is built: the
-  // places of what is at fault are read from it.
+  // Adds the definitions of one document, including rejected ones. The document must live until the set is built,
+  // because the positions of errors are read from it.
   void add(std::string document, std::vector<Definition> definitions);
   [[nodiscard]] Result build() &&;
 

@@ -46,7 +46,7 @@ class KORVEX_EXPORT Document {
   struct Result;
 
   // Parses bytes: UTF-8, or UTF-16, ISO-8859-1 or US-ASCII if the document declares it. Strict or
-  // not, a DOCTYPE that declares entities or attributes is refused, and external references are never
+  // not, a DOCTYPE that declares entities or attributes is rejected, and external references are never
   // loaded. Moved-in bytes are not copied if they are UTF-8 without a byte order mark.
   [[nodiscard]] static Result fromBytes(std::string bytes, const LoadOptions& options = {});
   // Reads and parses a file. A missing file, a directory and the like fail with
@@ -60,7 +60,7 @@ class KORVEX_EXPORT Document {
   // The root element; never null.
   [[nodiscard]] XMLNode root() const;
   [[nodiscard]] const SourceText& source() const;
-  // The same text, for whoever needs it longer than the document.
+  // The same text, for use beyond the lifetime of the document.
   [[nodiscard]] const std::shared_ptr<const SourceText>& sharedSource() const;
 
  private:

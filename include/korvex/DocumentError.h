@@ -9,15 +9,15 @@
 
 namespace korvex {
 
-// What keeps a whole document from being read.
+// Why a document cannot be read.
 enum class DocumentErrorKind { Unreadable, TooLarge, Malformed, TooDeep, OutOfMemory, ExpansionTooLarge };
 
-// Whether such an error says that something is wrong with the document, and not that it could not be read here and now.
+// Whether the error is in the document itself, not in the attempt to read it.
 [[nodiscard]] constexpr bool blamesDocument(DocumentErrorKind kind) {
   return kind != DocumentErrorKind::Unreadable && kind != DocumentErrorKind::OutOfMemory;
 }
 
-// The reasons one by one. The numbers may change between versions.
+// The specific reasons. The numeric values may change between versions.
 enum class DocumentRule : std::uint8_t {
   UnreadableFile,
   UnreadableInput,  // a stream, such as standard input
@@ -37,7 +37,7 @@ enum class DocumentRule : std::uint8_t {
   ControlCharacter,
   Noncharacter,
 
-  // What a DOCTYPE must not bring
+  // Forbidden in a DOCTYPE
   EntityDeclaration,
   AttributeListDeclaration,
   ParameterEntityReference,
@@ -71,7 +71,7 @@ enum class DocumentRule : std::uint8_t {
   MissingWhiteSpace,
   MisplacedSlash,
 
-  // Characters out of place
+  // Misplaced characters
   UnknownEntity,
   BareAmpersand,
   BareLessThan,
@@ -81,7 +81,7 @@ enum class DocumentRule : std::uint8_t {
   MisplacedWhiteSpace,
   UnexpectedCharacter,
 
-  // In the words of a parser
+  // With the message of a parser
   NotWellFormed,
   NoTree,
 };
@@ -89,9 +89,9 @@ enum class DocumentRule : std::uint8_t {
 struct KORVEX_EXPORT DocumentError {
   DocumentRule rule = DocumentRule::NotWellFormed;
   std::string message;        // one line without a final period
-  XMLPosition position = {};  // line 1, column 1 where the error is about the file as a whole
-  // The same in bytes from the beginning of the source text; 0 where there is no source text. Its position is then the
-  // parser's own.
+  XMLPosition position = {};  // line 1, column 1 if the error is about the whole file
+  // The byte offset of the position in the source text. Without a source text it is 0, and the position is the parser's
+  // own.
   std::size_t offset = 0;
 
   [[nodiscard]] DocumentErrorKind kind() const;

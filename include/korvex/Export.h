@@ -1,7 +1,7 @@
-// Marks what the shared libraries offer; everything else stays inside them.
+// Marks the exported symbols of the shared libraries; all other symbols are hidden.
 #pragma once
 
-// Static libraries export nothing, so that an app's own library that they are linked into does not either.
+// Static libraries export nothing, so a shared library of an app that links them does not export their symbols.
 #ifdef KORVEX_SHARED
 #define KORVEX_EXPORT __attribute__((visibility("default")))
 #else

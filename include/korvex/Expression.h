@@ -1,6 +1,6 @@
-// Whether the tokens of a condition form an expression, and where they stop to.
+// Checks whether the tokens of a condition form a valid expression.
 //
-// docs/execution.md has the grammar. QXDAOEvaluator finds tokens; this says what they add up to.
+// docs/execution.md has the grammar. QXDAOEvaluator finds the tokens; this parses them.
 #pragma once
 
 #include <cstddef>
@@ -15,11 +15,11 @@
 namespace korvex {
 
 struct ExpressionFault {
-  std::size_t offset = 0;  // in bytes from the beginning of the expression; its length where something is missing
+  std::size_t offset = 0;  // in bytes from the start of the expression; its length if something is missing at the end
   std::string message;
 };
 
-// Absent when the expression parses. The tokens are those of the expression. Any thread.
+// Absent if the expression is valid. The tokens must be those of the expression. May run on any thread.
 [[nodiscard]] KORVEX_EXPORT std::optional<ExpressionFault> findExpressionFault(std::string_view expression,
                                                                                std::span<const QXDAOToken> tokens);
 

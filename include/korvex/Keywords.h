@@ -58,7 +58,7 @@ inline constexpr std::string_view C_PACK = "pack";
 inline constexpr std::string_view C_PROPERTIES = "properties";
 inline constexpr std::string_view C_AS = "as";
 
-// What a row of a result becomes, beside objects.
+// The types that a row can become, besides objects.
 inline constexpr std::string_view C_INT = "int";
 inline constexpr std::string_view C_LONG_LONG = "long long";
 inline constexpr std::string_view C_BOOL = "bool";
@@ -67,7 +67,7 @@ inline constexpr std::string_view C_STRING = "string";
 inline constexpr std::string_view C_BINARY = "binary";
 inline constexpr std::string_view C_COLUMN_MAP = "{}";
 
-// The tags of definitions, the elements right below the root, in the order of docs/language.md.
+// The tags of definitions, which are the children of the root, in the order of docs/language.md.
 inline constexpr std::array definitionTags{C_SELECT, C_UPDATE, C_INSERT, C_DELETE, C_UPGRADE,
                                            C_SQL,    C_CONST,  C_MAP,    C_CRYPT,  C_PACK};
 

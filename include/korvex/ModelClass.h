@@ -6,7 +6,7 @@
 //   class Person : public Model<Person> {
 //    public:
 //     static void describe(ModelDescription<Person>& model) {
-//       model.className("Person");                         // by which definitions speak of it
+//       model.className("Person");                         // the name in definitions
 //       model.property("nickname", &Person::_nickname);    // backed by the field "_nickname"
 //       model.property("age", &Person::_years, "_years");  // by a field of another name
 //       model.propertyWithoutField<bool>("adult");         // computed
@@ -16,23 +16,23 @@
 //     OptionalString _nickname;
 //     std::int32_t _years = 0;
 //   };
-//   class Employee : public Model<Employee, Person> { … };  // has what Person declares, too
+//   class Employee : public Model<Employee, Person> { … };  // inherits the properties of Person
 //
-// The C++ type of a field decides at compile time what it can hold:
+// The C++ type of a field determines at compile time what it can store:
 //
 //   bool, the integers, float, double       scalar, type code "B", "c" … "d"
-//   enumerations of fixed underlying type   scalar, as the underlying type
-//   OptionalString, std::string             string; a std::string takes "absent" as empty
+//   enumerations with a fixed type          scalar, as the underlying type
+//   OptionalString, std::string             string; absent becomes empty in a std::string
 //   OptionalNumber                          number object
-//   std::vector<std::byte>, also optional   binary; without optional, "absent" is taken as empty
+//   std::vector<std::byte>, also optional   binary; absent becomes empty without optional
 //   std::shared_ptr<T>, std::weak_ptr<T>,
-//   T* with T a model class                 object, held strongly, weakly, or not at all
-//   std::optional of a scalar               refused: an OptionalNumber is what can be packed
-//   any other class                         object that can be neither read nor replaced
+//   T* with T a model class                 object; a strong, weak or non-owning reference
+//   std::optional of a scalar               compile-time error; use OptionalNumber
+//   any other class                         object that cannot be read or replaced
 //
-// A class is described once, when it is first used, on whichever thread; afterwards it is only read, and
-// it lives until the program ends. So do its handles and names. Objects belong to the caller, who keeps
-// other threads from changing one while its fields are read or replaced.
+// A class is described once, on first use, on any thread. Its description, handles and names are then immutable and
+// live until the program ends. Objects belong to the caller, who must not let another thread change an object while its
+// fields are read or replaced.
 #pragma once
 
 #include <concepts>
@@ -84,16 +84,16 @@ inline constexpr const char* numberTypeCode = "@\"Number\"";
 inline constexpr const char* binaryTypeCode = "@\"Binary\"";
 inline constexpr const char* objectTypeCode = "@";
 
-// Reads and replaces a field that holds a Value; both are null for any other field.
+// Reads and replaces a field of type Value; both are null for other fields.
 template <typename Value>
 struct FieldOperations {
   Value (*get)(const void* field) = nullptr;
   void (*set)(void* field, const Value& value) = nullptr;
 };
 
-// How a scalar field is read and replaced; all are null for other fields. A number is converted to the field's type: in
-// a bool everything but 0 is true, an integer is rounded where the field is a float or double. False, and nothing is
-// changed, when an integer field has no such value: out of range, with a fraction, not a number.
+// Reads and replaces a scalar field; all are null for other fields. Numbers are converted to the type of the field: for
+// a bool, everything except 0 is true; for a float or double, an integer is rounded. Storing returns false and changes
+// nothing if an integer field cannot represent the number: out of range, with a fraction, or NaN.
 struct ScalarOperations {
   NumberObject (*get)(const void* field) = nullptr;
   bool (*setInteger)(void* field, std::int64_t integer) = nullptr;
@@ -119,22 +119,21 @@ struct ModelProperty {
 
 // The description of one class; built by Model and never changed afterwards.
 struct ModelClass {
-  const ModelClass* superclass = nullptr;  // null when no other model class is derived from
-  std::vector<ModelProperty> properties;   // both in the order of their names
+  const ModelClass* superclass = nullptr;  // null if the class derives from no other model class
+  std::vector<ModelProperty> properties;   // properties and fields are sorted by name
   std::vector<ModelField> fields;
-  std::string name;  // empty when the class has not given itself one
-  // A new object; null when the class has no public constructor without arguments.
+  std::string name;  // empty if the class has no name
+  // Creates an object; null if the class has no public default constructor.
   std::shared_ptr<ModelObject> (*create)() = nullptr;
 };
 
-// Inserts an entry into the sorted list of a class; if a name is described more than once, its first
-// entry counts.
+// Inserts an entry into the sorted list of a class. Of several entries with the same name, the first one counts.
 KORVEX_EXPORT void addEntry(std::vector<ModelProperty>& properties, ModelProperty property);
 KORVEX_EXPORT void addEntry(std::vector<ModelField>& fields, ModelField field);
 
 // ---------------------------------------------------------------------------------------------
-// Introspection. Names are compared exactly. A class is searched before its ancestors; null means that
-// none of them declares the name.
+// Introspection. Names are compared exactly. A class is searched before its base classes; null means that none of them
+// declares the name.
 
 [[nodiscard]] KORVEX_EXPORT const ModelClass& getClass(const ModelObject& object);
 [[nodiscard]] KORVEX_EXPORT const ModelProperty* getProperty(const ModelClass& modelClass, std::string_view name);
@@ -142,7 +141,7 @@ KORVEX_EXPORT void addEntry(std::vector<ModelField>& fields, ModelField field);
 // "TB,N,V_crypted".
 [[nodiscard]] KORVEX_EXPORT const char* getPropertyAttributes(const ModelProperty& property);
 [[nodiscard]] KORVEX_EXPORT const char* getPropertyName(const ModelProperty& property);
-// The backing field of a property, as the class or an ancestor declares it; null if there is none.
+// The backing field of a property, declared by the class or a base class; null if there is none.
 [[nodiscard]] KORVEX_EXPORT const ModelField* getPropertyField(const ModelClass& modelClass,
                                                                const ModelProperty& property);
 [[nodiscard]] KORVEX_EXPORT const ModelField* getField(const ModelClass& modelClass, std::string_view name);
@@ -151,20 +150,20 @@ KORVEX_EXPORT void addEntry(std::vector<ModelField>& fields, ModelField field);
 [[nodiscard]] KORVEX_EXPORT std::ptrdiff_t getFieldOffset(const ModelField& field);
 // The value of an object-valued field; absent for a scalar field.
 [[nodiscard]] KORVEX_EXPORT ObjectValue getObjectField(const ModelObject& object, const ModelField& field);
-// Replaces the value of an object-valued field, by the ownership rule of the field. A value that the
-// field cannot hold counts as absent; a scalar field is left alone.
+// Replaces the value of an object-valued field; the field determines the ownership. A value of an unsuitable type
+// counts as absent. A scalar field is unchanged.
 KORVEX_EXPORT void setObjectField(ModelObject& object, const ModelField& field, const ObjectValue& value);
 
-// Beyond these nine, what readers and writers of whole objects want in one step:
+// Shortcuts for code that reads and writes whole objects:
 
-// The field that backs a property; null when no such property is declared, or it is computed.
+// The backing field of a property; null if the property is computed or not declared.
 [[nodiscard]] KORVEX_EXPORT const ModelField* fieldOfProperty(const ModelClass& modelClass, std::string_view property);
-// The value of a scalar field in the field's own type; absent for an object-valued field.
+// The value of a scalar field, with the type of the field; absent for an object-valued field.
 [[nodiscard]] KORVEX_EXPORT OptionalNumber getScalarField(const ModelObject& object, const ModelField& field);
-// Stores a number as ScalarOperations do; false for an object-valued field, too.
+// Stores a number like ScalarOperations; also false for an object-valued field.
 [[nodiscard]] KORVEX_EXPORT bool setScalarField(ModelObject& object, const ModelField& field, std::int64_t integer);
 [[nodiscard]] KORVEX_EXPORT bool setScalarField(ModelObject& object, const ModelField& field, double real);
-// Whether a class is another one or derives from it.
+// Whether a class is the same as another one or derives from it.
 [[nodiscard]] KORVEX_EXPORT bool isKindOf(const ModelClass& modelClass, const ModelClass& wanted);
 
 // ---------------------------------------------------------------------------------------------
@@ -179,7 +178,7 @@ concept FixedEnumeration = std::is_enum_v<T> && requires {
   T{0};
 };
 
-// A number as a scalar type, as ScalarOperations say.
+// Converts a number to a scalar type, like ScalarOperations.
 template <BoxableScalar Scalar>
 [[nodiscard]] std::optional<Scalar> convertedTo(std::int64_t integer) {
   if constexpr (std::is_same_v<Scalar, bool>) return integer != 0;
@@ -207,8 +206,8 @@ inline constexpr bool isOptionalScalar = std::is_same_v<T, NumberObject>;
 template <ScalarField Scalar>
 inline constexpr bool isOptionalScalar<std::optional<Scalar>> = true;
 
-// What a field of type T is to the introspection operations. `Value` is the type as which they read
-// and replace it, if they can.
+// Describes a field of type T to the introspection operations. `Value` is the type with which they read and replace it,
+// if they can.
 template <typename T>
 struct FieldAccess {
   static_assert(std::is_class_v<T>, "a model cannot have a field of this type");
@@ -281,7 +280,7 @@ struct FieldAccess<std::optional<std::vector<std::byte>>> {
   }
 };
 
-// The object when it is a `wanted` or derives from it; null otherwise.
+// The object if its class is `wanted` or derives from it; otherwise null.
 [[nodiscard]] KORVEX_EXPORT std::shared_ptr<ModelObject> objectOfClass(const std::shared_ptr<ModelObject>& object,
                                                                        const ModelClass& wanted);
 
@@ -309,14 +308,14 @@ template <ModelType T>
 struct FieldAccess<T*> {
   using Value = std::shared_ptr<ModelObject>;
   static constexpr const char* typeEncoding = objectTypeCode;
-  // Shares no ownership: whoever owns the object keeps it alive.
+  // Does not share ownership: the owner of the object keeps it alive.
   static Value get(T* const& field) { return Value(Value(), field); }
   static void set(T*& field, const Value& value) {
     field = static_cast<T*>(objectOfClass(value, T::describedClass()).get());
   }
 };
 
-// What Described::describe fills.
+// Passed to Described::describe, which fills it.
 template <typename Described>
 class ModelDescription {
  public:
@@ -325,8 +324,8 @@ class ModelDescription {
   // The name of the class in definitions: in "result", <map> and <crypt>.
   void className(std::string name) { _class.name = std::move(name); }
 
-  // A property backed by a field, a member of Described or of a base of it. The field is named
-  // "_" and the property's name unless it is given another name.
+  // A property backed by a field, which is a member of Described or of a base class. By default, the field is named "_"
+  // followed by the property's name.
   template <typename Type, typename Owner>
   void property(const std::string& name, Type Owner::*member, std::string fieldName = {}) {
     static_assert(std::derived_from<Described, Owner>);
@@ -338,7 +337,7 @@ class ModelDescription {
                              scalarOperations<Type>()});
   }
 
-  // A property that is computed.
+  // A computed property.
   template <typename Type>
   void propertyWithoutField(const std::string& name) {
     addEntry(_class.properties, {name, attributesOf<Type>(), {}});
@@ -399,8 +398,8 @@ class ModelDescription {
   ModelClass& _class;
 };
 
-// The base of the model class Described, which derives from the model class Base if that is given. A
-// class that derives from a model class without Model in between has no description of its own.
+// The base of the model class Described, which derives from the model class Base if one is given. A class that derives
+// from a model class directly, without Model, has no description of its own.
 template <typename Described, typename Base = ModelObject>
 class Model : public Base {
  public:

@@ -1,4 +1,4 @@
-// The model classes of an app by the names that its definitions call them by.
+// The model classes of an app, by their names in definitions.
 #pragma once
 
 #include <map>
@@ -9,22 +9,23 @@
 
 namespace korvex {
 
-// Filled before it is used; afterwards any number of threads read it. Classes and their names live until the program
-// ends, so copies are cheap and equal.
+// Fill it before use; after that, any number of threads may read it. Copies are cheap, because classes and their names
+// live until the program ends.
 //
 //   ModelRegistry models;
 //   models.add<Person>();
 //   models.add<Phone>();
 class KORVEX_EXPORT ModelRegistry {
  public:
-  // False, and nothing is added, when the class has no name (ModelDescription::className) or another class has it.
+  // Returns false and adds nothing if the class has no name (ModelDescription::className) or another class has the same
+  // name.
   template <ModelType Class>
   bool add() {
     return add(Class::describedClass());
   }
   bool add(const ModelClass& modelClass);
 
-  // Null when there is none of that name. Its `create` makes an object.
+  // Null if there is none with that name. Its `create` makes an object.
   [[nodiscard]] const ModelClass* find(std::string_view name) const;
 
  private:

@@ -26,8 +26,8 @@ class NumberObject {
     std::memcpy(_bytes.data(), &value, sizeof value);
   }
 
-  // A number of a type code, with its value in the low bits. A code that no scalar type has is kept;
-  // such a number has no value() and is never packed.
+  // A number with this type code and its value in the low bits. An unknown code is kept; such a number has no value()
+  // and is never packed.
   static NumberObject fromBits(char typeCode, std::uint64_t bits) { return {typeCode, bits}; }
 
   [[nodiscard]] char typeCode() const { return _typeCode; }

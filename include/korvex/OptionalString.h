@@ -1,6 +1,6 @@
 // Strings that may be absent.
 //
-// All text is UTF-8. Absent (nullopt) is something other than empty, and both have length 0 for isEmpty().
+// All text is UTF-8. Absent (nullopt) differs from empty, but isEmpty() is true for both.
 #pragma once
 
 #include <optional>

@@ -33,7 +33,7 @@ struct SetContents;
 
 // A place in one of the documents of a set. Both are valid while the set lives.
 struct SourcePlace {
-  std::string_view document;  // the name that the document was added by
+  std::string_view document;  // the name under which the document was added
   XMLPosition position;
 };
 
