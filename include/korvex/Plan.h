@@ -1,14 +1,14 @@
-// Methods that are ready to run: from a method and its arguments to SQL, the values to bind, and the key by which a
-// prepared statement is found again.
+// Compiled methods: from a method and its arguments to SQL, the values to bind, and the key under which an engine
+// caches the prepared statement.
 //
 //   DefinitionSet → Plan → PlanUnit ─┐
-//                    Arguments ──────┴→ Assembly → key, values; text when the statement is not there yet
+//                    Arguments ──────┴→ Assembly → key, values; SQL if the statement is not cached
 //
-// docs/execution.md says what every attribute and every piece of SQL means; this is its first half, everything up to
-// the statement. Running it is the engine's.
+// docs/execution.md defines the meaning of every attribute and every piece of SQL. This header covers everything up to
+// the statement; the engine runs it.
 //
-// Plans and units belong to their DefinitionSet, stay where they are, are never changed, and are used on any number of
-// threads at once. An Assembly belongs to one call at a time; used again, it allocates nothing that it has already.
+// Plans and units belong to their DefinitionSet, have stable addresses and are immutable, so any number of threads may
+// use them. An Assembly serves one call at a time; a reused one keeps its memory.
 #pragma once
 
 #include <cstddef>
@@ -31,7 +31,7 @@ class DefinitionSet;
 class Plan;
 struct SetContents;
 
-// A place in one of the documents of a set. Both are valid while the set lives.
+// A position in a document of a set. Valid while the set lives.
 struct SourcePlace {
   std::string_view document;  // the name under which the document was added
   XMLPosition position;
@@ -39,35 +39,34 @@ struct SourcePlace {
 
 enum class PlanErrorCode : std::uint8_t {
   UnknownArgument,    // the call names an argument that the method does not declare
-  NullArgument,       // an argument declared with "$" is null or not given
-  MissingTable,       // the method wants a table and the call assigns none, or a name that cannot be one
-  WrongType,          // a value is not of a type that its use takes: a list that is bound, a text that is gone through
-  UnknownProperty,    // a class has no such property, or one that cannot be read
-  IntegerOutOfRange,  // an unsigned property beyond SQL's integers
-  NullEntry,          // a null among the entries of NOT IN, which would find no row
-  WouldChangeAll,     // an update or delete whose conditions are all absent
-  BadName,            // a key of a format that cannot be a name
+  NullArgument,       // an argument declared with "$" is null or missing
+  MissingTable,       // the method needs a table, and the call assigns none or an invalid name
+  WrongType,          // a value has the wrong type for its use, such as a list that is bound, or a text as a collection
+  UnknownProperty,    // a class has no such property, or the property cannot be read
+  IntegerOutOfRange,  // an unsigned property exceeds SQL's integers
+  NullEntry,          // a null among the entries of NOT IN, which would match no row
+  WouldChangeAll,     // an update or delete without any remaining condition
+  BadName,            // a key of a format that is not a valid name
 };
 
-// Why a call cannot be assembled. The message names the method and what of it is at fault, never a value.
+// Why a call cannot be assembled. The message names the method and its faulty part, but never a value.
 struct PlanError {
   PlanErrorCode code = PlanErrorCode::WrongType;
   std::string message;
   SourcePlace place;
 };
 
-// A part of a method that is assembled to one SQL text: the method's whole content, a step, what is tried, or what is
-// run when that fails.
+// A part of a method with one SQL text: the whole method, a step, a try block, or an except block.
 class KORVEX_EXPORT PlanUnit {
  public:
-  // A number that no other unit of the set has, below DefinitionSet::unitCount(); it begins every key.
+  // A number that is unique in the set and less than DefinitionSet::unitCount(). Every key begins with it.
   [[nodiscard]] std::uint32_t number() const { return _number; }
   [[nodiscard]] const Plan& plan() const;
   // The "resumable" attribute of a step; false on others.
   [[nodiscard]] bool resumable() const { return _resumable; }
-  // Every call gives the same text: nothing in it is decided.
+  // Whether every call has the same SQL, because the unit has no dynamic parts.
   [[nodiscard]] bool fixedText() const { return _fixedText; }
-  // Where it begins: the start tag of the method, step, try or except.
+  // The start tag of the method, step, try or except.
   [[nodiscard]] SourcePlace place() const;
 
  private:
@@ -83,11 +82,11 @@ class KORVEX_EXPORT PlanUnit {
   bool _fixedText = false;
 };
 
-// How the units of a plan belong together.
+// How the units of a plan are run.
 enum class PlanStructure : std::uint8_t {
   Single,  // one unit
   Steps,   // two or more units, one after the other
-  Try,     // two units: what is tried, and what is run when it fails
+  Try,     // two units: the try block, and the except block that runs if it fails
 };
 
 // A method.
@@ -96,8 +95,8 @@ class KORVEX_EXPORT Plan {
   // Empty for an upgrade.
   [[nodiscard]] std::string_view name() const { return _method->name().value_or(std::string_view()); }
   [[nodiscard]] QXDAOOperation operation() const { return _method->operation(); }
-  // The element: result type, arguments, foreach, parallel, version. Its engine slots (_counter, _ignoreCounter, _cls,
-  // _mappingInfo, _mappingSequence) are the engine's to fill and to guard; module() is the document's name.
+  // The element: result type, arguments, foreach, parallel, version. module() is the document's name. The engine fills
+  // and synchronises its slots (_counter, _ignoreCounter, _cls, _mappingInfo, _mappingSequence).
   [[nodiscard]] QXDAOMethod& method() const { return *_method; }
 
   [[nodiscard]] PlanStructure structure() const { return _structure; }
@@ -117,12 +116,12 @@ class KORVEX_EXPORT Plan {
   PlanStructure _structure = PlanStructure::Single;
 };
 
-// One value to bind, in the place of one "?" of the SQL.
+// One value to bind, for one "?" of the SQL.
 struct BoundValue {
   ValueView value;        // never a list, a dictionary or an object
   std::string_view name;  // as written, without ":", such as "person.notes"; the key for a pair of a format
-  // Stored encrypted: the property is declared by <crypt>, or the value is that of a pack with crypt="true". The engine
-  // binds what its cipher makes of the value; null stays null.
+  // Whether the value is stored encrypted: its property is declared by <crypt>, or it belongs to a pack with
+  // crypt="true". The engine binds the output of its cipher; null stays null.
   bool encrypted = false;
 };
 
@@ -138,7 +137,7 @@ struct BoundValue {
 //     bind(statement, assembly.values());
 //   }
 //
-// The arguments, and the objects in them, stay alive and unchanged until the call is over: nothing is copied.
+// The arguments and their objects are not copied. They must live and stay unchanged until the call is over.
 class KORVEX_EXPORT Assembly {
  public:
   Assembly();
@@ -146,37 +145,37 @@ class KORVEX_EXPORT Assembly {
   Assembly& operator=(Assembly&&) noexcept;
   ~Assembly();
 
-  // Begins a call: every argument is declared, none that must not be null is, and a method with assignedTable has a
-  // table. `table` stays alive like the arguments.
+  // Begins a call, and checks that every argument is declared, that no required one is null, and that a method with
+  // assignedTable has a table. `table` must live as long as the arguments.
   [[nodiscard]] std::optional<PlanError> begin(const Plan& plan, const Arguments& arguments,
                                                std::string_view table = {});
   std::optional<PlanError> begin(const Plan& plan, Arguments&& arguments, std::string_view table = {}) = delete;
 
-  // The entries of a method with "foreach", in their order: their number, and the one that the next assemble sees as
-  // the item. Without "foreach" there is one call, and nothing to choose. An absent or null collection has no entries.
+  // The entries of a method with "foreach", in order: their number, and the entry that the next assemble uses as the
+  // item. Without "foreach", there is one entry and nothing to choose. An absent or null collection has no entries.
   [[nodiscard]] std::size_t entryCount() const;
   void chooseEntry(std::size_t index);
 
-  // Takes the decisions of one unit: conditions, loops, values. On an error, what was assembled before is gone.
+  // Evaluates the conditions, loops and values of one unit. An error discards what was assembled before.
   [[nodiscard]] std::optional<PlanError> assemble(const PlanUnit& unit);
 
-  // What was assembled; all of it is valid until the next begin or assemble.
+  // The result, valid until the next begin or assemble.
 
-  // An element with onVoid="quit" turned out empty: the unit is not run.
+  // Whether an element with onVoid="quit" is empty, so that the unit must not be run.
   [[nodiscard]] bool quits() const;
-  // There is no SQL, white space and comments aside: nothing to run.
+  // Whether the SQL has only white space and comments, so that there is nothing to run.
   [[nodiscard]] bool empty() const;
-  // The unit and its decisions as bytes. Equal keys of one set stand for equal SQL with values of equal number and
-  // order.
+  // The unit and its decisions as bytes. In one set, equal keys mean equal SQL with the same number and order of
+  // values.
   [[nodiscard]] std::string_view key() const;
-  // As many as there are "?" in the SQL, in their order.
+  // One for each "?" of the SQL, in order.
   [[nodiscard]] std::span<const BoundValue> values() const;
 
-  // The SQL of the decisions that were taken; without quits(). Written anew at each call.
+  // The SQL of the decisions. Only if quits() is false. Every call writes it again.
   [[nodiscard]] std::string sql() const;
-  // Where that SQL has what begins at an offset of it: the place of the text or element in the documents, counted on to
-  // the character where the text has no list references and no entities in front of it. An offset at the end or beyond
-  // gives the last piece, an empty SQL the unit.
+  // The source position of the SQL at an offset: that of the text or element it comes from, and exact to the character
+  // if no list reference or entity precedes it in the text. An offset at or past the end yields the last piece; empty
+  // SQL yields the unit.
   [[nodiscard]] SourcePlace placeOf(std::size_t offset) const;
 
  private:
@@ -188,20 +187,20 @@ class KORVEX_EXPORT Assembly {
   std::unique_ptr<State> _state;
 };
 
-// The whole of a method with one unit at once, for tests and tools. The SQL is empty when the unit quits.
+// Assembles one unit in a single call, for tests and tools. The SQL is empty if the unit quits.
 struct Assembled {
   std::optional<PlanError> error;
   bool quits = false;
   std::string sql;
   std::vector<Value> values;    // copies
-  std::vector<bool> encrypted;  // whether each of them is
+  std::vector<bool> encrypted;  // whether each value is stored encrypted
   std::string key;
 };
 [[nodiscard]] KORVEX_EXPORT Assembled assemble(const PlanUnit& unit, const Arguments& arguments,
                                                std::string_view table = {}, std::size_t entry = 0);
 
-// What of an interrupted call tells it from others: 16 bytes that equal arguments share and others, with near
-// certainty, do not. Objects count by their classes' names and the properties that can be read.
+// A digest of 16 bytes that identifies an interrupted call by its arguments: equal for equal arguments, and almost
+// certainly different for others. Objects are compared by class name and readable properties.
 [[nodiscard]] KORVEX_EXPORT std::string digestOf(const Arguments& arguments);
 
 }  // namespace korvex

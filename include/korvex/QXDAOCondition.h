@@ -38,13 +38,11 @@ class KORVEX_EXPORT QXDAOCondition final : public QXDAOContainerElement {
   // False for <otherwise>.
   [[nodiscard]] bool evaluateAsTrue() const { return _evaluateAsTrue; }
   void setEvaluateAsTrue(bool evaluateAsTrue) { _evaluateAsTrue = evaluateAsTrue; }
-  // Without spaces, tabs and line feeds at both ends; absent for <otherwise>. Setting it leaves the
-  // tokens as they are.
+  // Without spaces, tabs and line feeds at both ends; absent for <otherwise>. Setting it does not change the tokens.
   [[nodiscard]] OptionalStringView expression() const { return _expression.view(); }
   void setExpression(OptionalStringView expression) { _expression = kept(expression); }
-  // What the evaluator made of the expression: not empty in a finished <if> or <when>, absent for
-  // <otherwise>. The element copies the texts of the tokens; they stay valid until other tokens are
-  // set or the element is destroyed, whatever becomes of the expression.
+  // The tokens of the expression: not empty in a finished <if> or <when>, absent for <otherwise>. The element owns
+  // copies of their texts, which are valid until other tokens are set or the element is destroyed.
   [[nodiscard]] const std::optional<std::span<const QXDAOToken>>& tokenList() const { return _tokenList.view(); }
   void setTokenList(std::optional<std::span<const QXDAOToken>> tokens);
 

@@ -24,8 +24,7 @@ class KORVEX_EXPORT QXDAOContainerElement : public QXDAOElement {
   // Replaces the children and destroys the old ones. Links between this element and its children
   // (parentMethod, tryElement, exceptElement) are not updated.
   void setChildren(std::optional<QXDAOElementList> children);
-  // Hands the children over to the caller and leaves them absent here. Links to this element are not
-  // updated.
+  // Transfers the children to the caller; they are then absent here. Links to this element are not updated.
   [[nodiscard]] std::optional<QXDAOElementList> takeChildren();
 
  protected:
@@ -33,9 +32,9 @@ class KORVEX_EXPORT QXDAOContainerElement : public QXDAOElement {
 
   // The child walk: turns the nodes below `xml` into children. Comments are skipped, texts that are
   // empty after trimming and expansion are dropped, elements are looked up in the tag table. The
-  // first failure is stored in this element and ends the walk; children() then stays as it was.
+  // first failure is stored in this element and ends the walk; children() is then unchanged.
   void processNodes(const XMLNode& xml);
-  // Replaces the children by those of a child, which is destroyed with the others.
+  // Replaces the children with those of one child, which is destroyed with the others.
   void dissolveChild(QXDAOContainerElement& child);
 
  private:

@@ -39,9 +39,9 @@ class TreeMemory;
 
 // The base of all elements: a name, and the failure of its construction. Elements cannot be copied.
 //
-// The elements of a tree, their strings and their lists lie in memory that the tree has as a whole; an
-// element that is built alone, and what is set later, has memory of its own. Either way an element is
-// owned by a std::unique_ptr and may outlive the tree that it was taken out of.
+// The elements of a tree, their strings and their lists are stored together in memory of the tree. Elements that are
+// built alone, and values that are set later, have their own memory. In either case, a std::unique_ptr owns an element,
+// which may outlive the tree that it was taken out of.
 class KORVEX_EXPORT QXDAOElement {
  public:
   QXDAOElement(const QXDAOElement&) = delete;
@@ -51,17 +51,17 @@ class KORVEX_EXPORT QXDAOElement {
   static void operator delete(QXDAOElement* element, std::destroying_delete_t);
 
   // The root factory: builds the element tree of one definition. The tag decides the class: sql, map,
-  // const, crypt and pack have their own; every other tag goes to QXDAOMethod, which refuses what is
-  // no method. On success the caller owns the tree, which needs neither `xml` nor its document any
-  // more, and `error` is left alone. On failure the result is null, and `error`, if given, holds a
-  // new record that refers to `xml`. Any thread; the document is only read.
+  // const, crypt and pack have their own; every other tag goes to QXDAOMethod, which rejects unknown
+  // tags. On success, the caller owns the tree, which no longer needs `xml` or its document, and `error` is unchanged.
+  // On failure the result is null, and `error`, if given, holds a new record that refers to `xml`. Any thread; the
+  // document is only read.
   [[nodiscard]] static std::unique_ptr<QXDAOElement> elementWithXML(const XMLNode& xml,
                                                                     std::optional<QXDAOError>* error = nullptr);
 
   [[nodiscard]] QXDAOElementKind kind() const { return _kind; }
 
   // The "id" of a method, sql block or map, or the name that a constant declares; absent for other
-  // elements. Valid until the name is set again or the element is destroyed, as all views are that
+  // elements. Valid until the name is set again or the element is destroyed, like all views that
   // the properties of an element return.
   [[nodiscard]] OptionalStringView name() const { return _name.view(); }
   void setName(OptionalStringView name) { _name = kept(name); }
@@ -82,12 +82,12 @@ class KORVEX_EXPORT QXDAOElement {
   // True once a rule was violated. Only construction stores failures.
   [[nodiscard]] bool failed() const { return _error != nullptr; }
   // Stores the violation of a rule in place of any earlier one. `quoted` fills the "%@" of the rule's message, if it
-  // has one. `origin` is the node at fault; without one the element's own node is meant, which whoever built the
-  // element fills in.
+  // has one. `origin` is the faulty node; without one it is the element's own node, which the code that builds
+  // the element fills in.
   void setError(QXDAORule rule, OptionalStringView quoted = {}, const XMLNode& origin = {});
   // The same, quoting the element's own name.
   void setErrorWithName(QXDAORule rule);
-  // Takes over the failure of a child that was built from `childXML`; false when it has none.
+  // Takes over the failure of a child that was built from `childXML`; false if it has none.
   bool adoptErrorOf(const QXDAOElement& child, const XMLNode& childXML);
 
  private:
@@ -104,12 +104,12 @@ class KORVEX_EXPORT QXDAOElement {
 
   CompactString _name;
   std::unique_ptr<Failure> _error;
-  TreeMemory* _memory = nullptr;  // in which the element lies; null if it has memory of its own
+  TreeMemory* _memory = nullptr;  // that stores the element; null if it has its own memory
   QXDAOElementKind _kind;
-  bool _keepsMemory = false;  // and so counts as one of its users
+  bool _keepsMemory = false;  // whether the element counts as a user of it
 };
 
-// The element as a T, or null when it is null or of another class.
+// The element as a T; null if it is null or of another class.
 template <typename T>
 [[nodiscard]] T* QXDAOElementCast(QXDAOElement* element) {
   return element && element->kind() == T::Kind ? static_cast<T*>(element) : nullptr;

@@ -7,8 +7,8 @@
 
 namespace korvex {
 
-// The base of the values that an engine keeps in the slots that elements hold for it. The slots own their
-// values; an element destroys them on the thread that destroys it.
+// The base of values that an engine stores in the slots of elements. A slot owns its value, which is destroyed with the
+// element, on the same thread.
 class KORVEX_EXPORT QXDAOEngineValue {
  public:
   QXDAOEngineValue() = default;

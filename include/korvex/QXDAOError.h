@@ -15,7 +15,7 @@ namespace korvex {
 // The domain of every error record.
 inline constexpr std::string_view QXDAO_ERROR_DOMAIN = "korvex.dao";
 
-// Why a definition was refused: which rule it violates, where, and in words. The code is always 0.
+// Why a definition was rejected: the violated rule, its position, and a message. The code is always 0.
 struct KORVEX_EXPORT QXDAOError {
   using Value = std::variant<std::string, XMLNode>;
 
@@ -24,10 +24,10 @@ struct KORVEX_EXPORT QXDAOError {
   // Two entries: "error", the message (a string), and "xml", the definition that was passed to the
   // factory (a node of the tree of the caller, valid as long as that tree is).
   std::map<std::string, Value, std::less<>> userInfo;
-  // The rule that was violated. Without meaning in a record that the factory has not filled.
+  // The violated rule. Meaningless in a record that the factory has not filled.
   QXDAORule rule{};
-  // The node that violates the rule, "xml" or below it: the element at fault, or the parent of a text
-  // at fault. Valid as long as the tree of the caller is.
+  // The node that violates the rule, "xml" or a node below it: the faulty element, or the parent of a faulty text.
+  // Valid as long as the caller's tree.
   XMLNode origin;
 
   // The entries of userInfo; empty and null if the record does not have them.

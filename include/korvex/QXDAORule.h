@@ -7,9 +7,8 @@
 
 namespace korvex {
 
-// The rules of the language whose violation has a definition refused. docs/rules.md shows for each what it means, with
-// a wrong and a right example, under the name that nameOf gives. The numbers may change between versions, the names do
-// not.
+// The rules of the language. A definition that violates one is rejected. docs/rules.md explains each rule, with a wrong
+// and a right example, under the name that nameOf returns. Names are stable between versions; numbers are not.
 enum class QXDAORule : std::uint8_t {
   // Any definition
   MissingName,
@@ -56,8 +55,8 @@ enum class QXDAORule : std::uint8_t {
   SinglePackProperty,
 };
 
-// The rule's name, such as "condition-format": what `korvex-dao explain` and the brackets behind a finding say. The
-// view is valid as long as the library is loaded.
+// The rule's name, such as "condition-format", as in `korvex-dao explain` and in the brackets after a finding. The view
+// is valid while the library is loaded.
 [[nodiscard]] KORVEX_EXPORT std::string_view nameOf(QXDAORule rule);
 
 }  // namespace korvex

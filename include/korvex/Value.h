@@ -1,8 +1,8 @@
-// The values that go into a method and come out of it.
+// Arguments and results of methods.
 //
 //   Value       owned: an argument, a property, a cell of a row
-//   Dictionary  values by name, in the order in which they were put in; the arguments of a call are one
-//   ValueView   the same for reading, without a copy: what a statement binds
+//   Dictionary  values by name, in the order of insertion, such as the arguments of a call
+//   ValueView   a view of a value, such as the values that a statement binds
 //
 // Nine kinds of C++ values become one of eight types:
 //
@@ -15,11 +15,11 @@
 //   Dictionary                                       Dictionary
 //   std::shared_ptr of a model class, Value::reference   Object
 //
-// SQL integers are signed: an unsigned 64-bit integer says what it means by a cast of its own, or is given to
-// Value::ofUnsigned. Text is any bytes, zero bytes and invalid UTF-8 included; nothing is checked or changed.
+// SQL integers are signed, so an unsigned 64-bit integer needs an explicit cast or Value::ofUnsigned. Text may be any
+// bytes, including zero bytes and invalid UTF-8; it is neither checked nor changed.
 //
-// A Value is not changed after it was made, except by assignment. Lists and dictionaries are shared by copies, not
-// copied; an Object is shared, or only referred to. Threads may read one Value at once.
+// A Value only changes by assignment. Copies share lists and dictionaries, and share or reference an Object. Several
+// threads may read the same Value.
 #pragma once
 
 #include <concepts>
@@ -49,8 +49,8 @@ class Value;
 class Dictionary;
 using ValueList = std::vector<Value>;
 
-// A value as it can be read where it stands: small, copied freely, valid as long as what it was taken from is alive and
-// unchanged. The accessors of other types than the value's own must not be called, unless they say otherwise.
+// A view of a value: cheap to copy, and valid while its source is alive and unchanged. Only the accessors of the
+// value's own type may be called, unless they say otherwise.
 class KORVEX_EXPORT ValueView {
  public:
   ValueView() = default;
@@ -82,7 +82,7 @@ class KORVEX_EXPORT ValueView {
   [[nodiscard]] const Dictionary& dictionary() const { return *static_cast<const Dictionary*>(_pointer); }
   [[nodiscard]] const ModelObject& object() const { return *static_cast<const ModelObject*>(_pointer); }
 
-  // Equal in type and content, reals that are not a number included; objects when they are the same object.
+  // Equal type and content; NaN equals NaN, and objects are equal if they are the same object.
   [[nodiscard]] bool operator==(const ValueView& other) const;
 
  private:
@@ -100,7 +100,7 @@ class KORVEX_EXPORT ValueView {
   };
 };
 
-// All integers that fit a signed one of 64 bits, bool and characters included.
+// All integer types that fit into 64 signed bits, including bool and characters.
 template <typename T>
 concept SignedInteger64 = std::integral<T> &&(sizeof(T) < sizeof(std::int64_t) || std::signed_integral<T>);
 
@@ -148,22 +148,22 @@ class KORVEX_EXPORT Value {
     value._content = Bytes{std::move(bytes)};
     return value;
   }
-  // Absent when SQL has no integer as large.
+  // Absent if the integer exceeds SQL's integers.
   [[nodiscard]] static std::optional<Value> ofUnsigned(std::uint64_t integer);
-  // An object that others own, and keep alive and unchanged as long as this value or a copy is used.
+  // A reference to an object, which must live and stay unchanged while this value or a copy is used.
   [[nodiscard]] static Value reference(const ModelObject& object) {
     Value value;
     value._content = std::shared_ptr<const ModelObject>(std::shared_ptr<const ModelObject>(), &object);
     return value;
   }
-  // A copy of what a view shows. An object is referred to.
+  // A copy of the viewed value. An object is only referenced.
   [[nodiscard]] static Value copyOf(const ValueView& view);
 
   [[nodiscard]] ValueType type() const { return static_cast<ValueType>(_content.index()); }
   [[nodiscard]] bool isNull() const { return type() == ValueType::Null; }
   [[nodiscard]] ValueView view() const;
 
-  // The content when it is of that type; absent or null otherwise, nothing is converted.
+  // The content if it has that type; otherwise absent or null. Nothing is converted.
   [[nodiscard]] std::optional<std::int64_t> integer() const { return contentAs<std::int64_t>(); }
   [[nodiscard]] std::optional<double> real() const { return contentAs<double>(); }
   [[nodiscard]] OptionalStringView text() const {
@@ -202,7 +202,7 @@ class KORVEX_EXPORT Value {
       _content;
 };
 
-// Values by name. Names are unique, compared exactly, and kept in the order in which they were first put in.
+// Values by name. Names are unique, compared exactly, and kept in the order of insertion.
 class KORVEX_EXPORT Dictionary {
  public:
   struct Entry {
@@ -211,12 +211,12 @@ class KORVEX_EXPORT Dictionary {
   };
 
   Dictionary() = default;
-  // {{"minAge", 18}, {"name", "Ada"}}; of several entries of one name the last one counts.
+  // {{"minAge", 18}, {"name", "Ada"}}; the last of several entries with the same name counts.
   Dictionary(std::initializer_list<Entry> entries);
 
-  // Puts a value in, or in the place of the one of that name. In constant time.
+  // Inserts a value, or replaces the value of that name. Constant time.
   void set(std::string name, Value value);
-  // Null when there is none. In constant time; valid until the dictionary changes.
+  // Null if there is none. Constant time. The pointer is valid until the dictionary changes.
   [[nodiscard]] const Value* find(std::string_view name) const;
 
   [[nodiscard]] std::size_t size() const { return _entries.size(); }
@@ -231,10 +231,10 @@ class KORVEX_EXPORT Dictionary {
   void rebuildSlots();
 
   std::vector<Entry> _entries;
-  std::vector<std::uint32_t> _slots;  // a hash table of indices + 1; empty while a walk is as fast
+  std::vector<std::uint32_t> _slots;  // a hash table of indices + 1; empty while linear search is as fast
 };
 
-// What a caller gives to a method, by the names that the method declares.
+// The arguments of a call, by the names that the method declares.
 using Arguments = Dictionary;
 
 }  // namespace korvex
