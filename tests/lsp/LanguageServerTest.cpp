@@ -127,6 +127,27 @@ TEST(LanguageServer, AnswersWhatIsNoMessageAndGoesOn) {
   EXPECT_EQ(Session(request(5, "textDocument/documentSymbol")).answerTo(5), -32002);
 }
 
+// A wrong or missing length costs the message itself and, when it is too great, the beginning of the next.
+TEST(LanguageServer, FindsTheNextMessageAfterAWrongLength) {
+  const std::string lost = Json{{"jsonrpc", "2.0"}, {"id", 1}, {"method", "none"}}.dump();
+  const std::string next = request(2, "none", Json::object());
+  const std::string longer = "Content-Length: " + std::to_string(lost.size() + 1) + "\r\n\r\n" + lost;
+  const std::string shorter = "Content-Length: " + std::to_string(lost.size() - 1) + "\r\n\r\n" + lost;
+  const std::string rows[] = {lost + next,
+                              "\r\n" + lost + next,
+                              std::string(100'000, 'x') + next,
+                              "Content-Length: twelve\r\n\r\n" + lost + next,
+                              "Content-Length: -1\r\n\r\n" + lost + next,
+                              shorter + next,
+                              longer + next + next};
+  for (const std::string& row : rows) {
+    const Session session = talk(row);
+    EXPECT_EQ(session.answerTo(nullptr), -32700) << row.substr(0, 100);
+    EXPECT_EQ(session.answerTo(2), -32601) << row.substr(0, 100);
+    EXPECT_TRUE(session.orderly) << row.substr(0, 100);
+  }
+}
+
 TEST(LanguageServer, PassesOverWhatMeansNothing) {
   const std::string inputs[] = {
       notification("$/setTrace", 5),
