@@ -28,7 +28,7 @@ isInstalled() {
 }
 
 asRoot() {
-  if ((EUID == 0)); then "$@"; else sudo "$@"; fi
+  if ((EUID == 0)); then "$@"; else sudo -n "$@"; fi
 }
 
 # Installs what is missing of the packages for the given uses, such as: installFor build tests
@@ -45,6 +45,9 @@ installFor() {
 
   if ((EUID != 0)) && ! command -v sudo >/dev/null; then
     fail "only root can install: ${missing[*]} (and there is no sudo)"
+  fi
+  if ((EUID != 0)) && ! sudo -n true 2>/dev/null; then
+    fail "sudo asks for a password; install as root: apt-get install ${missing[*]}"
   fi
   heading "Installing ${missing[*]} (takes a minute or two)"
   for package in "${missing[@]}"; do
