@@ -67,7 +67,9 @@ bool Server::run() {
 }
 
 void Server::handle(const Frame& frame) {
-  if (frame.status == FrameStatus::Malformed) return sendError(nullptr, parseError, "no message here: a header needs 'Content-Length: N', the length of the content in bytes");
+  if (frame.status == FrameStatus::Malformed)
+    return sendError(nullptr, parseError,
+                     "no message here: a header needs 'Content-Length: N', the length of the content in bytes");
   if (frame.status == FrameStatus::TooLarge) return sendError(nullptr, invalidRequest, "the message is too large");
   const Json message = parsedMessage(frame.content);
   if (message.is_discarded()) return sendError(nullptr, parseError, "the message is not JSON");

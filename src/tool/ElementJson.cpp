@@ -20,6 +20,7 @@
 #include "korvex/QXDAOSqlBlock.h"
 #include "korvex/QXDAOText.h"
 #include "korvex/QXDAOTrim.h"
+#include "tool/VisibleText.h"
 
 namespace korvex {
 namespace {
@@ -219,6 +220,6 @@ Json elementJson(const QXDAOElement& element) {
   return json;
 }
 
-std::string jsonText(const Json& json) { return json.dump(2, ' ', false, Json::error_handler_t::replace); }
+std::string jsonText(const Json& json) { return visibleJson(json.dump(2, ' ', false, Json::error_handler_t::replace)); }
 
 }  // namespace korvex

@@ -3,9 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <limits>
 #include <map>
 #include <ostream>
+#include <sstream>
 
 #include "checks/NearMiss.h"
 #include "checks/Rules.h"
@@ -212,7 +214,8 @@ void addWarnings(CLI::App& command, const std::string& option, std::vector<std::
       ->check(CLI::Validator(unknownWarning, "", choiceName(Words(known.begin(), known.end()))))
       ->type_name("NAME")
       ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false);
 }
 
 CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
@@ -370,6 +373,20 @@ CLI::App* addLanguageServer(CLI::App& tool, LanguageServerOptions& options) {
   return command;
 }
 
+// CLI11 takes "[name]" for a list. A file or directory of such a name is given as "./[name]", unless it may be the
+// value of an option.
+void protectBracketedPaths(Words& arguments) {
+  std::string_view previous;
+  for (std::string& argument : arguments) {
+    std::error_code error;
+    const bool afterOption = previous.starts_with('-') && previous != "--";
+    if (argument.starts_with('[') && !afterOption && std::filesystem::exists(argument, error)) {
+      argument.insert(0, "./");
+    }
+    previous = argument;
+  }
+}
+
 ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console) {
   CLI::App tool("Checks, shows and runs SQL methods defined in XML, and decodes packed columns.", "korvex-dao");
   tool.set_version_flag("--version", "korvex-dao " KORVEX_VERSION, "Print the version and exit");
@@ -394,10 +411,14 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   addCompletion(tool, console);
   addManPage(tool, console);
   try {
+    protectBracketedPaths(arguments);
     std::reverse(arguments.begin(), arguments.end());  // CLI11 expects them in reverse order
     tool.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
-    return tool.exit(error, console.out, console.err) == 0 ? ExitCodeNothingFound : ExitCodeTrouble;
+    std::ostringstream message;
+    const int code = tool.exit(error, console.out, message);
+    console.err << visibleLines(message.str());
+    return code == 0 ? ExitCodeNothingFound : ExitCodeTrouble;
   }
   if (check->parsed()) return runCheck(checkOptions, console);
   if (explain->parsed()) return runExplain(explainOptions, console);

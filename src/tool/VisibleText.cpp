@@ -16,20 +16,25 @@ struct Range {
 
 // Invisible characters that affect the terminal or the direction of the line.
 constexpr Range invisible[] = {
-    {0x00, 0x1F},      // C0 controls
-    {0x7F, 0x9F},      // delete and C1 controls
-    {0x061C, 0x061C},  // Arabic letter mark
-    {0x200E, 0x200F},  // left-to-right and right-to-left mark
-    {0x2028, 0x202E},  // line and paragraph separator, direction embeddings and overrides
-    {0x2066, 0x2069},  // direction isolates
-    {0xFEFF, 0xFEFF},  // byte order mark
+    {0x00, 0x1F},        // C0 controls
+    {0x7F, 0x9F},        // delete and C1 controls
+    {0x00AD, 0x00AD},    // soft hyphen
+    {0x061C, 0x061C},    // Arabic letter mark
+    {0x180E, 0x180E},    // Mongolian vowel separator
+    {0x200B, 0x200B},    // zero-width space; the joiners next to it are part of words and emoji
+    {0x200E, 0x200F},    // left-to-right and right-to-left mark
+    {0x2028, 0x202E},    // line and paragraph separator, direction embeddings and overrides
+    {0x2060, 0x2064},    // word joiner, invisible operators
+    {0x2066, 0x2069},    // direction isolates
+    {0xFEFF, 0xFEFF},    // byte order mark
+    {0xE0001, 0xE007F},  // tags
 };
 
 constexpr Range withoutWidth[] = {
     {0x0300, 0x036F},    // combining diacritical marks
     {0x1AB0, 0x1AFF},    // combining diacritical marks, extended
     {0x1DC0, 0x1DFF},    // combining diacritical marks, supplement
-    {0x200B, 0x200F},    // zero-width space, joiners and direction marks
+    {0x200C, 0x200D},    // zero-width joiners
     {0x20D0, 0x20FF},    // combining marks for symbols
     {0xFE00, 0xFE0F},    // variation selectors
     {0xFE20, 0xFE2F},    // combining half marks
@@ -108,8 +113,16 @@ std::string escaped(char32_t character) {
     case '\t':
       return "\\t";
     default:
-      return character < 0x80 ? "\\x" + hexadecimal(character, 2) : "\\u" + hexadecimal(character, 4);
+      if (character < 0x80) return "\\x" + hexadecimal(character, 2);
+      return character <= 0xFFFF ? "\\u" + hexadecimal(character, 4) : "\\U" + hexadecimal(character, 8);
   }
+}
+
+// In UTF-16, as JSON escapes a character.
+std::string escapedInJson(char32_t character) {
+  if (character <= 0xFFFF) return "\\u" + hexadecimal(character, 4);
+  const char32_t rest = character - 0x10000;
+  return "\\u" + hexadecimal(0xD800 + (rest >> 10U), 4) + "\\u" + hexadecimal(0xDC00 + (rest & 0x3FFU), 4);
 }
 
 std::string escapedBytes(std::string_view bytes) {
@@ -165,6 +178,31 @@ std::string visibleText(std::string_view text) {
     const std::string_view character = firstCharacter(text);
     appendVisible(result, character);
     text.remove_prefix(character.size());
+  }
+  return result;
+}
+
+std::string visibleLines(std::string_view text) {
+  std::string result;
+  for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+    result += visibleText(text.substr(0, end)) + '\n';
+    text.remove_prefix(end + 1);
+  }
+  return result + visibleText(text);
+}
+
+std::string visibleJson(std::string_view json) {
+  std::string result;
+  result.reserve(json.size());
+  while (!json.empty()) {
+    const std::string_view character = firstCharacter(json);
+    const std::optional<char32_t> value = character.size() > 1 ? decoded(character) : std::nullopt;
+    if (value && isAmong(invisible, *value)) {
+      result += escapedInJson(*value);
+    } else {
+      result += character;
+    }
+    json.remove_prefix(character.size());
   }
   return result;
 }

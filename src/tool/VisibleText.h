@@ -25,4 +25,11 @@ namespace korvex {
 // \u202e for a character that reverses the line, and so on. A backslash is unchanged.
 [[nodiscard]] std::string visibleText(std::string_view text);
 
+// The same with its line feeds as they are.
+[[nodiscard]] std::string visibleLines(std::string_view text);
+
+// JSON as it is safe to print: the characters that visibleText escapes outside ASCII are \uXXXX in it, which means the
+// same.
+[[nodiscard]] std::string visibleJson(std::string_view json);
+
 }  // namespace korvex

@@ -181,7 +181,7 @@ TEST(Excerpt, CaretStandsBelowItsCharacter) {
        "b",
        1, "\\x01b", "    ^"},
       {"\xC3(b", 2, "\\xc3(b", "     ^"},
-      {"😀語e\u0301\u200B한b", 16, "😀語e\u0301\u200B한b", std::string(7, ' ') + '^'},
+      {"😀語e\u0301\u200D한b", 16, "😀語e\u0301\u200D한b", std::string(7, ' ') + '^'},
       {dots + "a", 99, dots + "a", std::string(99, ' ') + '^'},
       {"é" + dots + "b", 0, "é" + dots + "…", "^"},
       {dots + "é" + dots, 99, "…" + std::string(40, '.') + "é" + std::string(59, '.') + "…",
@@ -200,6 +200,10 @@ TEST(VisibleText, EscapesWhatActs) {
   EXPECT_EQ(visibleText("\xE2\x80\xAE\xEF\xBB\xBF"), "\\u202e\\ufeff");
   EXPECT_EQ(visibleText("\x80\xC0\xAF\xED\xA0\x80\xF4\x90\x80\x80\xFF"),
             "\\x80\\xc0\\xaf\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80\\xff");
+  const std::string unseen = "\u00AD\u180E\u200B\u2060\U000E0041";
+  EXPECT_EQ(visibleText(unseen), "\\u00ad\\u180e\\u200b\\u2060\\U000e0041");
+  EXPECT_EQ(visibleJson("\"" + unseen + "é\n"), "\"\\u00ad\\u180e\\u200b\\u2060\\udb40\\udc41é\n");
+  EXPECT_EQ(run({"dump", "--format", "\x1b[0m", "x"}).err.substr(0, 20), "--format: \\x1b[0m no");
 }
 
 // -------------------------------------------------------------------------------------------
@@ -244,6 +248,18 @@ TEST_F(Files, UnreadableOnesDoNotStopTheOthers) {
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(filesOf(result), Arguments{"good.xml"});
   EXPECT_TRUE(result.err.ends_with("1 definition in 1 file, 1 error, 2 unreadable paths\n")) << result.err;
+}
+
+TEST_F(Files, NamesMayLookLikeOptionsAndLists) {
+  write("[d]/a.xml", "<const/>");
+  write("-dash.xml", "<const/>");
+  const fs::path before = fs::current_path();
+  fs::current_path(_directory);
+  EXPECT_EQ(run({"check", "[d]"}).out.substr(0, 12), "./[d]/a.xml:");
+  EXPECT_EQ(run({"check", "--warn", "duplicate-name", "[d]", "b.xml"}).code, 2);
+  EXPECT_EQ(run({"check", "--warn=duplicate-name", "--", "-dash.xml"}).out.substr(0, 10), "-dash.xml:");
+  EXPECT_EQ(run({"check", "--warn", "duplicate-name", "./[d]", "./-dash.xml"}).code, 1);
+  fs::current_path(before);
 }
 
 TEST_F(Files, DirectoryWithoutDocumentsIsReported) {
