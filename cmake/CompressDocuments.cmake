@@ -1,5 +1,5 @@
-# Run by CPack between installing and packing: manual pages and change logs are compressed, as Debian has it, and
-# without a time, so that the same source makes the same file.
+# Run by CPack between installing and packaging: compresses manual pages and change logs, as Debian requires, without a
+# timestamp, so that builds are reproducible.
 file(GLOB_RECURSE documents ${CPACK_TEMPORARY_DIRECTORY}/*/korvex-dao.1 ${CPACK_TEMPORARY_DIRECTORY}/*/changelog)
 if(NOT documents)
   message(FATAL_ERROR "No manual page in ${CPACK_TEMPORARY_DIRECTORY}")

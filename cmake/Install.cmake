@@ -1,5 +1,5 @@
-# What `cmake --install` puts where: libraries, headers and the files by which builds find them (component
-# Development), and the tool with its manual page and completions (component Tool).
+# The files that `cmake --install` installs: libraries, headers and package files (component Development), and the tool
+# with its manual page and completions (component Tool).
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -25,7 +25,7 @@ foreach(library platform evaluator dao plan loader)
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Development
   )
 endforeach()
-# The engine has an export of its own: apps without SQLite go without it.
+# The engine has a separate export, because it needs SQLite.
 if(TARGET korvex_sqlite)
   set_target_properties(korvex_sqlite PROPERTIES EXPORT_NAME sqlite)
   target_include_directories(korvex_sqlite INTERFACE $<INSTALL_INTERFACE:${KORVEX_INCLUDE_DIR}>)
@@ -39,7 +39,7 @@ if(TARGET korvex_sqlite)
 endif()
 install(EXPORT KorvexDAOLibraries NAMESPACE korvex:: DESTINATION ${KORVEX_CMAKE_DIR} COMPONENT Development)
 
-# Archives do not say what they need: only a shared loader keeps its parsers to itself.
+# Static libraries do not record their dependencies: only a shared loader hides its parsers.
 set(KORVEX_PARSERS "pugixml expat")
 if(KORVEX_PUGIXML_SOURCE)
   set(KORVEX_PARSERS expat)
@@ -51,7 +51,7 @@ if(loader_type STREQUAL "STATIC_LIBRARY")
 else()
   set(KORVEX_PARSERS_REQUIRED Requires.private)
   set(KORVEX_CFLAGS -DKORVEX_SHARED)
-  # Wherever the tree is moved to, the libraries find each other, and the tool finds them.
+  # The libraries find each other, and the tool finds them, even if the tree is moved.
   set(origin $ORIGIN)
   if(APPLE)
     set(origin @loader_path)
@@ -83,7 +83,7 @@ install(FILES
   COMPONENT Development
 )
 
-# The files know the prefix by where they lie, so an installed tree can be moved.
+# The files derive the prefix from their own location, so an installed tree can be moved.
 file(RELATIVE_PATH KORVEX_PREFIX_OF_PKGCONFIG
   ${CMAKE_INSTALL_PREFIX}/${KORVEX_PKGCONFIG_DIR} ${CMAKE_INSTALL_PREFIX})
 foreach(name korvex-dao korvex-loader)

@@ -1,12 +1,12 @@
 # korvex_check_definitions(TARGET PATH... [WARNINGS_AS_ERRORS] [OPTIONS OPTION...])
 #
-# Has `korvex-dao check` pass over definition documents before TARGET is built. A mistake in one of them fails the
-# build, at its line and column, with WARNINGS_AS_ERRORS a warning, too; the check is run again when a document changes,
-# comes or goes. A PATH is a directory with its *.xml files, or a file. A file that the build makes is known by its
-# property GENERATED, which add_custom_command has set if it stands before. OPTIONS go to `korvex-dao check`.
+# Runs `korvex-dao check` on definition documents before TARGET is built. An error in a document fails the build, with its
+# line and column; with WARNINGS_AS_ERRORS, a warning does, too. The check runs again when a document is changed, added or
+# removed. A PATH is a file, or a directory with *.xml files. A file that the build generates is recognised by its property
+# GENERATED, which an earlier add_custom_command sets. OPTIONS are passed to `korvex-dao check`.
 #
-# The command is the one of this package. KORVEX_DAO_EXECUTABLE names another, as a build for another machine needs;
-# without either it is looked for on the path.
+# The command is that of this package. KORVEX_DAO_EXECUTABLE names another one, which is needed when cross-compiling.
+# Without either, the command is searched on the path.
 include_guard(GLOBAL)
 
 function(korvex_check_definitions target)
@@ -21,7 +21,7 @@ function(korvex_check_definitions target)
     message(FATAL_ERROR "korvex_check_definitions: no definitions are given for '${target}'")
   endif()
 
-  # A directory is handed on as one: some warnings are given only where all definitions are at hand.
+  # A directory is passed as such, because some warnings need all definitions.
   set(checked)
   set(documents)
   foreach(path IN LISTS paths)
@@ -53,7 +53,7 @@ function(korvex_check_definitions target)
     set(command ${KORVEX_DAO_EXECUTABLE})
   endif()
 
-  # A target can be given definitions more than once.
+  # The function may be called several times for a target.
   get_property(count TARGET ${target} PROPERTY KORVEX_DEFINITION_CHECKS)
   if(NOT count)
     set(count 0)
@@ -62,7 +62,7 @@ function(korvex_check_definitions target)
   set_property(TARGET ${target} PROPERTY KORVEX_DEFINITION_CHECKS ${count})
   set(name ${target}_definitions_${count})
   set(stamp ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${name}.stamp)
-  # Of a document that is gone nothing is newer than the stamp; the list of them is.
+  # A removed document is not newer than the stamp, but the list of documents is.
   set(documents_list ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${name}.txt)
   list(JOIN documents "\n" lines)
   file(GENERATE OUTPUT ${documents_list} CONTENT "${lines}\n")

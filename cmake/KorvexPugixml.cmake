@@ -1,7 +1,7 @@
 # korvex_use_pugixml(TARGET) lets a target include and link pugixml.
 #
-# All of a document is read by calls of pugixml's accessors: the static library, where there is one, answers faster
-# than the shared one, and its sources, compiled along, faster still.
+# Reading a document calls pugixml's accessors for everything. The static library is faster than the shared one, and
+# pugixml's sources, compiled into the target, are faster still.
 include_guard(GLOBAL)
 
 set(KORVEX_PUGIXML_SOURCE "" CACHE PATH "pugixml's directory src, to be compiled into the loader in place of the library")
@@ -17,7 +17,7 @@ endif()
 function(korvex_use_pugixml target)
   get_target_property(type ${target} TYPE)
   if(KORVEX_PUGIXML_SOURCE)
-    # A namespace of its own, so that an app may link another pugixml.
+    # A separate namespace, so that an app may link another pugixml.
     target_include_directories(${target} SYSTEM BEFORE PRIVATE ${KORVEX_PUGIXML_SOURCE})
     target_compile_definitions(${target} PRIVATE PUGIXML_HEADER_ONLY PUGIXML_NO_XPATH PUGIXML_NO_STL pugi=korvex_pugi)
   elseif(TARGET pugixml::static AND NOT type STREQUAL SHARED_LIBRARY)

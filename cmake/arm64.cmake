@@ -1,5 +1,5 @@
-# For Linux on the processors of phones, by Debian's cross compiler. The libraries are those that Debian installs for that
-# architecture beside this machine's own, the C library included, which the emulator then finds at its usual place.
+# Linux on the processors of phones, with Debian's cross compiler. The libraries, including the C library, are Debian's
+# for that architecture, installed next to the host's; the emulator finds them in their usual place.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)

@@ -89,7 +89,7 @@ TEST(Warnings, StandWhereTheyAreSeen) {
       {"<update id='a' arguments='b' foreach='b.c' resumable='1'>x</update>", {}},
       {"<map id='m' result='P' x='1'><result column='a' property='b' x='1'/></map>",
        {"1:1:27: unread-attribute", "1:1:65: unread-attribute"}},
-      // In definitions that are refused: what is sure nevertheless, and nothing about what was not built.
+      // In rejected definitions: only the warnings that do not depend on the missing elements.
       {"<update id='a'><step x='1' resumable='1'>%{</step><if/></update>",
        {"1:1:25: unread-attribute", "1:1:54: condition-format"}},
       {"<select id='a' result='int'><sql id='a' x='1'/></select>", {"1:1:32: unknown-element"}},
@@ -273,7 +273,7 @@ TEST(Errors, ComeWithWhatMayBeMeant) {
   }
 }
 
-// The parser counts in another text than the one that is there to be shown.
+// The parser's positions refer to another text than the one that is displayed.
 TEST(Errors, DoNotEndBeforeTheyBegin) {
   const DocumentError error{DocumentRule::NotWellFormed, "not well-formed", {1, 32}};
   EXPECT_EQ(findingOf("", error, nullptr).location.end(), (XMLPosition{1, 32}));

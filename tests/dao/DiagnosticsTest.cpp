@@ -1,4 +1,4 @@
-// Every message of the language with the place it points at: definition → message at line:column.
+// Every message of the language with its position: definition → message at line:column.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -79,9 +79,9 @@ TEST(Diagnostics, Methods) {
       {"<insert id='a' arguments=' '><nope/></insert>", arguments},
       {"<select id='a'>x</select>", result},
       {"<select id='a' result=''><if true='1'/></select>", result},
-      // A failing child takes the place of the result type's message, and brings its own line.
+      // A failing child replaces the result type's message and its line.
       {"<select id='a'>x\n  <where>\n    <if/></where></select>", "Condition 'if' is of wrong format.", 3, 5},
-      // Nothing after the body is looked at once there is a message.
+      // Nothing after the body is checked once there is a message.
       {"<select id='a'>x<nope/></select>", "Unknown element with type nope.", 1, 17},
       {"<select id='a'><step/></select>", result},
       {"<select id='a'><try><except/></try>x</select>", result},

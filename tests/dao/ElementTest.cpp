@@ -44,7 +44,7 @@ std::string messageOf(const TreeNode& definition) {
   return QXDAOElement::elementWithXML(tree.root(), &error) ? "built" : std::string(error->message());
 }
 
-// The element of a definition that must build, as its class; the tree may go, elements copy.
+// The element of a valid definition, as its class. It does not need the tree.
 template <typename T>
 std::unique_ptr<T> built(const TreeNode& definition) {
   auto element = QXDAOElement::elementWithXML(HandBuiltTree(definition).root());
@@ -136,7 +136,7 @@ TEST(Elements, TryAndExceptAreLinked) {
   EXPECT_EQ(block->exceptElement()->tryElement(), block);
 }
 
-// What elements that fail have done before: the links that they leave, and the method's attributes.
+// What failing elements have set before: links, and the method's attributes.
 TEST(Elements, FailuresComeInOrder) {
   const auto initialised = [](auto& element, const char* xml, auto*... parent) {
     element.initWithXML(HandBuiltTree(parsed(xml)).root(), parent...);
@@ -181,7 +181,7 @@ TEST(Elements, EngineSlotsStartEmptyAndKeepWhatTheyGet) {
   EXPECT_FALSE(QXDAOMethodArgument().notNull());
 }
 
-// Engines store these numbers and are built apart from this library.
+// Engines store these numbers and are built separately.
 TEST(Elements, NumbersOfEnumeratorsNeverChange) {
   const std::vector<std::vector<std::uint64_t>> enumerations = {
       {QXDAOOperationSelect, QXDAOOperationUpdate, QXDAOOperationInsert, QXDAOOperationDelete, QXDAOOperationUpgrade},

@@ -1,4 +1,4 @@
-// An engine that links korvex::dao with its own evaluator: what tokenises is for that to say.
+// An engine that links korvex::dao with its own evaluator: which decides what can be tokenised.
 #include <gtest/gtest.h>
 
 #include "korvex/QXDAOElement.h"

@@ -98,7 +98,7 @@ TEST(Pack, LayoutIsSortedAndKeptPerClass) {
   EXPECT_EQ(later->properties[1].field, layout->properties[1].field);  // inherited
 }
 
-// Every type of field with a value, the empty one and the limits, as its one record.
+// The record of every type of field: a value, the empty value, and the limits.
 TEST(Pack, EveryTypeIsWrittenAndReadBack) {
   const auto writes = [](const char* property, auto member, auto value, const std::string& expected) {
     SCOPED_TRACE(property);
@@ -157,7 +157,7 @@ TEST(Pack, StringsThatDoNotFitARecord) {
   }
 }
 
-// What each record does to each kind of field: record → the fields afterwards.
+// The effect of each record on each kind of field: record → the fields afterwards.
 TEST(Pack, RecordsOfAnotherTypeThanTheField) {
   struct Case {
     const char* property;
@@ -210,7 +210,7 @@ TEST(Pack, ReadsOtherOrdersAndSkipsWhatItDoesNotKnow) {
   EXPECT_EQ(person.nickname, "A");
   EXPECT_EQ(person.age, 9);
   EXPECT_EQ(person.ages, 3);
-  // A name is as long as its length says, whatever ends it.
+  // The length of a name determines its end, whatever byte follows.
   pack->unpackWithObject(&person, bytes("03 61 67 65 FF 54 00 01 00 00 00"));
   EXPECT_EQ(person.age, 1);
   pack->unpackWithObject(&person, bytes("04 61 67 65 00 00 54 00 02 00 00 00"));
@@ -260,7 +260,7 @@ TEST(Pack, NamesTooLongForARecordAreNeverPacked) {
   EXPECT_EQ(hex(*packOf("cut,nothing")->packWithObject(&object)), record("cut", "0100", "01"));
 }
 
-// Every cut of a value applies the records before it and nothing of the one it goes through.
+// A truncated value applies its complete records, and nothing of the incomplete one.
 TEST(Pack, TruncatedValues) {
   const auto pack = packOf("age,nickname,ages");
   const std::string first = bytes(record("age", "5400", "01020304"));
@@ -278,7 +278,7 @@ TEST(Pack, TruncatedValues) {
   }
 }
 
-// A length that leads beyond the value ends the reading; what stands there is no record.
+// A length beyond the end of the value ends the reading; the bytes after it are not read as records.
 TEST(Pack, TextsLongerThanTheValue) {
   const auto pack = packOf("nickname,ages");
   for (const char* name : {"nickname", "unknown"}) {
@@ -312,7 +312,7 @@ TEST(Pack, LongValues) {
   }
 }
 
-// The codes of strings and numbers are compared whole, of all others the first character alone counts.
+// The codes of strings and numbers are compared completely, all others by their first character.
 TEST(Pack, TypeCodes) {
   class Odd : public ModelObject {
    public:
@@ -411,8 +411,7 @@ TEST(Pack, FailedAllocations) {
   EXPECT_EQ(person.age, 30);
 }
 
-// Every layout that a thread was given is linked and stays so; threads that miss a class at once may
-// each link one.
+// Every layout that a thread got stays linked. Threads that request a new class at the same time may each link one.
 TEST(Pack, ThreadsMeetClassesAtOnce) {
   const Person person;
   const Employee employee;
@@ -441,7 +440,7 @@ TEST(Pack, ThreadsMeetClassesAtOnce) {
   }
 }
 
-// Values that earlier versions wrote: read by this one, and written by it byte for byte.
+// Values of earlier versions, which this version reads and writes byte for byte.
 TEST(Pack, GoldenValues) {
   AllTypes types;
   types.fill();

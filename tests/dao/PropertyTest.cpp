@@ -1,5 +1,5 @@
-// Every property of every element class: the setter stores the value, the getter gives it back, and the
-// setter takes what the getter gives.
+// Every property of every element class: the getter returns what the setter stored, and the setter accepts what the
+// getter returned.
 #include <gtest/gtest.h>
 
 #include <span>
@@ -206,7 +206,7 @@ TEST(Properties, LongTokenListsAreComplete) {
   for (std::size_t at = 0; at < tokens.size(); ++at) EXPECT_EQ(tokens.data()[at].text, std::to_string(at));
 }
 
-// What is taken out of a tree, or set in it, lives by itself.
+// What is taken out of a tree, or set in it, does not depend on the tree.
 TEST(Trees, TakenChildrenOutliveTheirTree) {
   const HandBuiltTree tree(TreeNode::element(
       "update", {{"id", "a name that is long enough"}, {"arguments", "first, second"}},

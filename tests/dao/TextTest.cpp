@@ -66,7 +66,7 @@ TEST(Text, LeavesOtherTextAlone) {
 }
 
 // A "%" survives another "%" and a "{" that opens nothing; what an opening, an abandoned or a
-// closed reference leaves behind decides how the text after it reads.
+// closed reference leaves behind affects the text after it.
 TEST(Text, StateThatOutlivesAReference) {
   checkTexts({
       {"%%{'*', a}", "%a"},

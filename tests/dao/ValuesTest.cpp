@@ -1,4 +1,4 @@
-// What attributes and contents become: definition → one line that tells every value of its element.
+// Attributes and contents as values: definition → one line with every value of its element.
 #include <gtest/gtest.h>
 
 #include "korvex/QXDAOChoose.h"

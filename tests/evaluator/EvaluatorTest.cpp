@@ -6,7 +6,7 @@
 namespace korvex {
 namespace {
 
-// One letter a kind: n(ame), d(igits), s(tring), o(perator), b(racket).
+// One letter per kind: n(ame), d(igits), s(tring), o(perator), b(racket).
 std::string tokens(std::string_view expression) {
   std::string line;
   for (const QXDAOToken& token : QXDAOEvaluator::buildTokenListWithExpression(expression)) {
@@ -17,7 +17,7 @@ std::string tokens(std::string_view expression) {
   return line;
 }
 
-// Outside strings, what cannot be seen or is taken for another character; letters of any script are names.
+// Invisible characters and lookalikes are rejected outside strings; letters of any script form names.
 TEST(Evaluator, RefusesLookalikes) {
   for (const char* character :
        {"\u00A0", "\u202F", "\u3000",   "\u2003",       "\u200B",          "\u200D", "\u2060", "\uFEFF",

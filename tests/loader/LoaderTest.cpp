@@ -195,7 +195,7 @@ TEST(Document, MalformedOnesAreExplained) {
       options(true));
 }
 
-// Each has a single fault that pugixml lets pass, in a document that is usual otherwise and so is not Expat's to judge.
+// Each has a single fault that pugixml accepts, in an otherwise usual document, which the quick check judges alone.
 TEST(Document, SingleFaultsAreFoundWithoutExpat) {
   const std::vector<std::string> faults = {
       "<b c='1' d='2' c='3'></b>",
@@ -225,7 +225,7 @@ TEST(Document, SingleFaultsAreFoundWithoutExpat) {
   }
 }
 
-// Expat alone accepts the second, whose name has no letter of XML's.
+// Only Expat accepts the second one, whose name has a character that XML does not allow.
 TEST(Document, NamesAreThoseOfXMLInEveryEncoding) {
   for (const char* bytes : {"<\xC2\xAA/>", "<?xml version='1.0' encoding='ISO-8859-1'?><\xAA/>"}) {
     EXPECT_FALSE(Document::fromBytes(bytes).document) << bytes;
@@ -479,7 +479,7 @@ TEST(Definitions, ElementsOutliveTheDocument) {
   }
 }
 
-// What each thread finds in a document that all share, and in one of its own.
+// What each thread finds in a shared document, and in its own.
 TEST(Definitions, TreesAreBuiltOnEightThreads) {
   const std::string text = "<d>\n<const/>\n<select id='s' result='int'>%{'*', a, b}<if true='c'>d</if></select></d>";
   const auto shared = Document::fromBytes(text);

@@ -38,7 +38,7 @@ std::string opened(const std::string& text, const std::string& of = uri) {
   return notification("textDocument/didOpen", {{"textDocument", {{"uri", of}, {"text", text}}}});
 }
 
-// What a server says to an input.
+// The output of a server for an input.
 struct Session {
   explicit Session(const std::string& input) {
     std::istringstream in(input);
@@ -442,7 +442,7 @@ TEST(LanguageServer, TellsWhatIsUnderTheCursor) {
   }
 }
 
-// Its lines are found anew around each change only, its columns are counted in blocks.
+// Lines are updated only around each change, and columns counted in blocks.
 TEST(LanguageServer, PlacesInLongLinesAndAfterChangesOfLineEnds) {
   std::string line;
   while (line.size() < 5000) line += "aé😀";  // four units in seven bytes

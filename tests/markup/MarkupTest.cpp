@@ -1,4 +1,4 @@
-// Markup as it is while somebody types: what a tag holds and where it stops, and which element contains which.
+// Incomplete markup: the content of tags, where they stop, and which element contains which.
 #include <gtest/gtest.h>
 
 #include <string>

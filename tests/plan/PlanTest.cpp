@@ -29,7 +29,7 @@ TEST(Plan, EveryMethodOfTheAddressBookIsPlanned) {
   EXPECT_EQ(set->plan("personRow"), nullptr);
 }
 
-// The same decisions give the same key whatever the values, other decisions another one.
+// Equal decisions yield equal keys for any values; different decisions yield different keys.
 TEST(Plan, KeysStandForTexts) {
   const auto set = setOf(addressBook());
   const PlanUnit& unit = set->plan("searchPersons")->units()[0];
@@ -155,7 +155,7 @@ TEST(Dictionary, FindsAndReplaces) {
   EXPECT_EQ(Value(Dictionary{{"a", 1}, {"b", 2}}), Value(Dictionary{{"b", 2}, {"a", 1}}));
 }
 
-// Whatever a definition refers to or puts in, the errors come in time.
+// Errors are found in time, whatever a definition refers to or inserts.
 TEST(DefinitionSet, HostileSetsEndInTime) {
   std::string undeclared = "<select id='m' result='int'>";
   for (int index = 0; index < 20000; ++index) undeclared += ":x" + std::to_string(index) + " ";

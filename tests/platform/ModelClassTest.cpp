@@ -11,7 +11,7 @@
 namespace korvex {
 namespace {
 
-// A second base in front, so that the ModelObject does not begin the object.
+// A second base, so that the ModelObject is not at the start of the object.
 struct Observer {
   virtual ~Observer() = default;
   int notifications = 0;

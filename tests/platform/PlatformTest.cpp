@@ -56,7 +56,7 @@ TEST(Strings, CountsUTF16Units) {
   EXPECT_EQ(lengthOfCharacterBefore("\x9F\x98\x80", 3), 1U);
 }
 
-// The borders of every range of bytes that characters are made of, alone and amid plain text.
+// The limits of every range of UTF-8 bytes, alone and within plain text.
 TEST(Strings, KnowsUTF8) {
   const auto isValidAmidText = [](const std::string& text, std::size_t before) {
     return isValidUTF8(std::string(before, 'a') + text + "b");

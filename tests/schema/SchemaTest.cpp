@@ -1,5 +1,5 @@
-// Holds the schemas, and the vocabulary that they are made of, against the checker: what it accepts they accept, and
-// what they can say they refuse as it does.
+// Compares the schemas, and the vocabulary that generates them, with the checker: they accept what it accepts, and
+// reject what they can express and it rejects.
 #include <libxml/parser.h>
 #include <libxml/relaxng.h>
 #include <libxml/xmlschemas.h>

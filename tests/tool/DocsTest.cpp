@@ -1,4 +1,4 @@
-// Keeps the documents honest: what docs/language.md and the examples claim is tried out.
+// Verifies the claims of docs/language.md and the examples.
 #include <gtest/gtest.h>
 
 #include <algorithm>

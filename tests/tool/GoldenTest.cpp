@@ -1,5 +1,5 @@
-// What the tool prints, against files and documents that show it. Run with KORVEX_UPDATE_GOLDEN=1
-// in the environment to write the golden files anew; read the difference before you commit it.
+// Compares the output of the tool with golden files and documents. Set KORVEX_UPDATE_GOLDEN=1 in the environment to
+// rewrite the golden files; read their diff before you commit it.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -126,7 +126,7 @@ TEST(Golden, DocumentsShowWhatTheToolPrints) {
   EXPECT_GE(shown, 4U);
 }
 
-// The C++ of the documents is from the examples that the build compiles.
+// The C++ in the documents comes from compiled examples.
 TEST(Golden, ReadmeShowsCompiledExamples) {
   std::string code;
   for (const char* example : {"read_definitions.cpp", "addressbook/Models.h", "addressbook/main.cpp"})

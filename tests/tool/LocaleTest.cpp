@@ -1,4 +1,4 @@
-// An app has the locale of its user; documents and packed values have none.
+// Documents and packed values do not depend on the locale.
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,4 +1,4 @@
-// Every rule says what it means by examples that are tried out here.
+// Runs the examples of every rule.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 std::string wrapped(std::string_view example) { return "<korvex>\n" + std::string(example) + "\n</korvex>"; }
 
-// An example cannot be as large as a limit is, so the limit comes down to it: what is right just keeps it.
+// Examples are smaller than the limits, so the limits are lowered until the right example just meets them.
 LoadOptions limitsFor(const Rule& rule) {
   LoadOptions options;
   if (rule.name == "oversized-document") options.maximumBytes = wrapped(rule.right).size();

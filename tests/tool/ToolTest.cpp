@@ -353,7 +353,7 @@ TEST(Program, OutputThatCannotBeWritten) {
   EXPECT_EQ(shell("echo '<d/>' | \"$T\" dump - 2>&1 >/dev/full | grep -q 'cannot write to standard output'"), 0);
   EXPECT_EQ(shell("echo '<d/>' | \"$T\" dump - >/dev/full 2>/dev/null"), 2);
   EXPECT_EQ(shell("\"$T\" --help >/dev/full 2>/dev/null"), 2);
-  // The reader is gone before the first byte: killed by the signal, or a failed write.
+  // The reader has closed the pipe before the first byte: killed by the signal, or a failed write.
   EXPECT_EQ(shell("{ { sleep 0.2; echo '<d/>' | \"$T\" dump - 2>/dev/null; echo $? >&3; } | true; } 3>&1 | grep -qx 0"),
             1);
 }

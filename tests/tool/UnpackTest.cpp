@@ -184,7 +184,7 @@ TEST_F(UnpackFiles, FilesAndStandardInput) {
   for (const char* unreadable : {"missing", "."}) EXPECT_EQ(run({"unpack", unreadable}).code, 2);
 }
 
-// Objects into a column and back, and what the tool says of it.
+// Objects packed into a column and back, and the output of the tool.
 TEST_F(UnpackFiles, RoundTripThroughAColumn) {
   const auto pack = packOf("nickname, age, Zeta");
   std::array<Person, 3> people;
