@@ -1,4 +1,4 @@
-// How a fuzz target says that two ways to one result disagree: it tells both results and aborts.
+// Reports that two implementations disagree: prints both results and aborts.
 #pragma once
 
 #include <cstdlib>
@@ -25,7 +25,7 @@ inline void expectThat(bool holds, std::string_view what) {
   if (!holds) disagree(what, "no", "yes");
 }
 
-// Tells the first of the lines that differ.
+// Prints the first line that differs.
 inline void expectSame(std::string_view what, std::vector<std::string> found, std::vector<std::string> wanted) {
   found.emplace_back("(the end)");
   wanted.emplace_back("(the end)");

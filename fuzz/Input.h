@@ -1,4 +1,4 @@
-// What fuzz targets do with the bytes they are given.
+// Helpers for the inputs of fuzz targets.
 #pragma once
 
 #include <algorithm>

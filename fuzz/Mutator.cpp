@@ -1,5 +1,5 @@
-// mutate_documents COUNT [SEED]: judges so many mutated documents, and prints the numbers. Each document is made of an
-// earlier one by a few random changes; those that are trusted become the origin of others.
+// mutate_documents COUNT [SEED]: checks that many mutated documents, and prints the numbers. Each document is an
+// earlier one with a few random changes; trusted ones are mutated further.
 #include "fuzz/Mutator.h"
 
 #include <algorithm>

@@ -1,5 +1,4 @@
-// Mutated documents by the million, in one process without sanitizers: what a fuzzer that is guided by coverage does
-// too slowly.
+// Millions of mutated documents in one process without sanitizers, for which a coverage-guided fuzzer is too slow.
 #pragma once
 
 #include <string_view>
@@ -8,7 +7,7 @@ namespace korvex {
 
 enum class Verdict { Doubted, Trusted };
 
-// Aborts with a message when the text is trusted but malformed.
+// Aborts with a message if the quick check trusts a malformed text.
 [[nodiscard]] Verdict judge(std::string_view text);
 
 }  // namespace korvex

@@ -1,4 +1,4 @@
-// Whatever the strict pass accepts has to give one tree: with it, without it, and by the events of
+// Every document that the strict pass accepts must have the same tree with it, without it, and from the events of
 // Expat. Trees are compared as outlines, a line for each start tag, attribute, text, end tag, comment
 // and processing instruction, with its place in the source.
 #include <cctype>

@@ -1,5 +1,5 @@
-// The rules for list references once more, rule by rule and unit by unit as the language puts them,
-// with no thought for speed: what the library's scan is held against.
+// A simple implementation of the rules for list references, rule by rule and unit by unit, regardless of speed, with
+// which the library's scan is compared.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ namespace korvex {
 // Without spaces, line feeds and tabs at both ends.
 [[nodiscard]] Units trimmedPlainly(Units units);
 
-// The text with its list references written out.
+// The text with its list references expanded.
 [[nodiscard]] std::string expandedPlainly(std::string_view text);
 
 }  // namespace korvex

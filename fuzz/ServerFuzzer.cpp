@@ -1,6 +1,6 @@
-// An editor's session with the language server: a document, edits of it, messages that are none, and questions about
-// places. The server has to hold the text that a plain replacement gives, to answer every question, and to answer as a
-// server does that was given the final text at once.
+// An editor's session with the language server: a document, edits, malformed messages, and requests about positions.
+// The server must have the text of a simple replacement, answer every request, and answer like a server that got the
+// final text at once.
 //
 // The input's parts are separated by the byte 0x1E. The first is the document. Every other one begins with a letter:
 //   e LINE CHARACTER LINE CHARACTER text  an edit of what lies between two places

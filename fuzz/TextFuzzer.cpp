@@ -1,4 +1,4 @@
-// Any text through the list references, against the plain transcription of their rules.
+// Expands the list references of any text, and compares with a simple implementation of their rules.
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
 #include "fuzz/PlainListReferences.h"

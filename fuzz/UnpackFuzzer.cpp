@@ -1,6 +1,5 @@
-// Any bytes as a packed value, into an object with a field of every kind and through the tool's
-// reader. Both have to stop where a reader of few lines does, and what stands behind that place must
-// not reach the object.
+// Any bytes as a packed value, unpacked into an object with a field of every kind, and read by the tool's reader. Both
+// must stop where a simple reader does, and the bytes after that position must not affect the object.
 #include <sstream>
 
 #include "fuzz/Disagreement.h"
@@ -83,7 +82,7 @@ void compareReader(std::string_view value, const Reading& reading, const PackedV
   }
 }
 
-// Each record by itself has to do what it does as one of many.
+// A single record must have the same effect as among others.
 void compareSingleRecords(std::string_view value, const PackedValue& read, const std::vector<std::string>& fields) {
   AllTypes object;
   object.fill();
@@ -94,8 +93,8 @@ void compareSingleRecords(std::string_view value, const PackedValue& read, const
   expectSame("fields, record by record", fieldsOf(object), fields);
 }
 
-// What is appended counts if and only if the value could be read to its end. A record that is cut
-// short may take the appended bytes for its own.
+// Appended bytes have an effect if and only if the value could be read completely. A truncated record may include the
+// appended bytes.
 void compareWithRecordBehind(std::string_view value, const Reading& reading, const std::vector<std::string>& fields) {
   const bool whole = reading.end == value.size();
   if (!whole && !reading.stopped) return;

@@ -1,4 +1,4 @@
-// What the quick check of a parsed tree takes for well-formed, the strict parser has to accept.
+// The strict parser must accept what the quick check of a parsed tree trusts.
 #include "fuzz/Disagreement.h"
 #include "fuzz/Input.h"
 #include "fuzz/Mutator.h"

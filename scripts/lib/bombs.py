@@ -1,4 +1,4 @@
-"""Checks documents that are made to exhaust a reader: bombs.py KORVEX-DAO FOLDER. See scripts/bombs."""
+"""Checks documents that are designed to exhaust a parser: bombs.py KORVEX-DAO FOLDER. See scripts/bombs."""
 
 import os
 import subprocess
@@ -53,7 +53,7 @@ BOMBS = {
 
 
 def write(path, make):
-    """In a process of its own: the peak of a process counts what its parent held when it began."""
+    """In a separate process, because the peak of a process includes the memory of its parent at the start."""
     writer = os.fork()
     if writer == 0:
         with open(path, "wb") as file:
@@ -65,7 +65,7 @@ def write(path, make):
 
 
 def checked(tool, path):
-    """The exit status (negative for a signal), the seconds and the peak of memory in megabytes."""
+    """The exit status (negative for a signal), the seconds, and the peak memory in megabytes."""
     begin = time.monotonic()
     process = subprocess.Popen([tool, "check", path], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     while True:

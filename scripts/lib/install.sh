@@ -1,4 +1,4 @@
-# Sourced by the scripts: installs those packages of packages.txt that this machine lacks.
+# Sourced by the scripts: installs the packages of packages.txt that are missing.
 
 heading() {
   printf '\n== %s\n' "$*" >&2
@@ -9,7 +9,7 @@ fail() {
   exit 1
 }
 
-# The packages of the given uses.
+# The packages for the given uses.
 packagesFor() {
   local package uses use
   while read -r package uses _; do
@@ -31,7 +31,7 @@ asRoot() {
   if ((EUID == 0)); then "$@"; else sudo -n "$@"; fi
 }
 
-# Installs what is missing of the packages for the given uses, such as: installFor build tests
+# Installs the missing packages for the given uses, such as: installFor build tests
 installFor() {
   local package missing=()
   if ! command -v dpkg-query >/dev/null; then

@@ -1,7 +1,7 @@
-"""Breaks the core in single places and tells which of the changes no test notices; see scripts/mutate.
+"""Makes single changes in the core and reports those that no test notices; see scripts/mutate.
 
-The places are drawn from all that the sources offer, the same ones for the same seed. A change that does not compile
-says nothing of the tests and is not counted. Several changes are tried at once, each in a copy of its own.
+The places are chosen at random from all in the sources, the same ones for the same seed. A change that does not compile
+is not counted. Several changes are tried at once, each in a separate copy.
 """
 
 import argparse
@@ -24,7 +24,7 @@ COPIES = ROOT / "build/mutants"
 NOT_COPIED = ("build", ".git")
 EXPLAINED = ROOT / "scripts/mutants.txt"
 
-# The test programs that can notice a change, by the folder that it is in; those that are likelier to come first.
+# The test programs that can notice a change in a folder, the likeliest first.
 ABOVE_DAO = ("markup_tests", "loader_tests")
 TESTS = {
     "src/platform": ("platform_tests", "dao_tests", *ABOVE_DAO),
@@ -86,7 +86,7 @@ TRUTH = re.compile(r"\b(?:true|false)\b")
 CONDITION = re.compile(r"(?<=\bif \()[^()]*(?:\([^()]*\)[^()]*)*(?=\) )")
 ARGUMENTS = re.compile(r"(?<=[\w>]\()([\w.]+), ([\w.]+)(?=\))")
 TABLE_SIZE = re.compile(r"std::array<[^>]*>")
-# A call, an assignment, a step, a break, and an if with what it does: each whole on its line.
+# A call, an assignment, a step, a break, and an if with its statement, each complete on its line.
 STATEMENT = re.compile(
     r"^\s+((?:[\w.:>\[\]*()-]+\(.*\)|[\w.>\[\]*-]+ [-+|&]?= .*|(?:\+\+|--)\w+|break|if \(.*\) [^{]*);)$"
 )
@@ -111,7 +111,7 @@ CHANGES = (
 
 
 def blanked(match):
-    """Spaces for a comment, so that a line ends before it, and a mark for each character of a text."""
+    """Replaces a comment by spaces, so that the line ends before it, and each character of a string by a mark."""
     return re.sub(r"[^\n]", " " if match.group().startswith("/") else MARK, match.group())
 
 
@@ -155,7 +155,7 @@ def every_mutant():
 
 
 def copy_if_changed(source, target):
-    """Keeps the time of a file that is as it was, and with it what was built from it."""
+    """Keeps the time of an unchanged file, so that it is not rebuilt."""
     if target.exists() and target.read_bytes() == source.read_bytes():
         return
     target.parent.mkdir(parents=True, exist_ok=True)
@@ -172,7 +172,7 @@ def limit_memory():
 
 
 class Copy:
-    """A copy of the sources with a build of its own, in which one change at a time is tried."""
+    """A copy of the sources with its own build, in which one change at a time is tried."""
 
     def __init__(self, number):
         self.tree = COPIES / str(number) / "tree"

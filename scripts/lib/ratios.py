@@ -22,7 +22,7 @@ STYLE = """  .paper { fill: #ffffff } text { fill: #1f2328; font: 13px sans-seri
 
 
 def rows():
-    """Figure, what it is beside, ratio and goal ('' without one) of each row of the table."""
+    """The figure, the compared one, the ratio and the goal ('' without one) of each row of the table."""
     for line in (ROOT / "docs/performance.md").read_text().splitlines():
         cells = [cell.strip() for cell in line.strip("|").split("|")]
         if line.startswith("|") and len(cells) == 7 and re.fullmatch(r"[\d.]+", cells[4]):
