@@ -99,7 +99,7 @@ void AssembledText::writeTrim(const PlanInstruction& instruction) {
   _trims.push_back({&trim, begin, _sql.size(), pieces, _code});
 }
 
-// Without code in it, a trim writes nothing; one that ignores what is after it ends all that are open.
+// A trim without code writes nothing. One with ignoreAfter ends all open trims.
 void AssembledText::endTrim() {
   const OpenTrim open = _trims.back();
   _trims.pop_back();
@@ -122,7 +122,7 @@ void AssembledText::endTrim() {
   take(open.trim->suffixOverrides(), findSuffixOverride);
 }
 
-// A range of a trim's content. The piece that it ends in goes on behind it with the rest of its text.
+// A range of a trim's content. The piece in which it ends continues after it with the rest of its text.
 void AssembledText::erase(std::size_t content, std::size_t begin, std::size_t end) {
   begin += content;
   end += content;
@@ -170,7 +170,7 @@ void AssembledText::writeFormat(const PlanInstruction& instruction) {
   }
 }
 
-// Remembers where the piece came from, and sets it off where it is the first of a text.
+// Records the origin of the piece, and separates it with a space if it is the first one of a text.
 void AssembledText::beginPiece(const PlanInstruction& instruction) {
   if (instruction.has(BeginsPiece) || _inLineComment) separate();
   const std::size_t index = static_cast<std::size_t>(&instruction - _contents.instructions.data());

@@ -38,7 +38,7 @@ constexpr std::string_view wouldChangeAll =
 
 }  // namespace
 
-// Goes through the instructions of a unit, takes the decisions, and collects the values.
+// Executes the instructions of a unit, records the decisions, and collects the values.
 class DecisionMaker {
  public:
   explicit DecisionMaker(Assembly::State& state)
@@ -54,7 +54,7 @@ class DecisionMaker {
   }
 
  private:
-  // Each gives false when it has failed.
+  // Each returns false on failure.
 
   bool take(std::size_t at) {
     const PlanInstruction& instruction = _contents.instructions[at];
@@ -157,7 +157,7 @@ class DecisionMaker {
            (count > 1 && holdsCode(element.separator()) ? 1U : 0U);
   }
 
-  // Of NOT IN: nothing in the list is every row, and a null in it is none.
+  // For NOT IN: an empty list matches every row, and a null in the list matches none.
   bool checkNotIn(const PlanInstruction& instruction, const QXDAOForeach& element, const ValueList* list) {
     if (!instruction.has(AfterNotIn)) return true;
     const std::string collection = quoted(*element.collection());
@@ -171,7 +171,7 @@ class DecisionMaker {
                                               " is null, and NOT IN with a null finds no row: leave it out");
   }
 
-  // The list behind a path; null for null.
+  // The list at a path; null for null.
   bool readList(std::string_view path, const ValueView& root, const ValueList*& list) {
     const auto read = readPath(_state.scope, root, pathBehindName(path), ValueUse::Binding, _failure);
     if (!read) return fail(_failure.code, quoted(path) + ": " + _failure.message);
@@ -197,7 +197,7 @@ class DecisionMaker {
     return fail(PlanErrorCode::WouldChangeAll, quoted(*element.pairs()) + std::string(wouldChangeAll));
   }
 
-  // In the order of the keys: the same keys give the same statement.
+  // In the order of the keys, so that equal keys yield the same statement.
   bool bindPairs(const Dictionary& dictionary, std::string_view path) {
     std::vector<const Dictionary::Entry*>& pairs = _state.pairs;
     pairs.clear();
@@ -247,7 +247,7 @@ class DecisionMaker {
     return false;
   }
 
-  // At the instruction that was taken last.
+  // At the last executed instruction.
   PlanError error() {
     const SourcePlace place = placeOfInstruction(_contents, _place, std::max(_at - 1, _place));
     return {_failure.code, titleOf(*_state.plan) + ": " + _failure.message, place};

@@ -1,4 +1,4 @@
-// What an assembly keeps between the decisions and the text.
+// The state of an assembly between the decisions and the text.
 #pragma once
 
 #include <cstddef>
@@ -26,19 +26,19 @@ struct Assembly::State {
   bool quits = false;
   bool empty = true;
 
-  // Room to work in.
+  // Scratch memory.
   std::vector<ValueView> stack;
   std::vector<std::uint32_t> trims;
   std::vector<const Dictionary::Entry*> pairs;
 };
 
-// Numbers in keys: seven bits a byte, the lowest first.
+// Numbers in keys: seven bits per byte, the lowest first.
 void appendNumber(std::string& key, std::uint64_t number);
 [[nodiscard]] std::uint64_t takeNumber(std::string_view& key);
 void appendName(std::string& key, std::string_view name);
 [[nodiscard]] std::string_view takeName(std::string_view& key);
 
-// The SQL of a unit, from the decisions in a key; and from which instructions its pieces came.
+// The SQL of a unit, written from the decisions in a key, and the instructions of its pieces.
 class AssembledText {
  public:
   AssembledText(const SetContents& contents, const PlanUnit& unit, std::string_view key);
@@ -55,7 +55,7 @@ class AssembledText {
   };
   struct OpenTrim {
     const QXDAOTrim* trim;
-    std::size_t begin;    // of all that it writes
+    std::size_t begin;    // of its whole output
     std::size_t content;  // behind its keyword
     std::size_t pieces;
     std::size_t code;

@@ -61,7 +61,7 @@ class DigestMaker {
     for (const Value& entry : list) add(entry.view());
   }
 
-  // An object that is part of itself counts once.
+  // An object that contains itself is counted once.
   void add(const ModelObject& object) {
     if (std::find(_open.begin(), _open.end(), &object) != _open.end()) return addNumber(_open.size());
     _open.push_back(&object);

@@ -17,7 +17,7 @@ double asReal(const ValueView& number) {
   return number.type() == ValueType::Integer ? static_cast<double>(number.integer()) : number.real();
 }
 
-// Exact: no integer is rounded to be compared.
+// Exact: integers are not rounded for comparison.
 std::partial_ordering compareNumbers(std::int64_t integer, double real) {
   constexpr double end = 9223372036854775808.0;
   if (std::isnan(real)) return std::partial_ordering::unordered;
@@ -46,7 +46,7 @@ bool identical(const ValueView& left, const ValueView& right) {
   return left.type() == right.type() && equal(left, right);
 }
 
-// Absent when the two have no order.
+// Absent if the two have no order.
 std::optional<std::partial_ordering> compare(const ValueView& left, const ValueView& right) {
   if (left.isNull() || right.isNull()) return std::partial_ordering::unordered;
   if (isNumber(left) && isNumber(right)) return compareNumbers(left, right);
@@ -68,7 +68,7 @@ bool holds(ExpressionOperation operation, std::partial_ordering order) {
   }
 }
 
-// False when the result is no integer of 64 bits.
+// False if the result exceeds 64 bits.
 using IntegerOperation = bool (*)(std::int64_t left, std::int64_t right, std::int64_t* result);
 using RealOperation = double (*)(double left, double right);
 
@@ -88,7 +88,7 @@ bool subtracted(std::int64_t left, std::int64_t right, std::int64_t* result) {
 bool multiplied(std::int64_t left, std::int64_t right, std::int64_t* result) {
   return !__builtin_mul_overflow(left, right, result);
 }
-// Neither is asked to divide by 0; the least integer by -1 is no integer.
+// The divisor is not 0. The minimum integer divided by -1 overflows.
 bool divided(std::int64_t left, std::int64_t right, std::int64_t* result) {
   if (right == -1) return subtracted(0, left, result);
   *result = left / right;
@@ -115,7 +115,7 @@ constexpr std::array<Arithmetic, 5> arithmeticOperations = {{
     {ExpressionOperation::Remainder, remaining, [](double left, double right) { return std::fmod(left, right); }},
 }};
 
-// Of two numbers; null when the second is 0 and divides.
+// For two numbers; null for a division by 0.
 ValueView calculated(ExpressionOperation operation, const ValueView& left, const ValueView& right) {
   if (operation >= ExpressionOperation::Divide && isZero(right)) return {};
   const auto index = static_cast<std::size_t>(operation) - static_cast<std::size_t>(ExpressionOperation::Add);
@@ -129,10 +129,10 @@ std::int64_t shifted(std::int64_t value, std::int64_t count) {
   return value >> static_cast<unsigned>(count);
 }
 
-// The least integer has no opposite; shifting by it is shifting by as much as there is.
+// The minimum integer cannot be negated; shifting by it shifts all bits out.
 std::int64_t opposite(std::int64_t count) { return count == std::numeric_limits<std::int64_t>::min() ? 64 : -count; }
 
-// Of two integers.
+// For two integers.
 std::int64_t ofBits(ExpressionOperation operation, std::int64_t left, std::int64_t right) {
   switch (operation) {
     case ExpressionOperation::BitAnd:
@@ -287,7 +287,7 @@ class ExpressionMachine {
     return push(calculated(ExpressionOperation::Subtract, ValueView::ofInteger(0), value));
   }
 
-  // An entry of a list by its place from 0 on, of a dictionary by its name; null when there is none.
+  // An entry of a list by its index from 0, or of a dictionary by its name; null if there is none.
   bool index(const ValueView& container, const ValueView& key) {
     if (container.isNull()) return push(ValueView());
     if (container.type() == ValueType::List && key.type() == ValueType::Integer) {

@@ -1,4 +1,4 @@
-// Evaluating the expressions of conditions.
+// Evaluates the expressions of conditions.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,10 @@
 
 namespace korvex {
 
-// What counts as true: numbers but 0 and what is none, and whatever is not empty. Null does not.
+// Whether a value is true: numbers except 0 and NaN, and everything else that is not empty. Null is false.
 [[nodiscard]] bool isTrue(const ValueView& value);
 
-// The value of an expression; absent when an operator cannot be applied. `stack` is room to work in.
+// The value of an expression; absent if an operator cannot be applied. `stack` is scratch memory.
 [[nodiscard]] std::optional<ValueView> evaluate(const std::vector<ExpressionStep>& steps, std::uint32_t first,
                                                 ValueScope& scope, std::vector<ValueView>& stack,
                                                 ValueFailure& failure);

@@ -9,12 +9,12 @@ namespace korvex {
 
 namespace {
 
-// Parentheses, indices, choices and signs in one another: each takes a frame of the stack.
+// The nesting of parentheses, indexes, choices and signs, each of which takes a stack frame.
 constexpr int deepestNesting = 200;
 
 struct BinaryOperator {
   std::string_view symbol;
-  int precedence;  // a higher one binds more tightly; all group from the left
+  int precedence;  // a higher one binds more tightly; all are left-associative
   ExpressionOperation operation;
 };
 
@@ -52,7 +52,7 @@ constexpr std::array<Keyword, 3> keywords = {{{"null", ExpressionOperation::Null
                                               {"true", ExpressionOperation::Integer, 1},
                                               {"false", ExpressionOperation::Integer, 0}}};
 
-// Words of other languages, and what is meant.
+// Words of other languages, and their equivalents.
 struct ForeignWord {
   std::string_view word;
   std::string_view instead;
@@ -75,7 +75,7 @@ const auto* entryOf(const Table& table, const Key& key, Member member) {
   return found == table.end() ? nullptr : &*found;
 }
 
-// Reads by precedence: a loop for the operators of one level, a call for a tighter level.
+// Precedence climbing: a loop for the operators of one level, a call for a tighter level.
 class ExpressionParser {
  public:
   ExpressionParser(std::string_view expression, std::span<const QXDAOToken> tokens, const NameResolver& names,
@@ -89,7 +89,7 @@ class ExpressionParser {
   }
 
  private:
-  // Each gives false when it has failed.
+  // Each returns false on failure.
 
   bool choice() {
     if (++_depth > deepestNesting) return fail("is nested too deeply: take parentheses out");
@@ -124,7 +124,7 @@ class ExpressionParser {
     return found && found->precedence >= weakest ? found : nullptr;
   }
 
-  // The right side and what becomes of both.
+  // Parses the right operand and emits the operation.
   bool apply(const BinaryOperator& found) {
     const bool jumps = found.precedence <= 2;
     const std::size_t jump = jumps ? emit(found.operation) : 0;
@@ -261,7 +261,7 @@ class ExpressionParser {
   [[nodiscard]] const QXDAOToken& here() const { return _tokens[_at]; }
   [[nodiscard]] bool isOperator() const { return _at < _tokens.size() && here().type == QXDAOTokenTypeOperator; }
 
-  // Operators and brackets; a string of that text is none.
+  // Only operators and brackets, not strings with the same text.
   bool takeSymbol(std::string_view symbol) {
     if (_at == _tokens.size() || here().text != symbol) return false;
     ++_at;
@@ -280,7 +280,7 @@ class ExpressionParser {
   }
   void land(std::size_t jump) { _store.steps[jump].target = _store.steps.size(); }
 
-  // At a byte of a token, or behind the last one. Tokens are copies: where they stand is found by going through them.
+  // At a byte of a token, or after the last one. Tokens are copies, so their positions are found by scanning.
   bool failAt(std::size_t token, std::size_t byte, std::string message) {
     std::size_t offset = 0;
     for (std::size_t at = 0; at < token; ++at) offset = placeOf(_tokens[at], offset) + _tokens[at].text.size();

@@ -1,4 +1,4 @@
-// From the tokens of a condition to the steps that evaluate it.
+// Compiles the tokens of a condition to the steps that evaluate it.
 #pragma once
 
 #include <cstddef>
@@ -15,10 +15,10 @@
 
 namespace korvex {
 
-// Who knows the names in an expression.
+// Resolves the names in an expression.
 class NameResolver {
  public:
-  // The slot of a value; absent when nothing of that name is declared.
+  // The slot of a value; absent if the name is not declared.
   [[nodiscard]] virtual std::optional<ValueSlot> slotOf(std::string_view name) const = 0;
   // What is wrong with such a name.
   [[nodiscard]] virtual std::string undeclared(std::string_view name) const = 0;
@@ -27,13 +27,13 @@ class NameResolver {
   ~NameResolver() = default;
 };
 
-// Where the steps of expressions go, and the texts in them that do not stand in a document as they are.
+// The output for the steps of expressions, and for texts in them that are not in a document verbatim.
 struct ExpressionStore {
   std::vector<ExpressionStep> steps;
   std::deque<std::string> texts;
 };
 
-// Appends the steps of an expression; what it appended before a fault is taken back.
+// Appends the steps of an expression; on an error, appends nothing.
 [[nodiscard]] std::optional<ExpressionFault> compileExpression(std::string_view expression,
                                                                std::span<const QXDAOToken> tokens,
                                                                const NameResolver& names, ExpressionStore& store);

@@ -1,4 +1,4 @@
-// What methods and expressions are compiled to: small records in two arrays of the set. Texts are pieces of the
+// The instructions of compiled methods and expressions: small records in two arrays of the set. Texts point into the
 // elements.
 #pragma once
 
@@ -16,10 +16,10 @@ enum class ExpressionOperation : std::uint8_t {
   Integer,
   Real,
   Text,
-  Path,    // a value by name: its slot, and the path behind it
-  Member,  // the value on top gives way to one of its members
-  Index,   // two values give way to an entry of the first
-  // Two values give way to one.
+  Path,    // pushes a value by name: its slot, and the path after it
+  Member,  // replaces the top value by one of its members
+  Index,   // replaces two values by an entry of the first one
+  // Replace two values by one.
   Equal,
   NotEqual,
   Identical,
@@ -38,16 +38,16 @@ enum class ExpressionOperation : std::uint8_t {
   BitXor,
   ShiftLeft,
   ShiftRight,
-  // One value gives way to another.
+  // Replace one value by another.
   Not,
   Negate,
   Plus,
   Complement,
   Truth,  // to 0 or 1
   // Jumps, to `number` in the array.
-  IfFalseKeep,  // when the value on top is false, which then is 0; else it is taken off
-  IfTrueKeep,   // when it is true, which then is 1; else it is taken off
-  IfFalse,      // takes it off
+  IfFalseKeep,  // if the top value is false, which becomes 0; otherwise pops it
+  IfTrueKeep,   // if it is true, which becomes 1; otherwise pops it
+  IfFalse,      // pops it
   Always,
   End,
 };
@@ -68,24 +68,24 @@ struct ExpressionStep {
 static_assert(sizeof(ExpressionStep) == 16);
 
 enum class PlanOperation : std::uint8_t {
-  Place,    // of the text or element that comes next: document, line, column
+  Place,    // of the next text or element: document, line, column
   Text,     // SQL
   Value,    // a value by name, "?" in the SQL
   Table,    // the assigned table
-  If,       // an expression decides whether to go on here or at the target
-  Jump,     // behind a choose
+  If,       // an expression decides whether to continue here or at the target
+  Jump,     // to the end of a choose
   Trim,     // begins a trim, where or set
-  TrimEnd,  // ends the last one that began
-  Foreach,  // its text comes behind it, up to the target
+  TrimEnd,  // ends the innermost one
+  Foreach,  // its text follows, up to the target
   Format,
   End,
 };
 
-// What is told by PlanInstruction::flags.
+// The bits of PlanInstruction::flags.
 enum PlanFlag : std::uint8_t {
-  BeginsPiece = 1U << 0U,        // set off by a space from what stands in front
+  BeginsPiece = 1U << 0U,        // separated by a space from the text before
   HasCode = 1U << 1U,            // more than white space and comments
-  EndsInLineComment = 1U << 2U,  // what comes next begins a line
+  EndsInLineComment = 1U << 2U,  // the next text must begin a line
   WantsTrue = 1U << 3U,          // of the expression
   AfterNotIn = 1U << 4U,         // the entries are those of NOT IN
 };

@@ -22,12 +22,12 @@ namespace korvex {
 
 namespace {
 
-// What all references of a set may put in, in pieces and in bytes: a few lines can ask for more than there is.
+// Limits for everything that references of a set insert, in pieces and bytes: a few lines can request gigabytes.
 constexpr std::size_t maxPieces = std::size_t{1} << 22U;
 constexpr std::size_t maxBytes = std::size_t{64} << 20U;
 constexpr std::size_t maxArguments = 60000;
 
-// The children of an element beside the nodes that they were built from.
+// Pairs the children of an element with the nodes that they were built from.
 class ChildWalk {
  public:
   explicit ChildWalk(const XMLNode& parent) : _next(parent.firstChild()) {}
@@ -40,8 +40,8 @@ class ChildWalk {
   }
 
  private:
-  // Texts are left out that are empty once they are trimmed and their list references are written out. Only a text that
-  // begins with one can become empty by that.
+  // Texts are dropped if they are empty after trimming and expansion. Only a text that begins with a list reference can
+  // become empty by expansion.
   static bool becameText(const XMLNode& node) {
     if (node.kind() != XMLNodeKind::Text) return false;
     const std::string_view text = spaceNewLineTabBothEndsTrimmed(node.text().value_or(std::string_view()));
@@ -59,7 +59,7 @@ class PlanCompiler final : public NameResolver {
   PlanCompiler(SetCompilation& compilation, std::uint32_t document, PlaceCursor& cursor)
       : _compilation(compilation), _contents(compilation.contents), _cursor(cursor), _document(document) {}
 
-  // A plan of the contents for a method, built from that node.
+  // Compiles a method, built from that node, to a plan of the contents.
   void compile(Plan& plan, QXDAOMethod& method, const XMLNode& xml) {
     _method = &method;
     _xml = xml;
@@ -124,7 +124,7 @@ class PlanCompiler final : public NameResolver {
     if (!_contents.maps.find(map)) fail(placeInAttribute(_xml, C_RESULT, 0), "there is no map " + quoted(map));
   }
 
-  // A single step has given its children to the method.
+  // The children of a single step have moved to the method.
   [[nodiscard]] XMLNode contentNode() const {
     for (const XMLNode& child : _xml.children()) {
       if (child.kind() == XMLNodeKind::Element) return child.name() == C_STEP ? child : _xml;
@@ -150,7 +150,7 @@ class PlanCompiler final : public NameResolver {
     compileUnit(*tried.exceptElement()->children(), except, _cursor.of(except), false);
   }
 
-  // Gives the node of the except block, where there is one.
+  // Returns the node of the except block, if there is one.
   XMLNode compileUnit(QXDAOElementSpan children, const XMLNode& xml, const XMLPosition& place, bool resumable) {
     _fixedText = true;
     const std::size_t begin = _contents.instructions.size();
@@ -229,7 +229,7 @@ class PlanCompiler final : public NameResolver {
     for (const std::size_t end : ends) land(end);
   }
 
-  // The jump for when the content does not apply; absent where it always does.
+  // The jump that skips the content; absent if the content always applies.
   std::optional<std::size_t> compileTest(const QXDAOCondition& condition, const XMLNode& node) {
     if (condition.type() == QXDAOConditionTypeOtherwise) return std::nullopt;
     _fixedText = false;
@@ -295,7 +295,7 @@ class PlanCompiler final : public NameResolver {
     return slot.value_or(0);
   }
 
-  // An attribute is written out as it stands: what would be bound or put in elsewhere is a mistake in it.
+  // An attribute is written literally, so values and references in it are errors.
   void checkPlainText(OptionalStringView text, const XMLNode& node, std::string_view attribute) {
     const std::string_view sql = text.value_or(std::string_view());
     SqlReader reader(sql);
@@ -320,7 +320,7 @@ class PlanCompiler final : public NameResolver {
     emitSql(sql, _document, place, 0);
   }
 
-  // A text, or one that a reference puts in, which stands as deep in others.
+  // A text, or one that a reference inserts, with its nesting depth.
   void emitSql(std::string_view sql, std::uint32_t document, XMLPosition place, std::uint32_t depth) {
     emitPlace(place, document);
     SqlReader reader(sql);
@@ -343,7 +343,7 @@ class PlanCompiler final : public NameResolver {
     }
   }
 
-  // The first piece of a text, which may stand behind the places of references.
+  // The first piece of a text, which may follow the positions of references.
   void markPiece(std::size_t first) {
     while (first < _contents.instructions.size() && _contents.instructions[first].operation == PlanOperation::Place)
       ++first;
@@ -378,7 +378,7 @@ class PlanCompiler final : public NameResolver {
     const ReusableText* text = _compilation.textsByName.find(name);
     if (!text && depth == 0)
       failInText(_reference, "'@" + std::string(name) + "' is neither an sql block nor a constant");
-    if (!text || text->state != ReusableText::State::Sound) return;  // told where it stands
+    if (!text || text->state != ReusableText::State::Sound) return;  // reported at its definition
     emitSql(text->text, text->document, text->position, depth + 1);
     const std::size_t behind = static_cast<std::size_t>(name.data() - sql.data()) + name.size();
     if (behind < sql.size()) emitPlace(advanced(place, sql.substr(0, behind)), document);
@@ -403,7 +403,7 @@ class PlanCompiler final : public NameResolver {
     return false;
   }
 
-  // At a word of the text that is being compiled.
+  // At a word of the current text.
   void failInText(std::string_view word, std::string message) {
     const bool exact = !_compilation.hasManyErrors();
     fail(exact ? placeInText(_sqlNode, word, occurrencesBefore(_sql, word)) : _place, std::move(message));
@@ -437,10 +437,10 @@ class PlanCompiler final : public NameResolver {
   Plan* _plan = nullptr;
   XMLNode _xml;
   XMLPosition _place;
-  std::vector<std::string_view> _names;  // by slot; empty where there is none
+  std::vector<std::string_view> _names;  // by slot; empty if there is none
   bool _fixedText = true;
   bool _overflown = false;
-  // The text that is being compiled, and the outermost reference in it.
+  // The current text, and the outermost reference in it.
   std::string_view _sql;
   XMLNode _sqlNode;
   std::string_view _reference;

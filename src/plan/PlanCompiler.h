@@ -1,4 +1,4 @@
-// From a method to its plan.
+// Compiles a method to its plan.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace korvex {
 
-// Fills a plan of the contents. The texts that references put in have been checked.
+// Fills a plan of the contents. The texts that references insert have been checked.
 void compileMethod(SetCompilation& compilation, std::uint32_t document, PlaceCursor& cursor, Plan& plan,
                    QXDAOMethod& method, const XMLNode& xml);
 

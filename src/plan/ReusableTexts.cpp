@@ -13,14 +13,14 @@ namespace korvex {
 
 namespace {
 
-// References in references.
+// The maximum nesting of references.
 constexpr std::uint32_t deepestReference = 64;
 
 class TextChecker {
  public:
   explicit TextChecker(SetCompilation& compilation) : _compilation(compilation) {}
 
-  // Looks at what a text refers to, and at what that refers to, once.
+  // Visits the texts that a text references, recursively, each of them once.
   void check(ReusableText& text) {
     if (text.state != ReusableText::State::Unknown) return;
     text.state = ReusableText::State::BeingChecked;
@@ -37,7 +37,7 @@ class TextChecker {
 
  private:
   bool checkReference(ReusableText& text, std::string_view name) {
-    if (name == C_RESERVED_TABLE) return true;  // whether there is a table is for the method to say
+    if (name == C_RESERVED_TABLE) return true;  // the method checks whether there is a table
     ReusableText* other = _compilation.textsByName.find(name);
     if (!other)
       return fail(text, withMark(name), "'@" + std::string(name) + "' is neither an sql block nor a constant");

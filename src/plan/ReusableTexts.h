@@ -1,4 +1,4 @@
-// The sql blocks and constants of a set, which "@name" puts in.
+// The sql blocks and constants of a set, which "@name" inserts.
 #pragma once
 
 #include <cstddef>
@@ -19,18 +19,18 @@ struct ReusableText {
   XMLPosition position;  // of the text
   bool isConstant = false;
 
-  // Found out by checking: whether it can be put in, and how deep references stand in it.
+  // Set by checking: whether it can be inserted, and the nesting of its references.
   enum class State : std::uint8_t { Unknown, BeingChecked, Sound, Faulty };
   State state = State::Unknown;
   std::uint32_t depth = 0;
 };
 
-// Finds what is wrong with all of them: faults in their SQL, references to nothing and in a circle.
+// Finds their errors: faults in SQL, unknown references, circular references.
 void checkReusableTexts(SetCompilation& compilation);
 
-// How often a word, a piece of the text, stands in front of itself.
+// The number of earlier occurrences of a word, which is a piece of the text.
 [[nodiscard]] std::size_t occurrencesBefore(std::string_view text, std::string_view word);
-// A word of a text with the mark in front of it.
+// A word of a text with its mark.
 [[nodiscard]] inline std::string_view withMark(std::string_view word) { return {word.data() - 1, word.size() + 1}; }
 
 }  // namespace korvex

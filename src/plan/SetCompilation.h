@@ -1,4 +1,4 @@
-// What the compilers of a set share.
+// The data that the compilers of a set share.
 #pragma once
 
 #include <cstddef>
@@ -25,18 +25,18 @@ struct SetCompilation {
   std::vector<DefinitionError>& errors;
   std::deque<ReusableText> texts;
   NameTable<ReusableText> textsByName;
-  std::size_t putIn = 0;       // pieces that references have put in
+  std::size_t putIn = 0;       // pieces that references have inserted
   std::size_t bytesPutIn = 0;  // and their texts
 
   void fail(std::uint32_t document, const XMLPosition& position, std::string message) {
     constexpr std::size_t maxErrors = 10000;
     if (errors.size() < maxErrors) errors.push_back({std::move(message), contents.documents[document], position});
   }
-  // So many that searching their texts for the exact places would take longer than anybody wants to wait.
+  // With more errors, searching for the exact positions would take too long.
   [[nodiscard]] bool hasManyErrors() const { return errors.size() >= 200; }
 };
 
-// Takes the elements out of the definitions. The contents are whole when no error was added.
+// Takes the elements out of the definitions. The contents are complete if no error was added.
 void compileSet(std::vector<SourceDocument>& documents, SetContents& contents, std::vector<DefinitionError>& errors);
 
 }  // namespace korvex

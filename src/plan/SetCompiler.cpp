@@ -40,7 +40,7 @@ class SetCompiler {
   }
 
  private:
-  // The first definition of each name, and where it stands.
+  // The first definition of each name, and its position.
   struct Declared {
     XMLNode xml;
     std::uint32_t document;
@@ -89,7 +89,7 @@ class SetCompiler {
     }
   }
 
-  // False, with an error, for a name that is taken.
+  // Returns false and adds an error for a duplicate name.
   bool declare(Names& names, std::string_view name, const Declared& place, std::string_view kind) {
     Declared& kept = _declared.emplace_back(place);
     const Declared* first = names.add(name, kept);
@@ -137,7 +137,7 @@ class SetCompiler {
     return nameOf(*left.method) < nameOf(*right.method);
   }
 
-  // Gives every method the plan of its place in the order, and finds upgrades to one version.
+  // Assigns the plans to the methods in order, and finds upgrades to the same version.
   void arrangePlans() {
     std::vector<SourceMethod*> order;
     order.reserve(_methods.size());
@@ -196,7 +196,7 @@ bool comesBefore(const DefinitionError& left, const DefinitionError& right) {
   return std::pair(left.position.line, left.position.column) < std::pair(right.position.line, right.position.column);
 }
 
-// By place, within their documents, which keep their order.
+// By position within the documents, whose order is kept.
 void sortErrors(const std::vector<std::string>& documents, std::vector<DefinitionError>& errors) {
   const auto numberOf = [&documents](const DefinitionError& error) {
     return std::find(documents.begin(), documents.end(), error.document) - documents.begin();

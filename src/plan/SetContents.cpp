@@ -12,14 +12,14 @@ auto keyOf(const QXDAOCryptProperty* crypt) {
                         crypt->propertyName().value_or(std::string_view()));
 }
 
-// Where the text begins that a place stands in front of.
+// The start of the text that follows a place.
 const char* textBegin(const PlanInstruction& piece) {
   switch (piece.operation) {
     case PlanOperation::Text:
       return piece.text().data();
     case PlanOperation::Value:
     case PlanOperation::Table:
-      return piece.text().data() - 1;  // behind the mark
+      return piece.text().data() - 1;  // after the mark
     default:
       return nullptr;
   }

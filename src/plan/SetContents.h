@@ -1,4 +1,4 @@
-// What a set holds: the elements, and what their methods were compiled to.
+// The contents of a set: the elements, and their compiled methods.
 #pragma once
 
 #include <cstddef>
@@ -15,11 +15,11 @@
 
 namespace korvex {
 
-// Things by names that others keep. Grows by doubling; at most half of it is used.
+// A hash table of things by name; the names are not owned. Grows by doubling; at most half of it is used.
 template <typename Thing>
 class NameTable {
  public:
-  // The thing that has the name already, or null and the new one has it.
+  // The thing that already has the name, or null if the new one was inserted.
   Thing* add(std::string_view name, Thing& thing) {
     if (2 * (_count + 1) > _slots.size()) grow();
     Slot& slot = slotOf(name);
@@ -77,10 +77,10 @@ struct SetContents {
 [[nodiscard]] bool cryptComesBefore(const QXDAOCryptProperty* left, const QXDAOCryptProperty* right);
 [[nodiscard]] bool declaresCrypt(const SetContents& contents, std::string_view className, std::string_view property);
 
-// The place of what stands at a byte of a text, when the text begins at a place.
+// The position of a byte of a text that begins at a place.
 [[nodiscard]] XMLPosition advanced(XMLPosition begin, std::string_view text);
 
-// The place of an instruction. `piece` is the instruction that is meant, or one between two places.
+// The position of an instruction. `piece` is the instruction, or one between two places.
 [[nodiscard]] SourcePlace placeOfInstruction(const SetContents& contents, std::size_t place, std::size_t piece,
                                              std::size_t offset = 0);
 

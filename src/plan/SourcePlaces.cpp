@@ -35,7 +35,7 @@ std::size_t firstVisible(std::string_view source, std::size_t at) {
   return at;
 }
 
-// How many bytes the character stands for that "&#...;" means; the named entities stand for one.
+// The UTF-8 length of the character of "&#...;"; named entities have one byte.
 std::size_t bytesOfReference(std::string_view reference) {
   unsigned long code = 0;
   if (!reference.starts_with("&#")) return 1;
@@ -48,7 +48,7 @@ std::size_t bytesOfReference(std::string_view reference) {
   return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
 }
 
-// The offset in the source of the byte that is `decoded` bytes behind one in the text that the parser made of it.
+// The offset in the source of the byte that is `decoded` bytes further in the parsed text.
 std::size_t sourceOffset(std::string_view source, std::size_t at, std::size_t decoded) {
   while (at < source.size()) {
     const std::string_view rest = source.substr(at);
@@ -72,13 +72,13 @@ std::size_t sourceOffset(std::string_view source, std::size_t at, std::size_t de
 
 XMLPosition positionOf(const XMLNode& node) { return node.position().value_or(XMLPosition()); }
 
-// The position of an offset at or behind the beginning of a node.
+// The position of an offset at or after the start of a node.
 XMLPosition positionIn(const XMLNode& node, std::string_view source, std::size_t offset) {
   const std::size_t begin = std::min(node.offset(), offset);
   return advanced(positionOf(node), source.substr(begin, offset - begin));
 }
 
-// Behind the quote that opens an attribute's value; absent when it is not found.
+// After the opening quote of an attribute's value; absent if it is not found.
 std::optional<std::size_t> valueBegin(std::string_view source, std::size_t tag, std::string_view attribute) {
   for (std::size_t at = tag; at < source.size() && source[at] != '>'; ++at) {
     const std::size_t end = at + attribute.size();

@@ -62,7 +62,7 @@ const SqlDelimiter* delimiterAt(std::string_view sql, std::size_t at) {
 
 bool isComment(const SqlDelimiter& delimiter) { return delimiter.opens.size() == 2; }
 
-// Behind the closing of what begins there; npos when it is not closed.
+// After the end of what begins there; npos if it is not closed.
 std::size_t endOf(const SqlDelimiter& delimiter, std::string_view sql, std::size_t at) {
   const std::size_t closing = sql.find(delimiter.closes, at + delimiter.opens.size());
   return closing == std::string_view::npos ? closing : closing + delimiter.closes.size();
@@ -88,7 +88,7 @@ std::string_view withoutSpaces(std::string_view text) {
   return withoutSpaceAtEnd(text);
 }
 
-// Takes a word off the end, whatever its case.
+// Removes a word from the end, ignoring case.
 bool takeLastWord(std::string_view& text, std::string_view lowerCaseWord) {
   text = withoutSpaceAtEnd(text);
   if (text.size() < lowerCaseWord.size()) return false;
@@ -99,7 +99,8 @@ bool takeLastWord(std::string_view& text, std::string_view lowerCaseWord) {
   return true;
 }
 
-// How much of the text the override covers, a run of white space for each of its own; npos when it does not match.
+// The length of the text that the override matches, where white space matches any run of white space; npos if it does
+// not match.
 std::size_t lengthCovered(std::string_view text, std::string_view override) {
   std::size_t at = 0;
   for (std::size_t wanted = 0; wanted < override.size();) {
@@ -157,7 +158,7 @@ SqlPart SqlReader::next() {
   }
 }
 
-// What a character outside quotes and comments begins; a text when it is plain code.
+// The part that a character outside quotes and comments begins; a text for plain code.
 SqlPart SqlReader::marked(std::size_t at) {
   constexpr std::string_view digits = "0123456789";
   const char mark = _sql[at];
@@ -241,7 +242,8 @@ SqlRange findSuffixOverride(std::string_view content, std::string_view override)
   override = withoutSpaces(override);
   const std::size_t end = endOfCode(content);
   if (override.empty() || end < override.size()) return {};
-  // White space may be longer than that of the override, so the beginning is where its first character last stands.
+  // White space may be longer than that of the override, so the match begins at the last occurrence of its first
+  // character.
   for (std::size_t begin = end - override.size() + 1; begin-- > 0;) {
     const std::string_view tail = content.substr(begin, end - begin);
     if (lengthCovered(tail, override) != tail.size()) {

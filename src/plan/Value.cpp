@@ -23,7 +23,7 @@ bool sameEntries(const Dictionary& left, const Dictionary& right) {
   });
 }
 
-// Below that many entries, going through them all is as fast as a hash table.
+// Below that many entries, linear search is as fast as a hash table.
 constexpr std::size_t fewEntries = 12;
 
 }  // namespace

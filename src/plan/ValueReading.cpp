@@ -53,7 +53,7 @@ bool viewAs(const NumberObject& number, std::optional<ValueView>& view) {
   return scalar.has_value();
 }
 
-// Absent for an unsigned integer beyond those of SQL.
+// Absent for an unsigned integer that exceeds SQL's integers.
 std::optional<ValueView> viewOf(const NumberObject& number) {
   std::optional<ValueView> view;
   static_cast<void>(viewAs<std::int32_t>(number, view) || viewAs<std::int64_t>(number, view) ||
@@ -87,7 +87,7 @@ std::optional<ReadValue> fieldValue(ValueScope& scope, const ModelObject& object
                 "property " + quoted(property) + " has a type that cannot be read");
 }
 
-// All packed properties of an object as one value; null when none of them has one.
+// All packed properties of an object as one value; null if none of them has a value.
 std::optional<ReadValue> packedValue(ValueScope& scope, const ModelObject& object, const QXDAOPack& pack) {
   std::string bytes = pack.packWithObject(&object).value_or(std::string());
   if (bytes.empty()) return ReadValue{};

@@ -1,4 +1,4 @@
-// Reading the values of a call by their paths.
+// Reads the values of a call by their paths.
 #pragma once
 
 #include <deque>
@@ -22,11 +22,11 @@ struct ValueFailure {
   std::string message;
 };
 
-// What a value is read for. An expression counts what is in a dictionary by ".count"; a statement binds the entry of
-// that name. A statement also binds the columns of packs as if they were properties.
+// The purpose of reading a value. In an expression, ".count" of a dictionary is the number of its entries; in a
+// statement, it is the entry of that name. A statement can also bind the columns of packs like properties.
 enum class ValueUse : std::uint8_t { Expression, Binding };
 
-// The values of a call, and what keeps alive what was read through them.
+// The values of a call, and the owners of what was read through them.
 struct ValueScope {
   const DefinitionSet* set = nullptr;
   std::vector<ValueView> slots;
@@ -39,11 +39,11 @@ struct ReadValue {
   bool encrypted = false;
 };
 
-// A member of a value: a property, an entry, a count or a length. Absent when there cannot be one.
+// A member of a value: a property, an entry, a count or a length. Absent if the value cannot have it.
 [[nodiscard]] std::optional<ReadValue> readMember(ValueScope& scope, const ValueView& value, std::string_view name,
                                                   ValueUse use, ValueFailure& failure);
 
-// The value behind a path of members, separated by dots; of an empty path the value itself.
+// The value at a path of members, separated by dots; for an empty path, the value itself.
 [[nodiscard]] std::optional<ReadValue> readPath(ValueScope& scope, const ValueView& value, std::string_view path,
                                                 ValueUse use, ValueFailure& failure);
 
