@@ -8,8 +8,10 @@
 #include "checks/ListReferenceWarnings.h"
 #include "checks/NearMiss.h"
 #include "dao/core/Reading.h"
+#include "korvex/Expression.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
+#include "korvex/QXDAOEvaluator.h"
 #include "korvex/QXDAOPackReader.h"
 #include "korvex/XMLNode.h"
 #include "language/Vocabulary.h"
@@ -74,6 +76,30 @@ void findDoubtfulValues(const XMLNode& node, const ElementEntry& element, Warnin
     if (!doubt) continue;
     list.add(Warning::DoubtfulValue, node, list.places().valueOf(node, name), std::move(doubt->message)).help =
         std::move(doubt->help);
+  }
+}
+
+// The character at an offset; empty at the end of the text.
+std::string_view characterAt(std::string_view text, std::size_t offset) {
+  std::size_t end = std::min(offset + 1, text.size());
+  while (end < text.size() && continuesCharacter(text[end])) ++end;
+  return text.substr(offset, end - offset);
+}
+
+void findFaultOfExpression(const XMLNode& node, const XMLAttribute& attribute, WarningList& list) {
+  const std::string_view expression = *spaceNewLineTabBothEndsTrimmed(attribute.stringValue());
+  const QXDAOTokenList tokens = QXDAOEvaluator::buildTokenListWithExpression(expression);
+  if (tokens.empty()) return;  // has an error
+  const auto fault = findExpressionFault(expression, {tokens.data(), tokens.size()});
+  if (!fault) return;
+  const Span place = list.places().writtenValueOf(node, *attribute.name()).of(characterAt(expression, fault->offset));
+  list.add(Warning::ExpressionSyntax, node, place, "not an expression: " + fault->message);
+}
+
+void findBadExpressions(const XMLNode& node, const ElementEntry& element, WarningList& list) {
+  for (const XMLAttribute& attribute : node.attributes()) {
+    const AttributeEntry* entry = attributeEntryOf(element, *attribute.name());
+    if (entry && entry->kind == ValueKind::Condition) findFaultOfExpression(node, attribute, list);
   }
 }
 
@@ -203,6 +229,7 @@ void findInElement(const XMLNode& node, const ElementEntry* parent, bool built, 
   if (!element || (parent && isDefinitionTag(element->tag))) return;  // has an error
   findUnreadAttributes(node, *element, list);
   findDoubtfulValues(node, *element, list);
+  findBadExpressions(node, *element, list);
   findIgnoredContent(node, *element, list);
   findMisplacedWhen(node, *element, parent, list);
   if (built) findUnfinishedReferences(node, *element, list);

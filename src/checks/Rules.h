@@ -27,6 +27,7 @@ enum class Warning {
   DuplicateArgument,
   LostResumable,
   DoubtfulValue,
+  ExpressionSyntax,
   UnusedSuppression,
   UnknownWarning,
 };

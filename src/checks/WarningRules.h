@@ -7,7 +7,7 @@
 
 namespace korvex {
 
-inline constexpr std::array<Rule, 13> warningRules = {{
+inline constexpr std::array<Rule, 14> warningRules = {{
     {Warning::UnreadAttribute, "unread-attribute", Severity::Warning, true, "An attribute that its element never reads",
      "Correct the attribute, move it to the element it belongs to, or remove it.",
      "Most elements ignore unknown attributes, so a misspelled name goes unnoticed: the element is read as if the "
@@ -118,6 +118,21 @@ inline constexpr std::array<Rule, 13> warningRules = {{
 </select>)",
      R"(<select id="allTags" result="[string]" parallel="yes">
   SELECT title FROM tag
+</select>)"},
+    {Warning::ExpressionSyntax, "expression-syntax", Severity::Warning, true, "A condition that is no expression",
+     "Complete the expression; docs/execution.md has its grammar.",
+     "A definition is accepted if its conditions consist of known words and signs. An engine has to evaluate them, "
+     "too, "
+     "and refuses to load what is not an expression: '(a', 'a and b'. Disable the warning if your engine has "
+     "an "
+     "expression language of its own.",
+     R"(<select id="persons" arguments="name, age" result="[Person]">
+  SELECT * FROM person
+  <if true="name != null and age">WHERE name = :name</if>
+</select>)",
+     R"(<select id="persons" arguments="name, age" result="[Person]">
+  SELECT * FROM person
+  <if true="name != null &amp;&amp; age">WHERE name = :name</if>
 </select>)"},
     {Warning::UnusedSuppression, "unused-suppression", Severity::Warning, true, "A comment that suppresses nothing",
      "Remove the comment, or move it directly before its element.",

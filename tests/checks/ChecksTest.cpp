@@ -104,6 +104,8 @@ TEST(Warnings, StandWhereTheyAreSeen) {
        {"1:1:30: duplicate-argument", "1:1:30: duplicate-argument"}},
       {"<pack as='a' properties='b, c,, c,b,'/>", {"1:1:36: repeated-property", "1:1:38: repeated-property"}},
       {"<update id='a'><if true='x'><otherwise>x</otherwise></if></update>", {"1:1:32: misplaced-when"}},
+      {"<update id='a'><if true='a &amp;&amp;'/><if false=' (a'/><if true='a  and b'/></update>",
+       {"1:1:29: expression-syntax", "1:1:58: expression-syntax", "1:1:74: expression-syntax"}},
       {"<update id='a'><choose><otherwise><when true='x'/></otherwise></choose></update>", {"1:1:38: misplaced-when"}},
       // Values
       {"<select id='a' result='int' parallel='on' profile=' No' assignedTable='0'>x</select>",
