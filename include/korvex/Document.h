@@ -21,13 +21,13 @@
 namespace korvex {
 
 struct LoadOptions {
-  // Run a strict parser first, which refuses anything that is not well-formed XML. Switch it off only
+  // Run a strict parser first, which rejects anything that is not well-formed XML. Switch it off only
   // for documents that have been checked before, for example when the app was built. A well-formed
   // document yields the same tree either way. Without this pass, a malformed document may yield an
   // arbitrary tree instead of an error, and a reference to an entity that only an external DTD could
   // declare becomes text.
   bool strict = true;
-  // Keep text nodes that contain only white space. A <map> with indented children is then refused.
+  // Keep text nodes that contain only white space. A <map> with indented children is then rejected.
   bool keepWhiteSpaceText = false;
   // The maximum size of a document, in bytes.
   std::size_t maximumBytes = std::size_t{64} * 1024 * 1024;

@@ -22,24 +22,24 @@
 //       QXDAOTrim             <trim>, <where>, <set>
 //
 // Construction: a new element is blank. Its initWith… operation fills it from a document node and is
-// called once. It is not virtual, since whoever builds an element knows its class. It always returns; a
-// violated rule is recorded in the element and propagated to the root. Elements copy what they keep, so
-// a finished tree outlives its document. Building and destroying recurse as deep as the document is
-// nested; a caller with a parser of its own limits that depth, as the loader does.
+// called once. It is not virtual, because the class of the element is known when it is built. It always returns; a
+// violated rule is recorded in the element and propagated to the root. Elements copy what they keep, so a finished tree
+// may outlive its document. Building and destroying recurse as deep as the document is nested; a caller with its own
+// parser must limit that depth, as the loader does.
 //
 // Ownership: a parent owns its children. Plain pointers (parentMethod, exceptElement, tryElement) own
 // nothing and point to elements of the same tree.
 //
 // Threads: a tree is built on the thread of the caller; any number of trees may be built at the same
 // time. A finished tree is only read and may be read on any thread, except for the slots marked as the
-// engine's, which the engine guards itself. Setters are plain stores without a lock.
+// engine's, which the engine synchronises itself. Setters are plain stores without a lock.
 //
 // Properties: a getter returns a reference or a view that is valid until the property is set or the
 // element is destroyed. A setter replaces the value, checks nothing and takes what the getter returns.
 // An absent string or list (nullopt) is different from an empty one; absent is what has not been set.
 //
-// Memory: running out of it throws std::bad_alloc where the library is built with exceptions, and ends
-// the program where it is not.
+// Memory: a failed allocation throws std::bad_alloc if the library is built with exceptions, and otherwise ends the
+// program.
 #pragma once
 
 #include "korvex/Keywords.h"

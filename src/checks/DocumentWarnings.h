@@ -6,7 +6,7 @@
 
 namespace korvex {
 
-// A definition that was refused gets only the warnings that do not depend on its element tree.
+// A definition that was rejected gets only the warnings that do not depend on its element tree.
 void findWarningsIn(const Definition& definition, WarningList& list);
 
 }  // namespace korvex

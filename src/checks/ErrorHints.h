@@ -1,4 +1,4 @@
-// Suggestions for definitions that were refused.
+// Suggestions for definitions that were rejected.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The rules that a refused definition or document violates, with their explanations. The messages are defined beside
+// The rules that a rejected definition or document violates, with their explanations. The messages are defined beside
 // the code that reports them.
 #pragma once
 

@@ -11,7 +11,7 @@
 namespace korvex {
 
 enum class Severity {
-  Error,    // the definition or the document is refused
+  Error,    // the definition or the document is rejected
   Warning,  // it is accepted but probably unintended
 };
 

@@ -21,7 +21,7 @@ class SetNames {
   // Adds a warning for each definition that has the name of an earlier one of its kind.
   void add(const std::vector<Definition>& definitions, WarningList& list);
 
-  // Includes maps that were refused.
+  // Includes maps that were rejected.
   [[nodiscard]] bool hasMap(const std::string& name) const { return _maps.contains(name); }
   // Sorted.
   [[nodiscard]] std::vector<std::string_view> mapNames() const;
@@ -33,7 +33,7 @@ class SetNames {
   };
   // Absent for a definition that has no name to share.
   [[nodiscard]] static std::optional<Name> nameOf(const Definition& definition);
-  // Whether several definitions have that name, or may have it once the refused ones are fixed.
+  // Whether several definitions have that name, or may have it once the rejected ones are fixed.
   [[nodiscard]] bool isRepeated(const Name& name) const;
 
  private:
@@ -47,7 +47,7 @@ class SetNames {
 
   std::array<std::map<std::string, Location, std::less<>>, kinds> _first;  // where a name came first
   std::array<Names, kinds> _repeated;
-  Names _refused;  // the possible names of refused definitions
+  Names _refused;  // the possible names of rejected definitions
   Names _maps;
 };
 

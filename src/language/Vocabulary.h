@@ -33,7 +33,7 @@ struct AttributeEntry {
 // Which attributes an element may have, beyond those that are required.
 enum class AttributeRule {
   OthersIgnored,  // an attribute that is not listed has no effect
-  NoOthers,       // an attribute that is not listed is refused
+  NoOthers,       // an attribute that is not listed is rejected
   ExactlyOne,     // of those listed, not empty, and no other
   AnyOneName,     // exactly one, with any name
 };

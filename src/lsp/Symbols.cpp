@@ -78,7 +78,7 @@ class SymbolWriter {
   }
 
  private:
-  // The arguments that a method declares, without empty ones, which the loader refuses.
+  // The arguments that a method declares, without empty ones, which the loader rejects.
   void writeArguments(const MarkupElement& element) {
     const MarkupAttribute* declaration = _document.markup().attributeOf(element, C_ARGUMENTS);
     if (!declaration) return;

@@ -28,7 +28,7 @@ struct Tag {
   [[nodiscard]] bool isClosed() const { return state == TagState::Closed || state == TagState::ClosedEmpty; }
 };
 
-// Reads the tag whose "<" is at `begin`. It stops behind ">", in front of the next "<", or at the end of the text, and
+// Reads the tag whose "<" is at `begin`. It stops after ">", before the next "<", or at the end of the text, and
 // skips what belongs to no tag. A value without its closing quote ends there too. The time is linear in the tag's
 // length.
 [[nodiscard]] Tag readTag(std::string_view text, std::size_t begin);

@@ -9,7 +9,7 @@ namespace korvex {
 
 enum ExitCode : int {
   ExitCodeNothingFound = 0,
-  ExitCodeSomethingFound = 1,  // a refused definition, a malformed document, an unreadable packed value; a client that
+  ExitCodeSomethingFound = 1,  // a rejected definition, a malformed document, an unreadable packed value; a client that
                                // exited without shutdown
   ExitCodeTrouble = 2,         // invalid usage, unreadable input, output that cannot be written
 };
