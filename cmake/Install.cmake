@@ -86,7 +86,11 @@ install(FILES
 # The files derive the prefix from their own location, so an installed tree can be moved.
 file(RELATIVE_PATH KORVEX_PREFIX_OF_PKGCONFIG
   ${CMAKE_INSTALL_PREFIX}/${KORVEX_PKGCONFIG_DIR} ${CMAKE_INSTALL_PREFIX})
-foreach(name korvex-dao korvex-loader)
+set(KORVEX_PKGCONFIG_NAMES korvex-dao korvex-plan korvex-loader)
+if(TARGET korvex_sqlite)
+  list(APPEND KORVEX_PKGCONFIG_NAMES korvex-sqlite)
+endif()
+foreach(name ${KORVEX_PKGCONFIG_NAMES})
   configure_file(${CMAKE_CURRENT_LIST_DIR}/${name}.pc.in ${PROJECT_BINARY_DIR}/install/${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/install/${name}.pc
     DESTINATION ${KORVEX_PKGCONFIG_DIR} COMPONENT Development)

@@ -37,5 +37,5 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkorvex-dao-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-  "korvex-dao (= ${PROJECT_VERSION}), libexpat1-dev, libpugixml-dev, libstdc++-dev | libc++-dev")
+  "korvex-dao (= ${PROJECT_VERSION}), libexpat1-dev, libpugixml-dev, libsqlite3-dev, libstdc++-dev | libc++-dev")
 include(CPack)
