@@ -29,8 +29,8 @@ _korvex-dao() {
             '(-h --help)--help[Print this help message and exit]' \
             '(--format)--format=[The output format\: text (default), short, json, sarif, or github]:WORD:(github json sarif short text)' \
             '(--color)--color=[When to use color\: always, never, or auto (default)\: on a terminal, unless NO_COLOR is set]:WORD:(always auto never)' \
-            '*--warn=[Enable the warnings with this name; repeatable]:NAME:(unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
-            '*--no-warn=[Disable the warnings with this name; repeatable]:NAME:(unread-attribute duplicate-name undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
+            '*--warn=[Enable the warnings with this name; repeatable]:NAME:(unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
+            '*--no-warn=[Disable the warnings with this name; repeatable]:NAME:(unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
             '(--werror)--werror[Treat warnings as errors]' \
             '(--no-strict)--no-strict[Skip the well-formedness check; only for documents that have passed it before]' \
             '(--keep-white-space)--keep-white-space[Keep white-space-only text; maps with indented children are then rejected]' \

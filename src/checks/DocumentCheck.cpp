@@ -165,9 +165,9 @@ void SetCheck::reportSuppressions(const std::vector<Definition>& definitions, co
 void SetCheck::reportUnused(const Suppression& suppression, const Definition* definition, const WarningList& list,
                             std::vector<Finding>& findings) {
   if (definition && definition->error) return;
-  const bool aboutName = suppression.rule == &ruleOf(Warning::DuplicateName) && definition &&
-                         list.places().offsetOf(definition->xml) == suppression.element;
-  std::optional<SetNames::Name> name = aboutName ? SetNames::nameOf(*definition) : std::nullopt;
+  const bool ofDefinition = definition && list.places().offsetOf(definition->xml) == suppression.element;
+  std::optional<SetNames::Name> name = ofDefinition ? SetNames::nameOf(*definition) : std::nullopt;
+  if (name && suppression.rule != &ruleOf(SetNames::warningAbout(*name))) name.reset();
   if (!name) {
     report(unusedSuppression(suppression, list), findings);
   } else if (_whole) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <map>
 
+#include "checks/DoubledKeywords.h"
 #include "checks/DoubtfulValues.h"
 #include "checks/ListReferenceWarnings.h"
 #include "checks/NearMiss.h"
@@ -165,13 +166,27 @@ void findDuplicateArguments(const Definition& definition, WarningList& list) {
                     list);
 }
 
+// Only commas separate names.
+void findMalformedArguments(const Definition& definition, WarningList& list) {
+  for (OptionalStringView rest = definition.xml.valueOfAttribute(C_ARGUMENTS); rest;) {
+    const std::string_view name = spaceBothEndsTrimmed(takePiece(rest, ','));
+    if (name.find_first_of(" \t\r\n'\"`") == std::string_view::npos) continue;
+    list.add(Warning::MalformedArgument, definition.xml,
+             list.places().writtenValueOf(definition.xml, C_ARGUMENTS).of(name),
+             "the argument " + quoted(name) + " has white space or quotes in its name")
+        .help = "separate names by commas, and write them without quotes";
+  }
+}
+
 // ---------------------------------------------------------------------------------------------
 // Content
+
+bool isBlank(const XMLNode& text) { return isEmpty(spaceNewLineTabBothEndsTrimmed(text.text())); }
 
 void findIgnoredContent(const XMLNode& node, const ElementEntry& element, WarningList& list) {
   if (element.content != Content::Ignored) return;
   for (const XMLNode& child : node.children()) {
-    if (isEmpty(spaceNewLineTabBothEndsTrimmed(child.text())) && child.kind() != XMLNodeKind::Element) continue;
+    if (isBlank(child) && child.kind() != XMLNodeKind::Element) continue;
     const std::size_t begin =
         list.places().source().text().find_first_not_of(xmlWhiteSpace, list.places().offsetOf(child));
     list.add(Warning::IgnoredContent, node, list.places().spanAt(begin),
@@ -187,6 +202,33 @@ void findMisplacedWhen(const XMLNode& node, const ElementEntry& element, const E
   Finding& finding = list.add(Warning::MisplacedWhen, node, list.places().spanAt(list.places().offsetOf(node)),
                               quoted(element.tag) + " is outside 'choose'");
   finding.help = when ? "write 'if', or put it in a 'choose'" : "put it in a 'choose'";
+}
+
+bool hasContent(const XMLNode& node) {
+  const auto children = node.children();
+  return std::any_of(children.begin(), children.end(), [](const XMLNode& child) {
+    return child.kind() == XMLNodeKind::Element || (child.kind() == XMLNodeKind::Text && !isBlank(child));
+  });
+}
+
+// The text in front of the next element.
+XMLNode textBehind(const XMLNode& node) {
+  XMLNode next = node.next();
+  while (next && next.kind() != XMLNodeKind::Element && (next.kind() != XMLNodeKind::Text || isBlank(next))) {
+    next = next.next();
+  }
+  return next && next.kind() == XMLNodeKind::Text ? next : XMLNode();
+}
+
+void findEmptyMethod(const Definition& definition, WarningList& list) {
+  if (hasContent(definition.xml)) return;
+  const XMLNode text = textBehind(definition.xml);
+  if (!text) return;
+  const std::size_t begin =
+      list.places().source().text().find_first_not_of(xmlWhiteSpace, list.places().offsetOf(text));
+  list.add(Warning::EmptyMethod, definition.xml, list.places().spanAt(begin),
+           "this text is ignored, and the method in front of it is empty")
+      .help = "move it into the method";
 }
 
 // A method that was built with a step has no other content than steps.
@@ -211,16 +253,13 @@ struct DefinitionRule {
   void (*find)(const Definition& definition, WarningList& list);
 };
 
-constexpr std::array<DefinitionRule, 10> definitionRules = {{
-    {C_MAP, findDuplicateColumns},
-    {C_PACK, findRepeatedProperties},
-    {C_SELECT, findDuplicateArguments},
-    {C_UPDATE, findDuplicateArguments},
-    {C_INSERT, findDuplicateArguments},
-    {C_DELETE, findDuplicateArguments},
-    {C_UPDATE, findLostResumable},
-    {C_INSERT, findLostResumable},
-    {C_DELETE, findLostResumable},
+constexpr std::array<DefinitionRule, 19> definitionRules = {{
+    {C_MAP, findDuplicateColumns},      {C_PACK, findRepeatedProperties},   {C_SELECT, findDuplicateArguments},
+    {C_UPDATE, findDuplicateArguments}, {C_INSERT, findDuplicateArguments}, {C_DELETE, findDuplicateArguments},
+    {C_SELECT, findMalformedArguments}, {C_UPDATE, findMalformedArguments}, {C_INSERT, findMalformedArguments},
+    {C_DELETE, findMalformedArguments}, {C_SELECT, findEmptyMethod},        {C_UPDATE, findEmptyMethod},
+    {C_INSERT, findEmptyMethod},        {C_DELETE, findEmptyMethod},        {C_UPGRADE, findEmptyMethod},
+    {C_UPDATE, findLostResumable},      {C_INSERT, findLostResumable},      {C_DELETE, findLostResumable},
     {C_UPGRADE, findLostResumable},
 }};
 
@@ -234,6 +273,7 @@ void findInElement(const XMLNode& node, const ElementEntry* parent, bool built, 
   findMisplacedWhen(node, *element, parent, list);
   if (built) findUnfinishedReferences(node, *element, list);
   if (element->content == Content::Ignored) return;
+  findDoubledKeywords(node, list);
   for (const XMLNode& child : node.children()) {
     if (child.kind() == XMLNodeKind::Element) findInElement(child, element, built, list);
   }

@@ -18,6 +18,7 @@ enum class Severity {
 enum class Warning {
   UnreadAttribute,
   DuplicateName,
+  DuplicateVersion,
   UndefinedMap,
   UnfinishedListReference,
   IgnoredContent,
@@ -25,6 +26,9 @@ enum class Warning {
   DuplicateColumn,
   RepeatedProperty,
   DuplicateArgument,
+  MalformedArgument,
+  EmptyMethod,
+  DoubledKeyword,
   LostResumable,
   DoubtfulValue,
   ExpressionSyntax,

@@ -1,9 +1,13 @@
 #include "checks/SetNames.h"
 
+#include <bit>
+#include <cstdint>
+
 #include "korvex/Definition.h"
 #include "korvex/Keywords.h"
 #include "korvex/OptionalString.h"
 #include "korvex/QXDAOElement.h"
+#include "korvex/QXDAOMethod.h"
 #include "korvex/XMLNode.h"
 #include "platform/Strings.h"
 #include "platform/Tables.h"
@@ -15,17 +19,30 @@ namespace {
 struct NamedKind {
   QXDAOElementKind kind;
   std::string_view message;
+  Warning warning = Warning::DuplicateName;
 };
 
 // Methods share their names, whatever they do.
-constexpr std::array<NamedKind, 4> namedKinds = {{
+constexpr std::array<NamedKind, 5> namedKinds = {{
     {QXDAOElementKindMethod, "another method has the name '%@'"},
     {QXDAOElementKindMap, "another map has the name '%@'"},
     {QXDAOElementKindSqlBlock, "another sql block has the name '%@'"},
     {QXDAOElementKindConst, "another constant has the name '%@'"},
+    {QXDAOElementKindMethod, "another upgrade leads to this version", Warning::DuplicateVersion},
 }};
+constexpr std::size_t kindOfUpgrades = namedKinds.size() - 1;
+
+// Null unless the definition is an upgrade.
+const QXDAOMethod* upgradeOf(const Definition& definition) {
+  const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
+  return method && method->operation() == QXDAOOperationUpgrade ? method : nullptr;
+}
+
+// The same text for all spellings of a number.
+std::string textOfVersion(double version) { return std::to_string(std::bit_cast<std::uint64_t>(version + 0.0)); }
 
 Span placeOfName(const Definition& definition, const Places& places) {
+  if (upgradeOf(definition)) return places.valueOf(definition.xml, C_TO_VERSION);
   if (definition.tag() != C_CONST) return places.valueOf(definition.xml, C_ID);
   return places.nameOf(definition.xml, *definition.element->name());
 }
@@ -48,11 +65,15 @@ void SetNames::addRefused(const XMLNode& definition) {
 }
 
 std::optional<SetNames::Name> SetNames::nameOf(const Definition& definition) {
+  if (const QXDAOMethod* upgrade = upgradeOf(definition))
+    return Name{kindOfUpgrades, textOfVersion(upgrade->toVersion())};
   if (!definition.element || !definition.element->name()) return std::nullopt;
   const auto* row = rowWith(namedKinds, &NamedKind::kind, definition.element->kind());
   if (!row) return std::nullopt;
   return Name{static_cast<std::size_t>(row - namedKinds.data()), std::string(*definition.element->name())};
 }
+
+Warning SetNames::warningAbout(const Name& name) { return namedKinds[name.kind].warning; }
 
 bool SetNames::isRepeated(const Name& name) const {
   return _repeated[name.kind].contains(name.name) || _refused.contains(name.name);
@@ -64,7 +85,7 @@ void SetNames::addNamed(const Name& name, const Definition& definition, WarningL
   if (isNew) return;
   _repeated[name.kind].insert(name.name);
   list.setDefinition(definition);
-  Finding& finding = list.add(Warning::DuplicateName, definition.xml, placeOfName(definition, list.places()),
+  Finding& finding = list.add(warningAbout(name), definition.xml, placeOfName(definition, list.places()),
                               filledFormat(namedKinds[name.kind].message, name.name));
   finding.related.push_back({first->second, "the first one is here"});
 }

@@ -33,11 +33,13 @@ class SetNames {
   };
   // Absent for a definition that has no name to share.
   [[nodiscard]] static std::optional<Name> nameOf(const Definition& definition);
+  // What is given when several definitions have that name.
+  [[nodiscard]] static Warning warningAbout(const Name& name);
   // Whether several definitions have that name, or may have it once the rejected ones are fixed.
   [[nodiscard]] bool isRepeated(const Name& name) const;
 
  private:
-  static constexpr std::size_t kinds = 4;  // of definitions that have names
+  static constexpr std::size_t kinds = 5;  // of definitions that have names
 
   void addRefused(const XMLNode& definition);
   void addNamed(const Name& name, const Definition& definition, WarningList& list);

@@ -7,7 +7,7 @@
 
 namespace korvex {
 
-inline constexpr std::array<Rule, 14> warningRules = {{
+inline constexpr std::array<Rule, 18> warningRules = {{
     {Warning::UnreadAttribute, "unread-attribute", Severity::Warning, true, "An attribute that its element never reads",
      "Correct the attribute, move it to the element it belongs to, or remove it.",
      "Most elements ignore unknown attributes, so a misspelled name goes unnoticed: the element is read as if the "
@@ -28,6 +28,15 @@ inline constexpr std::array<Rule, 14> warningRules = {{
 <const PAGE_SIZE="20"/>)",
      R"(<const PAGE_SIZE="50"/>
 <sql id="PAGE_SIZE">50</sql>)"},
+    {Warning::DuplicateVersion, "duplicate-version", Severity::Warning, true, "Two upgrades lead to the same version",
+     "Give one of them another version, or put the steps of both in one upgrade.",
+     "A set with two upgrades to one version is rejected when it is loaded. Versions are numbers: 1.1 and 1.10 are the "
+     "same one. Documents that are checked together share their versions. The warning is given for the later upgrade "
+     "and points to the first one.",
+     R"(<upgrade toVersion="1.1">ALTER TABLE person ADD COLUMN email TEXT</upgrade>
+<upgrade toVersion="1.10">ALTER TABLE person ADD COLUMN phone TEXT</upgrade>)",
+     R"(<upgrade toVersion="1.01">ALTER TABLE person ADD COLUMN email TEXT</upgrade>
+<upgrade toVersion="1.10">ALTER TABLE person ADD COLUMN phone TEXT</upgrade>)"},
     {Warning::UndefinedMap, "undefined-map", Severity::Warning, false, "A result names a map that is not defined",
      "Correct the name, define the map, or check the documents that define it together with this one.",
      "A result \":name\" uses the map of that name. Only all documents together show whether it is defined, so this "
@@ -94,6 +103,39 @@ inline constexpr std::array<Rule, 14> warningRules = {{
 </delete>)",
      R"(<delete id="forget" arguments="$personId, before">
   DELETE FROM recent
+</delete>)"},
+    {Warning::MalformedArgument, "malformed-argument", Severity::Warning, true,
+     "An argument name with white space or quotes in it", "Separate names by commas, and write them without quotes.",
+     "Arguments are separated by commas. White space within a name and quotes become part of it, and no value or "
+     "condition can refer to such a name.",
+     R"(<delete id="forget" arguments="personId before">
+  DELETE FROM recent
+</delete>)",
+     R"(<delete id="forget" arguments="personId, before">
+  DELETE FROM recent
+</delete>)"},
+    {Warning::EmptyMethod, "empty-method", Severity::Warning, true, "An empty method with text behind it",
+     "Move the text into the method.",
+     "Text between definitions is ignored. Behind a method without content it is probably the SQL of that method, "
+     "whose "
+     "tag was closed too early.",
+     R"(<delete id="forgetAll"/>
+DELETE FROM recent)",
+     R"(<delete id="forgetAll">
+  DELETE FROM recent
+</delete>)"},
+    {Warning::DoubledKeyword, "doubled-keyword", Severity::Warning, true,
+     "A keyword in front of an element that writes it, too", "Remove the keyword from the text.",
+     "A 'where', 'set', 'trim' or 'format' writes its keyword itself when it has content, so that the SQL has it "
+     "twice. "
+     "Without content, the keyword of the text has nothing behind it. WHERE, SET, VALUES, HAVING, GROUP BY and ORDER "
+     "BY "
+     "are checked, in any case, where the text ends with one.",
+     R"(<delete id="forget" arguments="personId">
+  DELETE FROM recent WHERE <where>AND person_id = :personId</where>
+</delete>)",
+     R"(<delete id="forget" arguments="personId">
+  DELETE FROM recent <where>AND person_id = :personId</where>
 </delete>)"},
     {Warning::LostResumable, "lost-resumable", Severity::Warning, true, "A single step is not resumable",
      "Split the method into several steps, or remove the step around its content.",

@@ -102,6 +102,15 @@ TEST(Warnings, StandWhereTheyAreSeen) {
       {"<update id='a'><format prefix='a' pairs='b' join='c'> x </format></update>", {"1:1:58: ignored-content"}},
       {"<update id='a' arguments='$a, b, a ,&#98;'>x</update>",
        {"1:1:30: duplicate-argument", "1:1:30: duplicate-argument"}},
+      {"<update id='a' arguments='$a b, c'>x</update><update id='b' arguments='a, \"b\"'>x</update>",
+       {"1:1:30: malformed-argument", "1:1:78: malformed-argument"}},
+      {"<update id='a'><!-- b --></update> <!-- c -->\n d<update id='b'/><update id='c'/>", {"1:2:2: empty-method"}},
+      {"<update id='a'>a WHERE<!-- b --> <where>c</where> ORDER BY <trim prefix='Order By ' "
+       "suffixOverrides=','/></update>",
+       {"1:1:37: doubled-keyword", "1:1:63: doubled-keyword"}},
+      {"<update id='a'>'a WHERE' -- WHERE<where>c</where>@set <set>c</set>@set<set>c</set></update>", {}},
+      {"<upgrade toVersion='initial'>x</upgrade><upgrade toVersion='0.0'>x</upgrade><upgrade toVersion='1'>x</upgrade>",
+       {"1:1:64: duplicate-version"}},
       {"<pack as='a' properties='b, c,, c,b,'/>", {"1:1:36: repeated-property", "1:1:38: repeated-property"}},
       {"<update id='a'><if true='x'><otherwise>x</otherwise></if></update>", {"1:1:32: misplaced-when"}},
       {"<update id='a'><if true='a &amp;&amp;'/><if false=' (a'/><if true='a  and b'/></update>",
@@ -160,7 +169,7 @@ TEST(Warnings, AboutNamesInSeveralDocuments) {
       {{"<d><map id='m' result='P'/></d>", one, "<d><sql id='a'/><const n='1'/><const C='2'/></d>"},
        {"3:1:38: duplicate-name"}},
       {{"<d><upgrade toVersion='1'>x</upgrade><upgrade toVersion='1'>x</upgrade><select id='a'/><select id='a'/></d>"},
-       {"1:1:72: missing-result", "1:1:88: missing-result"}},
+       {"1:1:58: duplicate-version", "1:1:72: missing-result", "1:1:88: missing-result"}},
   };
   for (const auto& [documents, expected] : cases) EXPECT_EQ(findingsIn(documents), expected) << documents.back();
 
