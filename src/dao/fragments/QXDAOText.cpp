@@ -31,14 +31,15 @@ class TextOutput {
   }
 
  private:
+  // Formats are short: looking at each character is faster than searching for the next star.
   void appendItem(std::string_view format, std::string_view star) {
-    std::size_t begin = 0;
-    for (std::size_t mark = format.find('*'); mark != std::string_view::npos; mark = format.find('*', begin)) {
-      append(format.substr(begin, mark - begin));
-      append(star);
-      begin = mark + 1;
+    for (const char character : format) {
+      if (character == '*') {
+        append(star);
+      } else {
+        _text->push_back(character);
+      }
     }
-    append(format.substr(begin));
   }
 
   std::string* _text;
@@ -66,6 +67,7 @@ class LengthOutput {
 std::string_view expandedIn(std::string& room, std::string_view text) {
   if (!mayHoldReference(text)) return text;
   room.clear();
+  room.reserve(text.size());
   return ListReferenceScan(text, TextOutput(room)).run() ? std::string_view(room) : text;
 }
 
@@ -90,7 +92,10 @@ void QXDAOText::initWithText(OptionalStringView text) {
   setExpanded(text);
 }
 
-void QXDAOText::processText() { setExpanded(expression()); }
+void QXDAOText::processText() {
+  const OptionalStringView text = expression();
+  if (text && mayHoldReference(*text)) setExpanded(text);
+}
 
 void QXDAOText::setExpanded(OptionalStringView text) {
   TreeMemory* const memory = Building::memoryOf(*this);
