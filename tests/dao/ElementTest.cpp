@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <thread>
 
 #include "dao/core/Arena.h"
 #include "korvex/MappingSequence.h"
@@ -196,17 +195,6 @@ TEST(Elements, NumbersOfEnumeratorsNeverChange) {
   for (const auto& numbers : enumerations) {
     for (std::size_t number = 0; number < numbers.size(); ++number) EXPECT_EQ(numbers[number], number);
   }
-}
-
-TEST(Elements, TreesAreBuiltOnSeveralThreadsFromOneDocument) {
-  const HandBuiltTree tree(update({TreeNode::text("SELECT %{'*', a, b}"),
-                                   TreeNode::element("where", {}, {TreeNode::element("if", {{"true", "a > 1"}})})}));
-  const auto build = [&tree] {
-    for (int turn = 0; turn < 500; ++turn) ASSERT_NE(QXDAOElement::elementWithXML(tree.root()), nullptr);
-  };
-  std::vector<std::thread> threads;
-  for (int count = 0; count < 4; ++count) threads.emplace_back(build);
-  for (std::thread& thread : threads) thread.join();
 }
 
 TEST(MappingSequence, CountsUp) {

@@ -499,6 +499,27 @@ TEST(Definitions, TreesAreBuiltOnEightThreads) {
   for (std::thread& thread : threads) thread.join();
 }
 
+// Trees of one load share the memory of its arena.
+TEST(Definitions, TreesAreDestroyedOnOtherThreads) {
+  std::string text = "<d>";
+  for (int count = 0; count < 100; ++count)
+    text += "<update id='u'>%{'*', a, b}<where><if true='c'>d</if></where></update>";
+  const auto document = Document::fromBytes(text + "</d>");
+  std::array<std::vector<Definition>, 8> loads;
+  const auto onEightThreads = [](const auto& work) {
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < 8; ++number) threads.emplace_back(work, number);
+    for (std::thread& thread : threads) thread.join();
+  };
+  onEightThreads([&](std::size_t number) { loads[number] = loadDefinitions(*document.document); });
+  onEightThreads([&](std::size_t number) {
+    for (std::size_t tree = 0; tree < 100; ++tree) {
+      const std::unique_ptr<QXDAOElement> element = std::move(loads[(number + tree) % 8].at(tree).element);
+      EXPECT_EQ(element->name(), "u");
+    }
+  });
+}
+
 constexpr const char* everyKind =
     "<d>\n<select id='s' result='int'>%{'*', a, b}<if true='c'>d</if></select><const A='x'/><sql id='q'>y</sql>\n"
     "<map id='m' result='P'><result column='c' property='p'/></map><crypt class='P' property='n'/>\n"
