@@ -70,11 +70,15 @@ Reason prepare(sqlite3& database, const std::string& sql, Statement& statement) 
 // On its own lines, so that a comment at its end ends there.
 std::string parenthesised(const std::string& condition) { return "(\n" + condition + "\n)"; }
 
-// A condition is also valid as a value. Text that closes the parenthesis to append SQL, such as a UNION, is not valid
-// both there and after WHERE.
+// A condition can also stand in a CASE. Text that closes the parenthesis to continue with SQL of its own, such as a
+// UNION or a LIMIT, cannot stand both there and after WHERE, even if it ends in an open comment.
 Reason checkCondition(sqlite3& database, const ColumnQuery& query) {
-  Statement unused;
-  return prepare(database, "SELECT " + parenthesised(*query.where) + " FROM " + quotedName(query.table), unused);
+  Statement test;
+  const std::string sql =
+      "SELECT CASE WHEN " + parenthesised(*query.where) + " THEN 1 END FROM " + quotedName(query.table);
+  if (Reason failure = prepare(database, sql, test)) return failure;
+  if (sqlite3_bind_parameter_count(test.get()) > 0) return "the condition has a parameter: write the value itself";
+  return std::nullopt;
 }
 
 std::string selection(const ColumnQuery& query, const std::string& rowid) {

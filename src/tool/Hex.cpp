@@ -14,6 +14,21 @@ constexpr std::string_view whiteSpace = " \t\r\n\v\f";
 // The value of a digit; npos for any other character.
 std::size_t valueOf(char digit) { return std::min(digits.find(digit), lowerDigits.find(digit)); }
 
+// Where the digits are in a text.
+struct Digits {
+  std::size_t begin;
+  std::size_t end;
+};
+
+Digits digitsIn(std::string_view text) {
+  const std::size_t begin = std::min(text.find_first_not_of(whiteSpace), text.size());
+  const std::size_t end = text.find_last_not_of(whiteSpace) + 1;
+  const std::string_view start = text.substr(begin, 2);
+  if (start == "0x" || start == "0X") return {begin + 2, end};
+  const bool literal = (start == "x'" || start == "X'") && end > begin + 2 && text[end - 1] == '\'';
+  return literal ? Digits{begin + 2, end - 1} : Digits{begin, end};
+}
+
 std::string notADigit(std::string_view text, std::size_t at) {
   const std::string character = visibleText(firstCharacter(text.substr(at)));
   return "'" + character + "' at position " + std::to_string(at + 1) + " is no hexadecimal digit";
@@ -36,7 +51,8 @@ HexBytes bytesOfHex(std::string_view text) {
   std::string bytes;
   std::size_t count = 0;  // of digits
   std::size_t high = 0;
-  for (std::size_t at = 0; at < text.size(); ++at) {
+  const Digits written = digitsIn(text);
+  for (std::size_t at = written.begin; at < written.end; ++at) {
     if (whiteSpace.find(text[at]) != std::string_view::npos) continue;
     const std::size_t value = valueOf(text[at]);
     if (value == std::string_view::npos) return {"", notADigit(text, at)};

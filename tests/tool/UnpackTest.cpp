@@ -126,7 +126,10 @@ TEST(Unpack, HexMistakes) {
       {"0", "an odd number of hexadecimal digits: 1"},
       {"01 6", "an odd number of hexadecimal digits: 3"},
       {"01 6g", "'g' at position 5 is no hexadecimal digit"},
-      {"0x01", "'x' at position 2 is no hexadecimal digit"},
+      {"00x1", "'x' at position 3 is no hexadecimal digit"},
+      {"x'01", "'x' at position 1 is no hexadecimal digit"},
+      {" X'0g'", "'g' at position 5 is no hexadecimal digit"},
+      {"0x012", "an odd number of hexadecimal digits: 3"},
       {"é", "'é' at position 1 is no hexadecimal digit"},
       {"\x1b[0m", "'\\x1b' at position 1 is no hexadecimal digit"},
   };
@@ -174,6 +177,8 @@ class UnpackFiles : public testing::Test {
 
 TEST_F(UnpackFiles, FilesAndStandardInput) {
   const std::string bytes = bytesOfHex(age).bytes;
+  for (const char* form : {"X'0102'", " x'01 02'\n", "0x0102", "0X0102 "})
+    EXPECT_EQ(bytesOfHex(form).bytes, "\1\2") << form;
   std::ofstream("value") << bytes;
   const std::string table = run({"unpack", "--hex", age}).out.substr(std::string("--hex").size());
   EXPECT_EQ(run({"unpack", "value"}).out, "value" + table);
@@ -273,9 +278,10 @@ TEST_F(UnpackFiles, ConditionsOnlyFilter) {
   for (const char* where : {"id = 2", "id = 2 -- the second", "id IN (SELECT a FROM secret)", "id = 2 OR 1 = 0"}) {
     EXPECT_EQ(unpack("t", "c", {"--where", where}).out, "rowid 2: 0 bytes\n") << where;
   }
-  for (const char* where : {"", "id = 1; DELETE FROM t", "1); DELETE FROM t; --", "1) UNION SELECT a, b FROM secret /*",
-                            "1) UNION SELECT a, b FROM secret WHERE (1", "EXISTS (DELETE FROM t RETURNING 1)",
-                            "id = \"1\"", "load_extension('x')", "1) -- )", "count(*)"}) {
+  for (const char* where :
+       {"", "1) LIMIT 1 /*", "1) THEN 1 END FROM t /*", "id = ?", "id = :x", "id = 1; DELETE FROM t",
+        "1); DELETE FROM t; --", "1) UNION SELECT a, b FROM secret /*", "1) UNION SELECT a, b FROM secret WHERE (1",
+        "EXISTS (DELETE FROM t RETURNING 1)", "id = \"1\"", "load_extension('x')", "1) -- )", "count(*)"}) {
     const Outcome result = unpack("t", "c", {"--where", where});
     EXPECT_EQ(result.code, 2) << where;
     EXPECT_EQ(result.out, "") << where;
