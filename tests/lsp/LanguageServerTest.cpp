@@ -135,6 +135,7 @@ TEST(LanguageServer, FindsTheNextMessageAfterAWrongLength) {
   const std::string shorter = "Content-Length: " + std::to_string(lost.size() - 1) + "\r\n\r\n" + lost;
   const std::string rows[] = {lost + next,
                               "\r\n" + lost + next,
+                              std::string(8187, 'x') + next,  // a long line is cut in the field
                               std::string(100'000, 'x') + next,
                               "Content-Length: twelve\r\n\r\n" + lost + next,
                               "Content-Length: -1\r\n\r\n" + lost + next,
