@@ -6,10 +6,10 @@
 #include "korvex/Plan.h"
 #include "korvex/QXDAOForeach.h"
 #include "korvex/QXDAOKeyValueFormatter.h"
-#include "korvex/QXDAOTrim.h"
 #include "plan/AssemblyState.h"
 #include "plan/Evaluation.h"
 #include "plan/SqlText.h"
+#include "plan/UnitWalk.h"
 #include "platform/Strings.h"
 
 namespace korvex {
@@ -24,150 +24,70 @@ std::string titleOf(const Plan& plan) {
   return "the upgrade to " + std::string(digits.data(), end);
 }
 
-bool changesRows(const Plan& plan) {
-  return plan.operation() == QXDAOOperationUpdate || plan.operation() == QXDAOOperationDelete;
-}
-
 std::string_view pathBehindName(std::string_view path) {
   const std::size_t dot = path.find('.');
   return dot == std::string_view::npos ? std::string_view() : path.substr(dot + 1);
 }
 
-constexpr std::string_view wouldChangeAll =
-    " is empty, and without it every row would change: write onVoid=\"quit\", or a condition that is always there";
-
 }  // namespace
 
-// Executes the instructions of a unit, records the decisions, and collects the values.
-class DecisionMaker {
+// Decides by the arguments of a call, and collects the values.
+class DecisionMaker : public UnitWalk<DecisionMaker> {
  public:
   explicit DecisionMaker(Assembly::State& state)
-      : _state(state), _contents(*state.contents), _changesRows(changesRows(*state.plan)) {}
+      : UnitWalk(*state.contents, *state.plan, state.key, state.trims), _state(state) {}
 
   std::optional<PlanError> run(std::size_t begin) {
-    _at = _place = begin;
-    while (!_ended && _contents.instructions[_at].operation != PlanOperation::End) {
-      if (!take(_at++)) return error();
-    }
-    _state.empty = _code == 0;
+    if (!walk(begin)) return error();
+    _state.quits = quits();
+    _state.empty = empty();
     return std::nullopt;
   }
 
  private:
+  friend class UnitWalk<DecisionMaker>;
+
   // Each returns false on failure.
 
-  bool take(std::size_t at) {
-    const PlanInstruction& instruction = _contents.instructions[at];
-    _code += instruction.has(HasCode) ? 1 : 0;
-    switch (instruction.operation) {
-      case PlanOperation::Place:
-        _place = at;
-        return true;
-      case PlanOperation::Value:
-        return bind(instruction.text(), _state.scope.slots[instruction.slot]);
-      case PlanOperation::Table:
-        appendName(_state.key, _state.table);
-        return true;
-      case PlanOperation::If:
-        return test(instruction);
-      case PlanOperation::Jump:
-        _at = instruction.target;
-        return true;
-      case PlanOperation::Trim:
-        return beginTrim(at);
-      case PlanOperation::TrimEnd:
-        return endTrim();
-      case PlanOperation::Foreach:
-        return loop(at);
-      case PlanOperation::Format:
-        return format(instruction);
-      default:
-        return true;
-    }
-  }
-
-  bool test(const PlanInstruction& instruction) {
+  bool test(const PlanInstruction& instruction, bool& outcome) {
     const auto value = evaluate(_contents.expressions.steps, instruction.number, _state.scope, _state.stack, _failure);
     if (!value) return fail(_failure.code, "condition: " + _failure.message);
-    const bool applies = isTrue(*value) == instruction.has(WantsTrue);
-    _state.key += applies ? '\1' : '\0';
-    if (!applies) _at = instruction.target;
+    outcome = isTrue(*value);
     return true;
   }
 
-  bool beginTrim(std::size_t at) {
-    _state.trims.push_back(static_cast<std::uint32_t>(at));
-    _state.trims.push_back(_code);
-    return true;
+  void dropValues() { _state.values.clear(); }
+
+  bool refuseAll(std::string message, std::size_t place) {
+    _place = place;
+    return fail(PlanErrorCode::WouldChangeAll, std::move(message));
   }
 
-  bool endTrim() {
-    const std::uint32_t codeBefore = _state.trims.back();
-    const std::size_t begin = _state.trims[_state.trims.size() - 2];
-    _state.trims.resize(_state.trims.size() - 2);
-    if (_code != codeBefore) return true;
-    const auto& trim = _contents.instructions[begin].element<QXDAOTrim>();
-    if (trim.onVoid() == QXDAOTrimOnVoidTypeQuit) return quit();
-    if (_changesRows && beginsWithWhere(trim.operationName().value_or(std::string_view()))) {
-      _place = begin - 1;
-      return fail(PlanErrorCode::WouldChangeAll, quoted(*trim.operationName()) + std::string(wouldChangeAll));
-    }
-    return trim.onVoid() != QXDAOTrimOnVoidTypeIgnoreAfter || ignoreAfter();
-  }
+  [[nodiscard]] std::string_view table() const { return _state.table; }
 
-  bool quit() {
-    _state.quits = _ended = true;
-    _state.values.clear();
-    return true;
-  }
-
-  bool ignoreAfter() {
-    _ended = true;
-    while (!_state.trims.empty()) {
-      if (!endTrim()) return false;
-    }
-    return true;
-  }
-
-  bool loop(std::size_t at) {
+  bool entries(std::size_t at, std::size_t& count) {
     const PlanInstruction& instruction = _contents.instructions[at];
     const auto& element = instruction.element<QXDAOForeach>();
-    const ValueList* list = nullptr;
-    if (!readList(*element.collection(), _state.scope.slots[instruction.slot], list)) return false;
-    const std::size_t count = list ? list->size() : 0;
-    appendNumber(_state.key, count);
-    if (!checkNotIn(instruction, element, list)) return false;
-    _code += codeAround(element, count);
-    ValueView& item = _state.scope.slots.back();
-    for (std::size_t entry = 0; entry < count; ++entry) {
-      item = (*list)[element.reverse() ? count - 1 - entry : entry].view();
-      for (_at = at + 1; _at < instruction.number;) {
-        if (!take(_at++)) return false;
-      }
-    }
-    item = {};
-    _at = instruction.number;
+    _list = nullptr;
+    if (!readList(*element.collection(), _state.scope.slots[instruction.slot], _list)) return false;
+    count = _list ? _list->size() : 0;
+    return !instruction.has(AfterNotIn) || checkNoNull(element);
+  }
+
+  bool enter(std::size_t at, std::size_t entry, std::size_t count) {
+    const bool reverse = _contents.instructions[at].element<QXDAOForeach>().reverse();
+    _state.scope.slots.back() = (*_list)[reverse ? count - 1 - entry : entry].view();
     return true;
   }
+  void leave(std::size_t /*at*/) { _state.scope.slots.back() = {}; }
 
-  // The pieces of code that open, separate and close the entries.
-  static std::uint32_t codeAround(const QXDAOForeach& element, std::size_t count) {
-    const auto holdsCode = [](OptionalStringView text) { return text && beginOfCode(*text) < text->size(); };
-    return (holdsCode(element.open()) ? 1U : 0U) + (holdsCode(element.close()) ? 1U : 0U) +
-           (count > 1 && holdsCode(element.separator()) ? 1U : 0U);
-  }
-
-  // For NOT IN: an empty list matches every row, and a null in the list matches none.
-  bool checkNotIn(const PlanInstruction& instruction, const QXDAOForeach& element, const ValueList* list) {
-    if (!instruction.has(AfterNotIn)) return true;
-    const std::string collection = quoted(*element.collection());
-    if (!list || list->empty()) {
-      return !_changesRows || fail(PlanErrorCode::WouldChangeAll,
-                                   "NOT IN an empty " + collection + " holds for every row: test its count by an if");
-    }
-    const auto null = std::find_if(list->begin(), list->end(), [](const Value& entry) { return entry.isNull(); });
-    if (null == list->end()) return true;
-    return fail(PlanErrorCode::NullEntry, "entry " + std::to_string(null - list->begin()) + " of " + collection +
+  // NOT IN a list with a null matches no row.
+  bool checkNoNull(const QXDAOForeach& element) {
+    if (!_list) return true;
+    const auto null = std::find_if(_list->begin(), _list->end(), [](const Value& entry) { return entry.isNull(); });
+    if (null == _list->end()) return true;
+    return fail(PlanErrorCode::NullEntry, "entry " + std::to_string(null - _list->begin()) + " of " +
+                                              quoted(*element.collection()) +
                                               " is null, and NOT IN with a null finds no row: leave it out");
   }
 
@@ -181,7 +101,7 @@ class DecisionMaker {
     return true;
   }
 
-  bool format(const PlanInstruction& instruction) {
+  bool pairs(const PlanInstruction& instruction, std::size_t& count) {
     const auto& element = instruction.element<QXDAOKeyValueFormatter>();
     const auto read = readPath(_state.scope, _state.scope.slots[instruction.slot], pathBehindName(*element.pairs()),
                                ValueUse::Binding, _failure);
@@ -190,11 +110,9 @@ class DecisionMaker {
     if (!null && read->value.type() != ValueType::Dictionary) {
       return failType(*element.pairs(), read->value, "pairs are those of a dictionary");
     }
-    const std::size_t count = null ? 0 : read->value.dictionary().size();
-    appendNumber(_state.key, count);
-    if (count > 0) return bindPairs(read->value.dictionary(), *element.pairs());
-    if (!_changesRows || !beginsWithWhere(*element.prefix())) return true;
-    return fail(PlanErrorCode::WouldChangeAll, quoted(*element.pairs()) + std::string(wouldChangeAll));
+    count = null ? 0 : read->value.dictionary().size();
+    appendNumber(_key, count);
+    return count == 0 || bindPairs(read->value.dictionary(), *element.pairs());
   }
 
   // In the order of the keys, so that equal keys yield the same statement.
@@ -211,11 +129,12 @@ class DecisionMaker {
       appendName(_state.key, pair->name);
       if (!bindValue(pair->name, {pair->value.view()})) return false;
     }
-    ++_code;
     return true;
   }
 
-  bool bind(std::string_view path, const ValueView& root) {
+  bool bind(const PlanInstruction& instruction) {
+    const std::string_view path = instruction.text();
+    const ValueView& root = _state.scope.slots[instruction.slot];
     const std::string_view behind = pathBehindName(path);
     if (behind.empty()) return bindValue(path, {root});
     const auto read = readPath(_state.scope, root, behind, ValueUse::Binding, _failure);
@@ -254,13 +173,8 @@ class DecisionMaker {
   }
 
   Assembly::State& _state;
-  const SetContents& _contents;
-  const bool _changesRows;
+  const ValueList* _list = nullptr;  // of the current foreach; null for null
   ValueFailure _failure;
-  std::size_t _at = 0;
-  std::size_t _place = 0;
-  std::uint32_t _code = 0;
-  bool _ended = false;
 };
 
 // ---------------------------------------------------------------------------------------------
