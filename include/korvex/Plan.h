@@ -73,6 +73,8 @@ class KORVEX_EXPORT PlanUnit {
   friend class PlanCompiler;
   friend class Assembly;
   friend class AssembledText;
+  friend class VariantSearch;
+  friend class VariantText;
 
   const SetContents* _contents = nullptr;
   std::uint32_t _number = 0;

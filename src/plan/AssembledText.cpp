@@ -45,6 +45,10 @@ std::string_view takeName(std::string_view& key) {
   return name;
 }
 
+void appendUnit(std::string& key, std::uint32_t number) {
+  for (std::size_t byte = 0; byte < unitNumberBytes; ++byte) key += static_cast<char>(number >> (8 * byte));
+}
+
 AssembledText::AssembledText(const SetContents& contents, const PlanUnit& unit, std::string_view key)
     : _contents(contents), _key(key.substr(unitNumberBytes)), _at(unit._begin), _place(unit._begin) {
   while (!_ended && _contents.instructions[_at].operation != PlanOperation::End) write(_at++);

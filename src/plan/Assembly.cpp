@@ -280,10 +280,8 @@ std::optional<PlanError> Assembly::assemble(const PlanUnit& unit) {
   state.quits = false;
   state.empty = true;
   state.unit = &unit;
-  state.key.resize(sizeof unit._number);
-  for (unsigned byte = 0; byte < sizeof unit._number; ++byte) {
-    state.key[byte] = static_cast<char>(unit._number >> (8 * byte));
-  }
+  state.key.clear();
+  appendUnit(state.key, unit._number);
   std::optional<PlanError> error = DecisionMaker(state).run(unit._begin);
   if (error) state.unit = nullptr;
   return error;

@@ -37,6 +37,8 @@ void appendNumber(std::string& key, std::uint64_t number);
 [[nodiscard]] std::uint64_t takeNumber(std::string_view& key);
 void appendName(std::string& key, std::string_view name);
 [[nodiscard]] std::string_view takeName(std::string_view& key);
+// The start of every key.
+void appendUnit(std::string& key, std::uint32_t number);
 
 // The SQL of a unit, written from the decisions in a key, and the instructions of its pieces.
 class AssembledText {
@@ -45,6 +47,11 @@ class AssembledText {
 
   [[nodiscard]] std::string& sql() { return _sql; }
   [[nodiscard]] SourcePlace placeOf(std::size_t offset) const;
+  // Calls visit(offset, place, instruction, skipped) for each piece in order; see Piece.
+  template <typename Visit>
+  void forEachPiece(const Visit& visit) const {
+    for (const Piece& piece : _pieces) visit(piece.offset, piece.place, piece.instruction, piece.skipped);
+  }
 
  private:
   struct Piece {

@@ -50,6 +50,22 @@ XMLPosition advanced(XMLPosition begin, std::string_view text) {
   return begin;
 }
 
+VariantText::Origin originOfInstruction(const SetContents& contents, std::size_t place, std::size_t piece,
+                                        std::size_t skipped) {
+  const PlanInstruction& mark = contents.instructions[place];
+  VariantText::Origin origin{contents.documents[mark.number], {mark.place.line, mark.place.column}};
+  const PlanInstruction& meant = contents.instructions[piece];
+  const char* begin = textBegin(contents.instructions[place + 1]);
+  const char* text = textBegin(meant);
+  if (!begin || !text) return origin;
+  origin.decoded = static_cast<std::size_t>(text - begin) + skipped;
+  const std::size_t marks = meant.operation == PlanOperation::Text ? 0 : 1;
+  origin.left = meant.text().size() + marks - skipped;
+  // A value is "?" in the SQL, and stands for the whole of its name.
+  if (marks > 0) origin.left = 0;
+  return origin;
+}
+
 SourcePlace placeOfInstruction(const SetContents& contents, std::size_t place, std::size_t piece, std::size_t offset) {
   const PlanInstruction& mark = contents.instructions[place];
   XMLPosition position{mark.place.line, mark.place.column};

@@ -12,6 +12,7 @@
 #include "korvex/DefinitionSet.h"
 #include "plan/ExpressionParser.h"
 #include "plan/Instruction.h"
+#include "plan/Variants.h"
 
 namespace korvex {
 
@@ -79,6 +80,10 @@ struct SetContents {
 
 // The position of a byte of a text that begins at a place.
 [[nodiscard]] XMLPosition advanced(XMLPosition begin, std::string_view text);
+
+// Where the SQL of an instruction comes from; `piece` as below, and the bytes of its text to skip.
+[[nodiscard]] VariantText::Origin originOfInstruction(const SetContents& contents, std::size_t place, std::size_t piece,
+                                                      std::size_t skipped);
 
 // The position of an instruction. `piece` is the instruction, or one between two places.
 [[nodiscard]] SourcePlace placeOfInstruction(const SetContents& contents, std::size_t place, std::size_t piece,

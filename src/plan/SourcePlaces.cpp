@@ -35,6 +35,12 @@ std::size_t firstVisible(std::string_view source, std::size_t at) {
   return at;
 }
 
+// Whether only white space is between the start of a CDATA section and a place.
+bool followsCdataBegin(std::string_view source, std::size_t at) {
+  const std::size_t last = source.substr(0, at).find_last_not_of(blanks);
+  return last != std::string_view::npos && source.substr(0, last + 1).ends_with(cdataBegin);
+}
+
 // The UTF-8 length of the character of "&#...;"; named entities have one byte.
 std::size_t bytesOfReference(std::string_view reference) {
   unsigned long code = 0;
@@ -46,28 +52,6 @@ std::size_t bytesOfReference(std::string_view reference) {
     code = code * (hexadecimal ? 16 : 10) + static_cast<unsigned long>(value);
   }
   return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
-}
-
-// The offset in the source of the byte that is `decoded` bytes further in the parsed text.
-std::size_t sourceOffset(std::string_view source, std::size_t at, std::size_t decoded) {
-  while (at < source.size()) {
-    const std::string_view rest = source.substr(at);
-    if (rest.starts_with(cdataBegin)) {
-      at += cdataBegin.size();
-    } else if (rest.starts_with(cdataEnd)) {
-      at += cdataEnd.size();
-    } else if (decoded == 0) {
-      break;
-    } else if (rest.front() == '&') {
-      const std::string_view reference = rest.substr(0, rest.find(';') + 1);
-      decoded -= std::min(decoded, bytesOfReference(reference));
-      at += std::max<std::size_t>(reference.size(), 1);
-    } else {
-      at += rest.starts_with("\r\n") ? 2 : 1;
-      --decoded;
-    }
-  }
-  return at;
 }
 
 XMLPosition positionOf(const XMLNode& node) { return node.position().value_or(XMLPosition()); }
@@ -94,6 +78,30 @@ std::optional<std::size_t> valueBegin(std::string_view source, std::size_t tag, 
 }
 
 }  // namespace
+
+std::size_t sourceOffset(std::string_view source, std::size_t at, std::size_t decoded) {
+  bool inCdata = followsCdataBegin(source, at);
+  while (at < source.size()) {
+    const std::string_view rest = source.substr(at);
+    if (inCdata && rest.starts_with(cdataEnd)) {
+      inCdata = false;
+      at += cdataEnd.size();
+    } else if (!inCdata && rest.starts_with(cdataBegin)) {
+      inCdata = true;
+      at += cdataBegin.size();
+    } else if (decoded == 0 || (!inCdata && rest.front() == '<')) {
+      break;
+    } else if (!inCdata && rest.front() == '&') {
+      const std::string_view reference = rest.substr(0, rest.find(';') + 1);
+      decoded -= std::min(decoded, bytesOfReference(reference));
+      at += std::max<std::size_t>(reference.size(), 1);
+    } else {
+      at += rest.starts_with("\r\n") ? 2 : 1;
+      --decoded;
+    }
+  }
+  return at;
+}
 
 XMLPosition PlaceCursor::of(const XMLNode& node) { return _source ? at(node.offset()) : positionOf(node); }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "korvex/Export.h"
 #include "korvex/XMLNode.h"
 
 namespace korvex {
@@ -26,6 +27,10 @@ class PlaceCursor {
   std::size_t _offset = 0;
   XMLPosition _position;  // of that offset
 };
+
+// The offset in the source of the byte that is `decoded` bytes further in the parsed text. Stops at the end of the
+// text.
+[[nodiscard]] KORVEX_EXPORT std::size_t sourceOffset(std::string_view source, std::size_t at, std::size_t decoded);
 
 // The positions of faults: exact if the parser keeps the source, otherwise those of the element.
 
