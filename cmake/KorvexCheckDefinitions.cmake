@@ -1,18 +1,27 @@
-# korvex_check_definitions(TARGET PATH... [WARNINGS_AS_ERRORS] [OPTIONS OPTION...])
+# korvex_check_definitions(TARGET PATH... [WARNINGS_AS_ERRORS] [SCHEMA SOURCE] [OPTIONS OPTION...])
 #
 # Runs `korvex-dao check` on definition documents before TARGET is built. An error in a document fails the build, with its
 # line and column; with WARNINGS_AS_ERRORS, a warning does, too. The check runs again when a document is changed, added or
 # removed. A PATH is a file, or a directory with *.xml files. A file that the build generates is recognised by its property
-# GENERATED, which an earlier add_custom_command sets. OPTIONS are passed to `korvex-dao check`.
+# GENERATED, which an earlier add_custom_command sets. With SCHEMA, the SQL is checked against the schema of that SOURCE:
+# "upgrades" for that of the upgrades in the documents, an SQL script, or a database. OPTIONS are passed to `korvex-dao check`.
 #
 # The command is that of this package. KORVEX_DAO_EXECUTABLE names another one, which is needed when cross-compiling.
 # Without either, the command is searched on the path.
 include_guard(GLOBAL)
 
 function(korvex_check_definitions target)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "WARNINGS_AS_ERRORS" "" "OPTIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "WARNINGS_AS_ERRORS" "SCHEMA" "OPTIONS")
   if(ARG_WARNINGS_AS_ERRORS)
     list(APPEND ARG_OPTIONS --werror)
+  endif()
+  set(schema_file)
+  if(ARG_SCHEMA AND NOT ARG_SCHEMA STREQUAL upgrades)
+    cmake_path(ABSOLUTE_PATH ARG_SCHEMA NORMALIZE OUTPUT_VARIABLE schema_file)
+    set(ARG_SCHEMA ${schema_file})
+  endif()
+  if(ARG_SCHEMA)
+    list(APPEND ARG_OPTIONS --schema ${ARG_SCHEMA})
   endif()
   set(paths ${ARG_UNPARSED_ARGUMENTS})
   if(NOT TARGET ${target})
@@ -38,7 +47,7 @@ function(korvex_check_definitions target)
       list(APPEND documents ${path})
     else()
       message(FATAL_ERROR "korvex_check_definitions: there is no ${path}, and no command before makes it; "
-        "the keywords are WARNINGS_AS_ERRORS and OPTIONS")
+        "the keywords are WARNINGS_AS_ERRORS, SCHEMA and OPTIONS")
     endif()
   endforeach()
 
@@ -69,7 +78,7 @@ function(korvex_check_definitions target)
   add_custom_command(OUTPUT ${stamp}
     COMMAND ${command} check --format text ${ARG_OPTIONS} -- ${checked}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
-    DEPENDS ${documents} ${documents_list} ${command}
+    DEPENDS ${documents} ${documents_list} ${schema_file} ${command}
     COMMENT "Checking the definitions of ${target}"
     VERBATIM
   )

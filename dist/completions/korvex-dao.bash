@@ -18,6 +18,10 @@ _korvex_dao() {
     'check --color') words='always auto never' ;;
     'check --warn') words='unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
     'check --no-warn') words='unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
+    'check --schema') words='' ;;
+    'check --function') words='' ;;
+    'check --collation') words='' ;;
+    'check --module') words='' ;;
     'check --max-bytes') words='' ;;
     'explain --format') words='markdown text' ;;
     'dump --format') words='json tree' ;;
@@ -39,7 +43,7 @@ _korvex_dao() {
     *)
       case $command in
         '') options='-h --help --version' words='check explain dump unpack run upgrade schema lsp completion' ;;
-        check) options='-h --help --format --color --warn --no-warn --werror --no-strict --keep-white-space --max-bytes' files=yes ;;
+        check) options='-h --help --format --color --warn --no-warn --werror --schema --function --collation --module --no-strict --keep-white-space --max-bytes' files=yes ;;
         explain) options='-h --help --format' words='' ;;
         dump) options='-h --help --format --no-strict --keep-white-space --max-bytes' files=yes ;;
         unpack) options='-h --help --hex --db --table --column --where --format' files=yes ;;

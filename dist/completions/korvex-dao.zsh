@@ -32,6 +32,10 @@ _korvex-dao() {
             '*--warn=[Enable the warnings with this name; repeatable]:NAME:(unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
             '*--no-warn=[Disable the warnings with this name; repeatable]:NAME:(unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
             '(--werror)--werror[Treat warnings as errors]' \
+            '(--schema)--schema=[Check all SQL against a schema\: '\''upgrades'\'' for that of the upgrades, an SQL script, or a database]:SOURCE: ' \
+            '*--function=[Declare an SQL function of the app, NAME/ARGS; repeatable]:NAME/ARGS: ' \
+            '*--collation=[Declare a collation of the app; repeatable]:NAME: ' \
+            '*--module=[Declare a module of virtual tables of the app; repeatable]:NAME: ' \
             '(--no-strict)--no-strict[Skip the well-formedness check; only for documents that have passed it before]' \
             '(--keep-white-space)--keep-white-space[Keep white-space-only text; maps with indented children are then rejected]' \
             '(--max-bytes)--max-bytes=[The maximum size of a document in bytes (default\: 67108864)]:N: ' \

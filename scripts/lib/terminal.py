@@ -15,6 +15,7 @@ LETTER, LINE, MARGIN = 8.5, 20, 16
 
 # Each picture with what is typed, in the top directory: korvex-dao, or any other command.
 PICTURES = {
+    "schema.svg": ("cat examples/misspelled.xml", "korvex-dao check --schema upgrades examples/misspelled.xml"),
     "check.svg": ("cat examples/mistakes.xml", "korvex-dao check examples/mistakes.xml"),
 }
 

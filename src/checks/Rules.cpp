@@ -4,6 +4,7 @@
 #include <array>
 
 #include "checks/ErrorRules.h"
+#include "checks/SchemaRules.h"
 #include "checks/WarningRules.h"
 #include "platform/Tables.h"
 
@@ -12,9 +13,10 @@ namespace korvex {
 namespace {
 
 constexpr auto allRules = [] {
-  std::array<Rule, definitionErrors.size() + documentErrors.size() + warningRules.size()> all;
+  std::array<Rule, definitionErrors.size() + documentErrors.size() + schemaRules.size() + warningRules.size()> all;
   auto next = std::copy(definitionErrors.begin(), definitionErrors.end(), all.begin());
   next = std::copy(documentErrors.begin(), documentErrors.end(), next);
+  next = std::copy(schemaRules.begin(), schemaRules.end(), next);
   std::copy(warningRules.begin(), warningRules.end(), next);
   return all;
 }();

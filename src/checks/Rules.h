@@ -36,8 +36,14 @@ enum class Warning {
   UnknownWarning,
 };
 
-// What a rule is about: a definition's error, a whole document's, or a warning.
-using RuleId = std::variant<QXDAORule, DocumentErrorKind, Warning>;
+// What only a check against a schema finds.
+enum class SchemaRule {
+  NotRunnable,
+  Sql,
+};
+
+// What a rule is about: a definition's error, a whole document's, a warning, or the SQL.
+using RuleId = std::variant<QXDAORule, DocumentErrorKind, Warning, SchemaRule>;
 
 struct Rule {
   RuleId id;
@@ -52,7 +58,7 @@ struct Rule {
   std::string_view right = {};
 };
 
-// Errors of definitions first, then those of whole documents, then warnings.
+// Errors of definitions first, then those of whole documents, those of SQL, then warnings.
 [[nodiscard]] std::span<const Rule> rules();
 [[nodiscard]] const Rule& ruleOf(RuleId id);
 // Null when no rule has that name.

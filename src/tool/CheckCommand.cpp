@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <system_error>
 
 #include "checks/DocumentCheck.h"
@@ -13,6 +14,7 @@
 #include "tool/Counted.h"
 #include "tool/InputFiles.h"
 #include "tool/OutOfMemory.h"
+#include "tool/SchemaCheck.h"
 
 namespace korvex {
 namespace {
@@ -55,6 +57,7 @@ class Check {
     for (const UnreadablePath& path : inputs.unreadable) addUnreadable(path);
     for (const std::string& file : inputs.files) checkFile(file);
     for (const Finding& finding : _set.finish()) addFinding(finding);
+    if (!_options.schema.empty()) checkSchema();
     finish();
     if (_unreadable > 0) return ExitCodeTrouble;
     return _totals.errors > 0 ? ExitCodeSomethingFound : ExitCodeNothingFound;
@@ -64,9 +67,10 @@ class Check {
   void checkFile(const std::string& file) {
     const std::string path = shownPath(file);
     const InputInProgress input(path);
-    const Document::Result result = readDocument(file, _console.in, _options.load);
+    Document::Result result = readDocument(file, _console.in, _options.load);
     if (result.document) {
       checkDocument(path, *result.document);
+      if (!_options.schema.empty()) _schemaCheck.add(path, std::move(result.document));
     } else if (!blamesDocument(result.error->kind())) {
       addUnreadable({path, result.error->message});
     } else {
@@ -83,11 +87,25 @@ class Check {
     for (const Finding& finding : _set.check(path, document, definitions)) addFinding(finding);
   }
 
+  void checkSchema() {
+    const SchemaCheckResult result = _schemaCheck.run(_options.schema, _options.extensions);
+    if (!result.unreadable.empty()) return addUnreadable({_options.schema, result.unreadable});
+    for (const Finding& finding : result.findings) {
+      const bool known = finding.rule == &ruleOf(SchemaRule::NotRunnable) && _places.contains(placeOf(finding));
+      if (!known) addFinding(finding);
+    }
+    _verified = describe(result.totals);
+  }
+
   void addFinding(const Finding& finding) {
     ++(finding.severity == Severity::Error ? _totals.errors : _totals.warnings);
     if (!_unexplained && finding.rule->severity == Severity::Error && finding.help.empty()) _unexplained = finding.rule;
+    if (!_options.schema.empty()) _places.insert(placeOf(finding));
     _report->add(finding);
   }
+
+  using Place = std::pair<std::string, std::size_t>;
+  static Place placeOf(const Finding& finding) { return {finding.location.path(), finding.location.span.begin}; }
 
   void addUnreadable(const UnreadablePath& path) {
     _set.addUnread();
@@ -106,13 +124,16 @@ class Check {
                  << counted(_totals.errors, "error");
     if (_totals.warnings > 0) _console.err << ", " << counted(_totals.warnings, "warning");
     if (_unreadable > 0) _console.err << ", " << counted(_unreadable, "unreadable path");
-    _console.err << '\n';
+    _console.err << '\n' << _verified;
   }
 
   const CheckOptions& _options;
   const Console& _console;
   std::unique_ptr<CheckReport> _report;
   SetCheck _set;
+  SchemaCheck _schemaCheck;
+  std::set<Place> _places;  // of the findings, if there is a schema: what makes a definition faulty is told once
+  std::string _verified;    // what the check against the schema covered
   CheckTotals _totals;
   const Rule* _unexplained = nullptr;  // the first error without help
   std::size_t _unreadable = 0;

@@ -8,6 +8,7 @@
 #include "korvex/QXDAOPackReader.h"
 #include "tool/CheckReport.h"
 #include "tool/Tool.h"
+#include "verification/SchemaDatabase.h"
 
 namespace korvex {
 
@@ -21,6 +22,8 @@ struct CheckOptions {
   std::vector<std::string> warnings;    // names of warnings to enable, in addition to the defaults
   std::vector<std::string> noWarnings;  // names of warnings to disable
   bool warningsAreErrors = false;
+  std::string schema;  // "upgrades", an SQL script or a database; empty to check no SQL
+  verification::AppExtensions extensions;
 };
 
 // Findings go to `console.out`; a summary line and inputs that cannot be read to `console.err`.

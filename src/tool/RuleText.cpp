@@ -13,8 +13,9 @@ namespace {
 constexpr std::size_t width = 80;
 constexpr std::string_view indentation = "  ";
 
-// Errors cannot be disabled: a definition that violates such a rule is not built.
+// Errors cannot be disabled: a definition that violates such a rule is not built, or cannot be run.
 std::string_view defaultOf(const Rule& rule) {
+  if (std::holds_alternative<SchemaRule>(rule.id)) return "with --schema";
   if (rule.severity == Severity::Error) return "always on";
   return rule.onByDefault ? "on" : "off";
 }

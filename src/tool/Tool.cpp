@@ -218,6 +218,31 @@ void addWarnings(CLI::App& command, const std::string& option, std::vector<std::
       ->allow_extra_args(false);
 }
 
+std::string badFunction(const std::string& declaration) {
+  if (verification::isFunctionDeclaration(declaration)) return {};
+  return "'" + visibleText(declaration) + "' is no function: write NAME/ARGS, such as distance/2 or join/*";
+}
+
+void addSchemaOptions(CLI::App& command, CheckOptions& options) {
+  command
+      .add_option("--schema", options.schema,
+                  "Check all SQL against a schema: 'upgrades' for that of the upgrades, an SQL script, or a database")
+      ->type_name("SOURCE");
+  const auto declare = [&command](const char* name, std::vector<std::string>& names, const char* help) {
+    return command.add_option(name, names, help)
+        ->type_name("NAME")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false)
+        ->needs("--schema");
+  };
+  declare("--function", options.extensions.functions, "Declare an SQL function of the app, NAME/ARGS; repeatable")
+      ->check(CLI::Validator(badFunction, "", "function"))
+      ->type_name("NAME/ARGS");
+  declare("--collation", options.extensions.collations, "Declare a collation of the app; repeatable");
+  declare("--module", options.extensions.modules, "Declare a module of virtual tables of the app; repeatable");
+}
+
 CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
   CLI::App* command = tool.add_subcommand("check", "Check definition documents and print the findings");
   command->add_option("PATH", options.paths, "Files, directories to search for *.xml, or - for standard input")
@@ -236,6 +261,7 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
   addWarnings(*command, "--warn", options.warnings, "Enable the warnings with this name; repeatable");
   addWarnings(*command, "--no-warn", options.noWarnings, "Disable the warnings with this name; repeatable");
   command->add_flag("--werror", options.warningsAreErrors, "Treat warnings as errors");
+  addSchemaOptions(*command, options);
   addLoadOptions(*command, options.load);
   command->footer(std::string(checkFindings).append(warningList()).append(checkFooter));
   return command;

@@ -9,7 +9,7 @@
 
 namespace korvex {
 
-using Arguments = std::vector<std::string>;
+using CommandLine = std::vector<std::string>;
 
 struct Outcome {
   int code;
@@ -17,7 +17,7 @@ struct Outcome {
   std::string err;
 };
 
-inline Outcome run(const Arguments& arguments, const std::string& input = "", bool terminal = false,
+inline Outcome run(const CommandLine& arguments, const std::string& input = "", bool terminal = false,
                    bool noColor = false) {
   std::istringstream in(input);
   std::ostringstream out;

@@ -28,7 +28,7 @@ std::vector<std::string> results() {
   object.d = 1234567.25;
   const std::string packed = packOf(AllTypes::propertyNames)->packWithObject(&object).value();
   std::vector<std::string> all = {packed};
-  for (const auto& [arguments, input] : std::vector<std::pair<Arguments, std::string>>{
+  for (const auto& [arguments, input] : std::vector<std::pair<CommandLine, std::string>>{
            {{"dump", root + "/examples/addressbook.xml"}, ""},
            {{"dump", "--format", "tree", root + "/examples/addressbook.xml"}, ""},
            {{"check", root + "/examples/faults.xml"}, ""},

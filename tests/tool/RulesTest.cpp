@@ -8,6 +8,7 @@
 #include "korvex/Definition.h"
 #include "korvex/Document.h"
 #include "tests/support/RunTool.h"
+#include "tool/SchemaCheck.h"
 
 namespace korvex {
 namespace {
@@ -24,8 +25,13 @@ LoadOptions limitsFor(const Rule& rule) {
 }
 
 std::vector<Finding> findingsIn(const Rule& rule, std::string_view example) {
-  const auto result = Document::fromBytes(wrapped(example), limitsFor(rule));
+  auto result = Document::fromBytes(wrapped(example), limitsFor(rule));
   if (!result.document) return {findingOf("example", *result.error, result.source)};
+  if (std::holds_alternative<SchemaRule>(rule.id)) {
+    SchemaCheck check;
+    check.add("example", std::move(result.document));
+    return check.run("upgrades", {}).findings;
+  }
   WarningSelection everyWarning;
   for (const std::string_view name : warningNames()) everyWarning.want(*ruleNamed(name), true);
   SetCheck set(everyWarning);

@@ -131,7 +131,7 @@ TEST(Check, LoaderOptions) {
 TEST(Check, Warnings) {
   const std::string xml = "<d><sql id='a' ix='1'/>\n<!-- korvex: allow duplicate-column --><const A='1'/><sql/></d>";
   const struct {
-    Arguments options;
+    CommandLine options;
     int code;
     const char* counts;
   } cases[] = {
@@ -142,7 +142,7 @@ TEST(Check, Warnings) {
       {{"--warn", "unread-attribute", "--no-warn", "unread-attribute"}, 1, "1 error, 1 warning"},
   };
   for (const auto& [options, code, counts] : cases) {
-    Arguments arguments = {"check"};
+    CommandLine arguments = {"check"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     arguments.emplace_back("-");
     const Outcome result = run(arguments, xml);
@@ -217,8 +217,8 @@ class Files : public testing::Test {
     std::ofstream(_directory / name) << content;
   }
   // The names of the files with findings, in the order in which they were checked.
-  [[nodiscard]] Arguments filesOf(const Outcome& result) const {
-    Arguments names;
+  [[nodiscard]] CommandLine filesOf(const Outcome& result) const {
+    CommandLine names;
     const Json report = Json::parse(result.out);
     for (const Json& finding : report.at("findings")) {
       names.push_back(fs::path(finding.at("path").get<std::string>()).lexically_relative(_directory).string());
@@ -237,7 +237,7 @@ TEST_F(Files, DirectoriesAreSearchedOnce) {
   fs::create_symlink("b.xml", _directory / "link.xml");
   const Outcome result = run({"check", "--format=json", path("b.xml"), path(""), path("a/../b.xml"), path("")});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(filesOf(result), (Arguments{"b.xml", "a/z.xml", "a-b.xml", "d.xml/x.xml"}));
+  EXPECT_EQ(filesOf(result), (CommandLine{"b.xml", "a/z.xml", "a-b.xml", "d.xml/x.xml"}));
   EXPECT_EQ(result.err, "4 definitions in 4 files, 4 errors\n");
 }
 
@@ -246,7 +246,7 @@ TEST_F(Files, UnreadableOnesDoNotStopTheOthers) {
   fs::create_symlink("nowhere", _directory / "dangling.xml");
   const Outcome result = run({"check", "--format=json", path("missing.xml"), path("")});
   EXPECT_EQ(result.code, 2);
-  EXPECT_EQ(filesOf(result), Arguments{"good.xml"});
+  EXPECT_EQ(filesOf(result), CommandLine{"good.xml"});
   EXPECT_TRUE(result.err.ends_with("1 definition in 1 file, 1 error, 2 unreadable paths\n")) << result.err;
 }
 
@@ -299,19 +299,19 @@ TEST_F(Files, ForbiddenDirectoryIsReported) {
 // The program
 
 TEST(Usage, HelpAndMistakes) {
-  for (const Arguments& arguments : {Arguments{"--help"},
-                                     {"check", "--help"},
-                                     {"dump", "--help"},
-                                     {"unpack", "--help"},
-                                     {"schema", "--help"},
-                                     {"lsp", "--help"},
-                                     {"--version"}}) {
+  for (const CommandLine& arguments : {CommandLine{"--help"},
+                                       {"check", "--help"},
+                                       {"dump", "--help"},
+                                       {"unpack", "--help"},
+                                       {"schema", "--help"},
+                                       {"lsp", "--help"},
+                                       {"--version"}}) {
     const Outcome result = run(arguments);
     EXPECT_EQ(result.code, 0);
     EXPECT_NE(result.out.find("korvex-dao"), std::string::npos);
     EXPECT_EQ(result.err, "");
   }
-  std::vector<Arguments> mistakes = {{}, {"schema", "--root", ""}, {"schema", "--root", "a b"}};
+  std::vector<CommandLine> mistakes = {{}, {"schema", "--root", ""}, {"schema", "--root", "a b"}};
   mistakes.emplace_back();
   std::istringstream words(
       "frobnicate ; check ; dump ; dump a b ; check --nope - ; check --format tree - ; dump --format text - ; "
@@ -327,7 +327,7 @@ TEST(Usage, HelpAndMistakes) {
       mistakes.back().push_back(word);
     }
   }
-  for (const Arguments& arguments : mistakes) {
+  for (const CommandLine& arguments : mistakes) {
     const Outcome result = run(arguments, "<d/>");
     EXPECT_EQ(result.code, 2) << testing::PrintToString(arguments);
     EXPECT_EQ(result.out, "");

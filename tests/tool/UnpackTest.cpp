@@ -165,8 +165,8 @@ class UnpackFiles : public testing::Test {
     EXPECT_EQ(sqlite3_exec(opened, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(opened);
     return {opened, sqlite3_close};
   }
-  static Outcome unpack(const std::string& table, const std::string& column, const Arguments& more = {}) {
-    Arguments arguments = {"unpack", "--db", "app.sqlite", "--table", table, "--column", column};
+  static Outcome unpack(const std::string& table, const std::string& column, const CommandLine& more = {}) {
+    CommandLine arguments = {"unpack", "--db", "app.sqlite", "--table", table, "--column", column};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return run(arguments);
   }

@@ -1,0 +1,114 @@
+#include "tool/SchemaCheck.h"
+
+#include <array>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "checks/WarningList.h"
+#include "tool/Counted.h"
+
+namespace korvex {
+namespace {
+
+constexpr std::string_view ofUpgrades = "upgrades";
+constexpr std::string_view databaseHeader("SQLite format 3\0", 16);
+
+// A script as a whole, or the beginning of a database; absent if it cannot be read.
+std::optional<std::string> readSchema(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(databaseHeader.size(), '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (!file && !file.eof()) return std::nullopt;
+  if (text == databaseHeader) return text;
+  constexpr std::size_t maxScript = std::size_t{16} << 20U;
+  std::array<char, 65536> block{};
+  while (text.size() <= maxScript && (file.read(block.data(), block.size()), file.gcount() > 0)) {
+    text.append(block.data(), static_cast<std::size_t>(file.gcount()));
+  }
+  return text.size() <= maxScript ? std::optional(text) : std::nullopt;
+}
+
+Finding faultOfScript(const std::string& path, const std::string& text, const verification::ScriptFault& fault) {
+  Finding finding;
+  finding.rule = &ruleOf(SchemaRule::Sql);
+  finding.severity = finding.rule->severity;
+  const auto source = std::make_shared<const SourceText>(text);
+  finding.location = {std::make_shared<const CheckedFile>(CheckedFile{path, source}),
+                      {fault.place.begin, fault.place.end}};
+  finding.message = fault.message;
+  finding.help = fault.help;
+  return finding;
+}
+
+Finding faultOfSet(const verification::VerifiedDocument& document, std::size_t offset, const DefinitionError& error) {
+  Finding finding;
+  finding.rule = &ruleOf(SchemaRule::NotRunnable);
+  finding.severity = finding.rule->severity;
+  finding.location = {document.file, {offset, offset + 1}};
+  finding.message = error.message;
+  return finding;
+}
+
+}  // namespace
+
+void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> document) {
+  verification::VerifiedDocument& verified = _verified[path];
+  verified.file = std::make_shared<const CheckedFile>(CheckedFile{path, document->sharedSource()});
+  for (const Definition& definition : loadDefinitions(*document)) {
+    verified.definitions.push_back(inDefinition(definition));
+    if (!definition.element) _rejected.insert(verified.definitions.back().get());
+  }
+  _documents.push_back({path, std::move(document)});
+}
+
+// Why a definition is rejected has been told.
+bool SchemaCheck::isInRejected(const verification::VerifiedDocument& document, std::size_t offset) const {
+  const auto* definition = document.definitionAt(offset);
+  return definition && _rejected.contains(definition->get());
+}
+
+SchemaCheckResult SchemaCheck::run(const std::string& source, const verification::AppExtensions& extensions) {
+  SchemaCheckResult result;
+  verification::SchemaDatabase schema(extensions);
+  const bool upgrades = source == ofUpgrades;
+  if (!upgrades) {
+    const auto text = readSchema(source);
+    if (!text) {
+      result.unreadable = "the schema cannot be read: give 'upgrades', an SQL script, or a database";
+    } else if (*text == databaseHeader) {
+      result.unreadable = schema.copySchemaOf(source).value_or(std::string());
+    } else if (const auto fault = schema.runScript(*text)) {
+      result.findings.push_back(faultOfScript(source, *text, *fault));
+    }
+    if (!result.unreadable.empty() || !result.findings.empty()) return result;
+  }
+  const verification::RunnableSet runnable = verification::runnableSetOf(_documents);
+  for (const DefinitionError& error : runnable.errors) {
+    const verification::VerifiedDocument& document = _verified.find(error.document)->second;
+    const std::size_t offset = verification::offsetOf(*document.file->source, error.position);
+    if (!isInRejected(document, offset)) result.findings.push_back(faultOfSet(document, offset, error));
+  }
+  if (!runnable.set) return result;
+  verification::Verification verification(*runnable.set, schema, _verified);
+  if (upgrades) verification.runUpgrades();
+  verification.checkMethods();
+  std::vector<Finding> found = verification.takeFindings();
+  std::move(found.begin(), found.end(), std::back_inserter(result.findings));
+  result.totals = verification.totals();
+  return result;
+}
+
+std::string describe(const verification::VerificationTotals& totals) {
+  std::string line =
+      counted(totals.methods, "method") + " checked against the schema, in " + counted(totals.variants, "variant");
+  if (totals.chosen > 0) line += "; " + counted(totals.chosen, "method") + " by a covering choice of variants";
+  if (totals.stopped > 0) line += ", " + std::to_string(totals.stopped) + " of them in part";
+  return line + '\n';
+}
+
+}  // namespace korvex

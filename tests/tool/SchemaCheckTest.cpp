@@ -1,0 +1,141 @@
+// Definitions whose SQL is checked against a schema.
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/RunTool.h"
+
+namespace korvex {
+namespace {
+
+constexpr const char* person =
+    "<upgrade toVersion='1'>CREATE TABLE person (id INTEGER PRIMARY KEY, name TEXT, birthday TEXT)</upgrade>\n";
+
+// Without "<stdin>:", for the definitions after the upgrade, whose lines count from 2.
+std::string findings(const std::string& definitions, const CommandLine& options = {}, const char* upgrade = person) {
+  CommandLine arguments = {"check", "--format", "text", "--schema", "upgrades", "-"};
+  arguments.insert(arguments.end() - 1, options.begin(), options.end());
+  std::istringstream lines(run(arguments, "<k>" + (upgrade + definitions) + "</k>").out);
+  std::string result;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("<stdin>:")) result += line.substr(8) + '\n';
+    if (line.starts_with("help: ")) result += line + '\n';
+  }
+  return result;
+}
+
+struct SchemaCase {
+  const char* definitions;
+  const char* findings;
+};
+
+constexpr SchemaCase schemaCases[] = {
+    {"<select id='a' result='[string]'>SELECT name FROM person</select>", ""},
+    {"<select id='a' result='[string]'>SELECT nam FROM person</select>",
+     "2:41: error: no such column: nam [sql]\nhelp: did you mean 'name'?\n"},
+    {"<select id='a' result='[string]'>SELECT name FROM person WHERE id &lt; 3 &amp; 1 AND nam = 1</select>",
+     "2:86: error: no such column: nam [sql]\nhelp: did you mean 'name'?\n"},
+    {"<select id='a' result='[string]'>\n <![CDATA[SELECT name FROM person WHERE id < 3 & 1 AND é = 1]]></select>",
+     "3:56: error: no such column: é [sql]\n"},
+    {"<select id='a' result='[string]' arguments='b, c'>SELECT name FROM person <where>\n"
+     "<if false='b'>birthdayy = 1</if> <if true='c == null'>AND id = 3</if></where></select>",
+     "3:15: error: no such column: birthdayy [sql]\nhelp: did you mean 'birthday'?\n"
+     "2:1: note: in 2 of 4 variants, for example when b is false\n"},
+    {"<select id='a' result='[string]'>SELECT @c FROM person</select>\n<sql id='c'>nam</sql>"
+     "<select id='b' result='[string]' arguments='x'>SELECT @c FROM person<if true='x'> WHERE id = 1</if></select>",
+     "3:13: error: no such column: nam [sql]\nhelp: did you mean 'name'?\n2:1: note: breaks method 'a'\n"
+     "3:22: note: breaks method 'b' in all 2 variants\n"},
+    {"<update id='a' arguments='d'>UPDATE person <format prefix='SET ' pairs='d' join=', '/></update>",
+     "2:37: error: incomplete input [sql]\n2:1: note: in 1 of 2 variants, for example when d is empty\n"},
+    {"<select id='a' result='[string]' assignedTable='true'>SELECT birthday FROM @T</select>", ""},
+    {"<select id='a' result='[string]'>SELECT name FROM person; SELECT 1 ;</select>",
+     "2:59: error: the SQL goes on after its first statement, which alone would run [sql]\n"
+     "help: Make each statement a step of its own.\n"},
+    {"<select id='a' result='[string]'>DELETE FROM person</select>",
+     "2:34: error: a select cannot change data [sql]\nhelp: Make the method an insert, an update or a delete.\n"},
+    {"<update id='a'>BEGIN</update>",
+     "2:16: error: a method cannot begin or end transactions, or attach databases: every call is a transaction of its "
+     "own [sql]\n"},
+    {"<update id='a'><step>CREATE TEMP TABLE t (x)</step><step>UPDATE t SET x = 1, y = 2</step></update>"
+     "<update id='b'>UPDATE t SET x = 1</update>",
+     "2:78: error: no such column: y [sql]\n2:121: error: no such table: t [sql]\n"},
+    {"<select id='a' result='[string]'>SELECT name FROM person WHERE id = :x</select>"
+     "<select id='b' result='[string]'>SELECT 1 FROM persn</select>",
+     "2:69: error: 'x' is no argument of method 'a': declare it in arguments [not-runnable]\n"
+     "2:127: error: no such table: persn [sql]\nhelp: did you mean 'person'?\n"},
+    {"<select id='a' result='[string]'>SELECT dist(1, 2) FROM person</select>",
+     "2:41: error: no such function: dist [sql]\n"},
+    {"<upgrade toVersion='2'>ALTER TABLE person ADD COLUMN name TEXT</upgrade>",
+     "2:54: error: duplicate column name: name [sql]\n"},
+    {"<upgrade toVersion='2'>INSERT INTO person (id) VALUES (1), (1)</upgrade>",
+     "2:24: error: UNIQUE constraint failed: person.id [sql]\n"},
+    {"<upgrade toVersion='2'><try>ALTER TABLE person ADD COLUMN name<except>SELECT 1</except></try></upgrade>", ""},
+};
+
+TEST(SchemaCheck, TellsWhatIsWrongWhereAndWhen) {
+  for (const auto& [definitions, wanted] : schemaCases) EXPECT_EQ(findings(definitions), wanted) << definitions;
+}
+
+TEST(SchemaCheck, TakesWhatTheAppDeclares) {
+  const std::string uses =
+      "<upgrade toVersion='2'>CREATE VIRTUAL TABLE words USING icu (title, body, limit=3)</upgrade>"
+      "<select id='a' result='[string]'>SELECT dist(1, 2) FROM person ORDER BY name COLLATE de</select>"
+      "<select id='b' result='[string]'>SELECT title FROM words WHERE words MATCH 'x' ORDER BY rank</select>";
+  EXPECT_EQ(findings(uses, {"--function", "dist/2", "--collation", "de", "--module", "icu"}), "");
+  EXPECT_NE(findings(uses, {"--function", "dist/3", "--collation", "de", "--module", "icu"}), "");
+  EXPECT_NE(findings(uses, {"--function", "dist/*", "--module", "icu"}), "");
+  EXPECT_EQ(run({"check", "--schema", "upgrades", "--function", "dist", "-"}).code, ExitCodeTrouble);
+}
+
+// What documents may not do; each is stopped in bounded time and leaves no file.
+TEST(SchemaCheck, RunsHostileUpgradesInMemoryAlone) {
+  const std::filesystem::path file = std::filesystem::path(testing::TempDir()) / "korvex_hostile.sqlite";
+  const std::string name = file.string();
+  const std::string endless = "WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n) ";
+  for (const std::string& sql :
+       {"ATTACH '" + name + "' AS other", "VACUUM INTO '" + name + "'", "SELECT load_extension('" + name + "')",
+        endless + "SELECT count(*) FROM n", endless + "INSERT INTO person (name) SELECT zeroblob(100000) FROM n"}) {
+    EXPECT_NE(findings("<upgrade toVersion='2'>" + sql + "</upgrade>"), "") << sql;
+  }
+  EXPECT_EQ(findings("<upgrade toVersion='2'>PRAGMA temp_store_directory = '/nowhere'</upgrade>"), "");
+  EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST(SchemaCheck, ReadsScriptsAndDatabases) {
+  const std::filesystem::path folder = testing::TempDir();
+  const std::string script = (folder / "korvex_schema.sql").string();
+  const std::string database = (folder / "korvex_schema.sqlite").string();
+  const std::string document =
+      "<k><select id='a' result='[string]'>SELECT title, nope FROM book WHERE book MATCH 'x'</select></k>";
+  const auto check = [&document](const std::string& schema) {
+    return run({"check", "--format", "short", "--schema", schema, "-"}, document);
+  };
+  constexpr const char* schema =
+      "PRAGMA foreign_keys=OFF; BEGIN; CREATE VIRTUAL TABLE book USING fts5(title, body);\nCREATE INDEX i ON x(y);";
+  std::ofstream(script) << schema;
+  EXPECT_EQ(check(script).out, script + ":2:19: error: no such table: main.x [sql]\n");
+  std::ofstream(script) << "CREATE VIRTUAL TABLE book USING fts5(title, body); -- the only one";
+  EXPECT_EQ(check(script).out, "<stdin>:1:51: error: no such column: nope [sql]\n");
+
+  std::filesystem::remove(database);
+  sqlite3* opened = nullptr;
+  ASSERT_EQ(sqlite3_open(database.c_str(), &opened), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(opened, "PRAGMA journal_mode=WAL; CREATE VIRTUAL TABLE book USING fts5(title, body)", nullptr,
+                         nullptr, nullptr),
+            SQLITE_OK);
+  EXPECT_EQ(check(database).out, "<stdin>:1:51: error: no such column: nope [sql]\n") << "with a log";
+  sqlite3_close(opened);
+  const auto before = std::filesystem::last_write_time(database);
+  EXPECT_EQ(check(database).out, "<stdin>:1:51: error: no such column: nope [sql]\n");
+  EXPECT_EQ(std::filesystem::last_write_time(database), before);
+  EXPECT_FALSE(std::filesystem::exists(database + "-wal"));
+
+  EXPECT_EQ(check((folder / "korvex_none").string()).code, ExitCodeTrouble);
+  std::filesystem::resize_file(database, 60);
+  EXPECT_EQ(check(database).code, ExitCodeTrouble);
+}
+
+}  // namespace
+}  // namespace korvex
