@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "korvex/Plan.h"
+#include "korvex/QXDAOTrim.h"
 #include "plan/SetContents.h"
 #include "plan/ValueReading.h"
 
