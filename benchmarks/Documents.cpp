@@ -419,4 +419,26 @@ std::string plainText(std::size_t bytes) {
 
 std::string referencesAlone(std::size_t bytes) { return repeated("%{'p.*', id, given_name, family_name}", bytes); }
 
+std::string runnableDocument(std::size_t methods) {
+  constexpr std::size_t upgrades = 100;
+  constexpr std::array<std::string_view, 3> conditions = {
+      "      <if true=\"name != null\">AND name = :name</if>\n", "      <if true=\"age\">AND age &gt; :age</if>\n",
+      "      <if true=\"groups.count &gt; 0\">AND grp IN\n"
+      "        <foreach collection=\"groups\" item=\"group\" open=\"(\" separator=\", \" "
+      "close=\")\">:group</foreach></if>\n"};
+  std::string text = "<korvex>\n";
+  for (std::size_t number = 1; number <= upgrades; ++number) {
+    const std::string digits = std::to_string(number);
+    text += "  <upgrade toVersion=\"" + digits + "\">CREATE TABLE t" + digits +
+            " (id INTEGER PRIMARY KEY, name TEXT, age INTEGER, grp INTEGER)</upgrade>\n";
+  }
+  for (std::size_t number = 0; number < methods; ++number) {
+    text += "  <select id=\"method" + std::to_string(number) + "\" arguments=\"name, age, groups\" result=\"[{}]\">\n" +
+            "    SELECT id, name, age FROM t" + std::to_string(number % upgrades + 1) + "\n    <where>\n";
+    for (std::size_t condition = 0; condition <= number % conditions.size(); ++condition) text += conditions[condition];
+    text += "    </where>\n    ORDER BY name\n  </select>\n";
+  }
+  return text + "</korvex>\n";
+}
+
 }  // namespace korvex::benchmarks

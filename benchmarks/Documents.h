@@ -12,6 +12,9 @@ namespace korvex::benchmarks {
 // same count and seed give the same bytes.
 [[nodiscard]] std::string believableDocument(std::size_t definitions, std::uint64_t seed = 1);
 
+// Methods that can be run, with up to three conditions and a list, on the tables of a hundred upgrades.
+[[nodiscard]] std::string runnableDocument(std::size_t methods);
+
 // Documents of one definition that grows in one way.
 [[nodiscard]] std::string methodWithFragments(std::size_t count);
 [[nodiscard]] std::string methodWithReferences(std::size_t count);

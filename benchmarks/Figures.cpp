@@ -103,6 +103,9 @@ constexpr std::array comparisons{
                atMost(1.6)},
     Comparison{"9 20 objects", "engine/objects", "sqlite3 by hand", "hand/objects", Unit::Seconds, atMost(1.05)},
     Comparison{"9 1000 inserts", "engine/inserts", "sqlite3 by hand", "hand/inserts", Unit::Seconds, atMost(1.3)},
+
+    Comparison{"10 a set", "set/build", "a load", "set/load", Unit::Seconds, atMost(1.25)},
+    Comparison{"10 36000 variants", "verify/all", "the goal's second", "goal/second", Unit::Seconds, atMost(1)},
 };
 
 struct Scale {

@@ -94,6 +94,7 @@ void registerTexts();
 void registerPacking();
 void registerServing();
 void registerEngine();
+void registerVerifying();
 // Loads the document once in many processes of this program, each started for one load.
 void measureFirstLoads(Figures& figures, bool brief);
 // Whether this is such a process; then it has loaded and printed the time.
