@@ -16,8 +16,8 @@ _korvex_dao() {
   case "$command $previous" in
     'check --format') words='github json sarif short text' ;;
     'check --color') words='always auto never' ;;
-    'check --warn') words='unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
-    'check --no-warn') words='unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
+    'check --warn') words='reading-update lost-where unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
+    'check --no-warn') words='reading-update lost-where unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
     'check --schema') words='' ;;
     'check --function') words='' ;;
     'check --collation') words='' ;;

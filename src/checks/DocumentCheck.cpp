@@ -155,6 +155,8 @@ void SetCheck::reportSuppressions(const std::vector<Definition>& definitions, co
   for (const Suppression& suppression : suppressions.all()) {
     if (!suppression.rule) {
       report(unknownWarning(suppression, list), findings);
+    } else if (std::holds_alternative<SchemaRule>(suppression.rule->id)) {
+      continue;  // only a check against a schema can tell
     } else if (!suppression.used && _selection.wants(*suppression.rule)) {
       reportUnused(suppression, finder.definitionAround(suppression.element), list, findings);
     }

@@ -21,9 +21,14 @@ constexpr auto allRules = [] {
   return all;
 }();
 
+constexpr bool isWarning(const Rule& rule) { return rule.severity == Severity::Warning; }
+
 constexpr auto namesOfWarnings = [] {
-  std::array<std::string_view, warningRules.size()> names;
-  std::transform(warningRules.begin(), warningRules.end(), names.begin(), [](const Rule& rule) { return rule.name; });
+  std::array<std::string_view, std::count_if(allRules.begin(), allRules.end(), isWarning)> names;
+  auto next = names.begin();
+  for (const Rule& rule : allRules) {
+    if (isWarning(rule)) *next++ = rule.name;
+  }
   return names;
 }();
 

@@ -40,6 +40,14 @@ enum class Warning {
 enum class SchemaRule {
   NotRunnable,
   Sql,
+  ReadingUpdate,
+  LostWhere,
+  UnreadColumns,
+  RepeatedResultColumn,
+  UnyieldedColumn,
+  PackColumn,
+  UnusedDefinition,
+  UnusedArgument,
 };
 
 // What a rule is about: a definition's error, a whole document's, a warning, or the SQL.

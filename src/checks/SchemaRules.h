@@ -7,15 +7,15 @@
 
 namespace korvex {
 
-inline constexpr std::array<Rule, 2> schemaRules = {{
+inline constexpr std::array<Rule, 10> schemaRules = {{
     {SchemaRule::NotRunnable, "not-runnable", Severity::Error, true, "A definition that cannot be run",
      "Declare the value, or correct the name.",
      "With --schema, the definitions are built to a set as the engine builds it. Values that no argument declares, "
      "references to unknown blocks and constants, names that are used twice and conditions that do not parse are "
      "errors "
      "then. The SQL of such a definition, and of those that insert it, is not checked against the schema.",
-     R"(<select id="names" result="[string]" arguments="group">
-  SELECT name FROM person WHERE name = :grup
+     R"(<select id="names" result="[string]">
+  SELECT name FROM person WHERE name = :group
 </select>
 <upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>)",
      R"(<select id="names" result="[string]" arguments="group">
@@ -35,6 +35,88 @@ inline constexpr std::array<Rule, 2> schemaRules = {{
      R"(<upgrade toVersion="1">CREATE TABLE person (birthday TEXT)</upgrade>
 <select id="birthdays" result="[string]">
   SELECT p.birthday FROM person p
+</select>)"},
+    {SchemaRule::ReadingUpdate, "reading-update", Severity::Warning, true,
+     "An update, insert or delete that only reads", "Make the method a select.",
+     "Only a select returns rows. A method of another kind runs the statement and throws its rows away.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<update id="names">SELECT name FROM person</update>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="names" result="[string]">SELECT name FROM person</select>)"},
+    {SchemaRule::LostWhere, "lost-where", Severity::Warning, true, "An update or delete that can lose its condition",
+     "Write a <where onVoid=\"quit\">, or a condition that is always there.",
+     "In some variants, the statement has a WHERE, and in others none, so that it changes all rows. "
+     "Statements that never have one are not reported.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<delete id="remove" arguments="personId">
+  DELETE FROM person <if true="personId">WHERE id = :personId</if>
+</delete>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<delete id="remove" arguments="personId">
+  DELETE FROM person
+  <where onVoid="quit"><if true="personId">id = :personId</if></where>
+</delete>)"},
+    {SchemaRule::UnreadColumns, "unread-columns", Severity::Warning, true,
+     "A scalar result of a select with several columns", "Remove the other columns, or use a result that has columns.",
+     "A scalar result such as int or string reads the first column of each row and ignores the others.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="names" result="[string]">
+  SELECT name, id FROM person
+</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="names" result="[string]">
+  SELECT name FROM person
+</select>)"},
+    {SchemaRule::RepeatedResultColumn, "repeated-result-column", Severity::Warning, true,
+     "Two columns of a result have the same name", "Remove one of them, or name it with AS.",
+     "A dictionary or an object has one value for each name, so one of the two is lost.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="pairs" result="[{}]">
+  SELECT p.name, q.name FROM person p, person q
+</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="pairs" result="[{}]">
+  SELECT p.name, q.name AS other FROM person p, person q
+</select>)"},
+    {SchemaRule::UnyieldedColumn, "unyielded-column", Severity::Warning, true,
+     "A column of a map that no select yields", "Correct the column of the map, or add it to a select.",
+     "Each column of a map fills a property. If no select with the map yields the column, the property is "
+     "never filled.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<map id="personMap" result="Person">
+  <result column="nam" property="name"/>
+</map>
+<select id="all" result="[:personMap]">SELECT name FROM person</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<map id="personMap" result="Person">
+  <result column="name" property="name"/>
+</map>
+<select id="all" result="[:personMap]">SELECT name FROM person</select>)"},
+    {SchemaRule::PackColumn, "pack-column", Severity::Warning, true,
+     "A packed column that no table has, or that is no BLOB", "Declare the column as BLOB in the schema.",
+     "A pack is stored as bytes. A column of another type may convert them, and tools show them as text.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<pack as="name" properties="notes, height"/>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name BLOB)</upgrade>
+<pack as="name" properties="notes, height"/>)"},
+    {SchemaRule::UnusedDefinition, "unused-definition", Severity::Warning, true,
+     "An sql block, a constant or a map that nothing uses", "Remove it, or correct the name where it is used.",
+     "No document of the call refers to it. Give all documents together, such as their directory.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<sql id="columns">id, name</sql>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<sql id="columns">id, name</sql>
+<select id="all" result="[{}]">SELECT @columns FROM person</select>)"},
+    {SchemaRule::UnusedArgument, "unused-argument", Severity::Warning, true, "An argument that a method never uses",
+     "Use it, or remove it.",
+     "Neither the SQL of the method nor a condition mentions it, and no block that it inserts.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="names" result="[string]" arguments="part">
+  SELECT name FROM person
+</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="names" result="[string]" arguments="part">
+  SELECT name FROM person WHERE name LIKE :part
 </select>)"},
 }};
 

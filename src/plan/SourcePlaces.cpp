@@ -41,6 +41,19 @@ bool followsCdataBegin(std::string_view source, std::size_t at) {
   return last != std::string_view::npos && source.substr(0, last + 1).ends_with(cdataBegin);
 }
 
+// The offset after a comment at the front and the white space around it, which are dropped between the texts of an
+// element; without a comment, that of the first visible character.
+struct CommentSearch {
+  bool found = false;
+  std::size_t end = 0;
+};
+CommentSearch commentIn(std::string_view source) {
+  const std::size_t begin = std::min(source.find_first_not_of(blanks), source.size());
+  const std::size_t end = source.substr(begin).starts_with("<!--") ? source.find("-->", begin) : std::string_view::npos;
+  if (end == std::string_view::npos) return {false, begin};
+  return {true, std::min(source.find_first_not_of(blanks, end + 3), source.size())};
+}
+
 // The UTF-8 length of the character of "&#...;"; named entities have one byte.
 std::size_t bytesOfReference(std::string_view reference) {
   unsigned long code = 0;
@@ -81,8 +94,17 @@ std::optional<std::size_t> valueBegin(std::string_view source, std::size_t tag, 
 
 std::size_t sourceOffset(std::string_view source, std::size_t at, std::size_t decoded) {
   bool inCdata = followsCdataBegin(source, at);
+  std::size_t searched = 0;  // there is no comment up to here
   while (at < source.size()) {
     const std::string_view rest = source.substr(at);
+    if (!inCdata && at >= searched && (isBlank(rest.front()) || rest.front() == '<')) {
+      const CommentSearch comment = commentIn(rest);
+      searched = at + comment.end + 1;
+      if (comment.found) {
+        at += comment.end;
+        continue;
+      }
+    }
     if (inCdata && rest.starts_with(cdataEnd)) {
       inCdata = false;
       at += cdataEnd.size();

@@ -48,7 +48,8 @@ class Check {
       : _options(options),
         _console(console),
         _report(makeCheckReport(options.format, console.out, colorWanted(options.color, console))),
-        _set(selectionOf(options)) {
+        _selection(selectionOf(options)),
+        _set(_selection) {
     if (holdsWholeSet(options.paths)) _set.treatAsComplete();
   }
 
@@ -92,7 +93,7 @@ class Check {
     if (!result.unreadable.empty()) return addUnreadable({_options.schema, result.unreadable});
     for (const Finding& finding : result.findings) {
       const bool known = finding.rule == &ruleOf(SchemaRule::NotRunnable) && _places.contains(placeOf(finding));
-      if (!known) addFinding(finding);
+      if (!known && _selection.wants(*finding.rule)) addFinding(withSeverity(finding));
     }
     _verified = describe(result.totals);
   }
@@ -102,6 +103,11 @@ class Check {
     if (!_unexplained && finding.rule->severity == Severity::Error && finding.help.empty()) _unexplained = finding.rule;
     if (!_options.schema.empty()) _places.insert(placeOf(finding));
     _report->add(finding);
+  }
+
+  [[nodiscard]] Finding withSeverity(Finding finding) const {
+    finding.severity = _selection.severityOf(*finding.rule);
+    return finding;
   }
 
   using Place = std::pair<std::string, std::size_t>;
@@ -130,6 +136,7 @@ class Check {
   const CheckOptions& _options;
   const Console& _console;
   std::unique_ptr<CheckReport> _report;
+  WarningSelection _selection;
   SetCheck _set;
   SchemaCheck _schemaCheck;
   std::set<Place> _places;  // of the findings, if there is a schema: what makes a definition faulty is told once

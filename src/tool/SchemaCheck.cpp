@@ -1,5 +1,6 @@
 #include "tool/SchemaCheck.h"
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <iterator>
@@ -8,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "checks/Suppressions.h"
 #include "checks/WarningList.h"
 #include "tool/Counted.h"
 
@@ -63,13 +65,29 @@ void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> documen
     verified.definitions.push_back(inDefinition(definition));
     if (!definition.element) _rejected.insert(verified.definitions.back().get());
   }
-  _documents.push_back({path, std::move(document)});
+  verified.document = std::move(document);
+  _documents.push_back({path, verified.document});
 }
 
 // Why a definition is rejected has been told.
 bool SchemaCheck::isInRejected(const verification::VerifiedDocument& document, std::size_t offset) const {
   const auto* definition = document.definitionAt(offset);
   return definition && _rejected.contains(definition->get());
+}
+
+// By comments before the definitions.
+void SchemaCheck::removeSuppressed(std::vector<Finding>& findings) const {
+  for (const auto& [path, document] : _verified) {
+    const auto isWarning = [file = document.file.get()](const Finding& finding) {
+      return finding.rule->severity == Severity::Warning && finding.definition && finding.location.file.get() == file;
+    };
+    if (std::none_of(findings.begin(), findings.end(), isWarning)) continue;
+    const Places places(*document.file->source);
+    Suppressions suppressions(places);
+    std::erase_if(findings, [&](const Finding& finding) {
+      return isWarning(finding) && suppressions.use({finding, finding.definition->offset});
+    });
+  }
 }
 
 SchemaCheckResult SchemaCheck::run(const std::string& source, const verification::AppExtensions& extensions) {
@@ -97,8 +115,10 @@ SchemaCheckResult SchemaCheck::run(const std::string& source, const verification
   verification::Verification verification(*runnable.set, schema, _verified);
   if (upgrades) verification.runUpgrades();
   verification.checkMethods();
+  verification.checkSet();
   std::vector<Finding> found = verification.takeFindings();
   std::move(found.begin(), found.end(), std::back_inserter(result.findings));
+  removeSuppressed(result.findings);
   result.totals = verification.totals();
   return result;
 }

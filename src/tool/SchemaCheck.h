@@ -32,6 +32,8 @@ class SchemaCheck {
  private:
   [[nodiscard]] bool isInRejected(const verification::VerifiedDocument& document, std::size_t offset) const;
 
+  void removeSuppressed(std::vector<Finding>& findings) const;
+
   std::vector<verification::NamedDocument> _documents;
   verification::VerifiedDocuments _verified;
   std::set<const Finding::InDefinition*> _rejected;

@@ -52,6 +52,7 @@ Warnings, with the names that --warn and --no-warn take:
 
 constexpr std::string_view checkFooter =
     R"(All are on by default except undefined-map, which is on if PATH is a directory.
+Those about SQL and about unused definitions need --schema.
 The comment <!-- korvex: allow NAME --> directly before an element suppresses
 the warnings of that name about this element, not about those inside it.
 
@@ -66,6 +67,7 @@ Examples:
   korvex-dao check addressbook.xml
   korvex-dao check --format json definitions/ more.xml
   korvex-dao check --werror --no-warn duplicate-name definitions/
+  korvex-dao check --schema upgrades definitions/
   generate-definitions | korvex-dao check -
 
 Exit codes:

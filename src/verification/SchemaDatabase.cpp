@@ -269,4 +269,15 @@ std::vector<std::string> SchemaDatabase::columnNames() {
       "SELECT DISTINCT c.name FROM sqlite_schema s, pragma_table_info(s.name) c WHERE s.type IN ('table', 'view')");
 }
 
+std::vector<std::pair<std::string, std::string>> SchemaDatabase::columnTypes() {
+  constexpr const char* query =
+      "SELECT c.name, upper(c.type) FROM sqlite_schema s, pragma_table_info(s.name) c WHERE s.type = 'table'";
+  const Prepared prepared = prepare(query);
+  std::vector<std::pair<std::string, std::string>> types;
+  while (prepared.statement && sqlite3_step(prepared.statement.get()) == SQLITE_ROW) {
+    types.emplace_back(columnText(prepared.statement.get(), 0), columnText(prepared.statement.get(), 1));
+  }
+  return types;
+}
+
 }  // namespace korvex::verification

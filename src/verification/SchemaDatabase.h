@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "verification/SqlTokens.h"
@@ -74,6 +75,8 @@ class SchemaDatabase {
   // The tables and views, and the columns of all of them, each name once.
   [[nodiscard]] std::vector<std::string> tableNames();
   [[nodiscard]] std::vector<std::string> columnNames();
+  // The columns of all tables with their declared types, in capital letters.
+  [[nodiscard]] std::vector<std::pair<std::string, std::string>> columnTypes();
 
  private:
   void declare(const AppExtensions& extensions);

@@ -12,16 +12,14 @@ bool isSamePlace(const VariantText::Origin& left, const VariantText::Origin& rig
 
 }  // namespace
 
-void VariantFailures::add(const Variant& variant, const VariantText& text, const std::string& message, int offset) {
-  const bool hasOffset = offset >= 0;
-  const auto at = static_cast<std::size_t>(std::max(offset, 0));
-  const VariantText::Origin origin = text.originOf(at);
+void VariantFailures::add(const Variant& variant, const VariantText& text, const Defect& defect, int offset) {
+  const VariantText::Origin origin = text.originOf(static_cast<std::size_t>(std::max(offset, 0)));
   const auto known = std::find_if(_failures.begin(), _failures.end(), [&](const VariantFailure& failure) {
-    return failure.message == message && failure.hasOffset == hasOffset &&
-           (!hasOffset || isSamePlace(failure.origin, origin));
+    return failure.defect.rule == defect.rule && failure.defect.message == defect.message &&
+           (failure.offset < 0) == (offset < 0) && (offset < 0 || isSamePlace(failure.origin, origin));
   });
   if (known == _failures.end()) {
-    _failures.push_back({message, at, hasOffset, origin, &variant, variant.decisions, 1});
+    _failures.push_back({defect, offset, origin, &variant, variant.decisions, 1});
     return;
   }
   ++known->count;

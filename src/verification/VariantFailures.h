@@ -1,4 +1,4 @@
-// The failures of a unit's variants, those of one cause together.
+// The defects of a unit's variants, those of one cause together.
 #pragma once
 
 #include <cstddef>
@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "plan/Variants.h"
+#include "verification/Defect.h"
 
 namespace korvex::verification {
 
 struct VariantFailure {
-  std::string message;
-  std::size_t offset = 0;  // in the SQL of the example, unless it is unknown
-  bool hasOffset = false;
+  Defect defect;                           // in the SQL of the example
+  int offset = -1;                         // where SQLite says it is, or it is known to be
   VariantText::Origin origin;              // of the offset
   const Variant* example = nullptr;        // the first that fails
   std::vector<VariantDecision> decisions;  // what all that fail have in common
@@ -22,7 +22,7 @@ struct VariantFailure {
 class VariantFailures {
  public:
   // `offset` is negative if it is unknown. The variant must outlive the object.
-  void add(const Variant& variant, const VariantText& text, const std::string& message, int offset);
+  void add(const Variant& variant, const VariantText& text, const Defect& defect, int offset);
 
   [[nodiscard]] const std::vector<VariantFailure>& failures() const { return _failures; }
 

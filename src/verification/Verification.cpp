@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
+#include <map>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -12,7 +14,9 @@
 #include "korvex/Plan.h"
 #include "plan/SourcePlaces.h"
 #include "plan/Variants.h"
+#include "verification/SetChecks.h"
 #include "verification/SqlFault.h"
+#include "verification/StatementChecks.h"
 #include "verification/VariantFailures.h"
 
 namespace korvex::verification {
@@ -24,10 +28,7 @@ constexpr std::size_t maxNotes = 20;
 constexpr std::size_t maxFindings = 10000;
 constexpr std::size_t maxStandInTrials = 200000;
 
-constexpr std::string_view severalStatements = "the SQL goes on after its first statement, which alone would run";
-constexpr std::string_view severalStatementsHelp = "Make each statement a step of its own.";
-constexpr std::string_view writingSelect = "a select cannot change data";
-constexpr std::string_view writingSelectHelp = "Make the method an insert, an update or a delete.";
+constexpr const char* quotedHelp = "A name is in double quotes; write a text in single quotes.";
 
 std::string titleOf(const Plan& plan) {
   if (plan.operation() != QXDAOOperationUpgrade) return "method '" + std::string(plan.name()) + "'";
@@ -42,23 +43,6 @@ bool comesBefore(const Finding& left, const Finding& right) {
 }
 
 }  // namespace
-
-std::size_t offsetOf(const SourceText& source, const XMLPosition& position) {
-  const std::string_view line = source.line(position.line);
-  if (!line.data()) return 0;
-  std::size_t at = 0;
-  for (std::size_t column = 1; at < line.size(); ++at) {
-    const bool begins = (static_cast<unsigned char>(line[at]) & 0xC0U) != 0x80U;
-    if (begins && column++ == position.column) break;
-  }
-  return static_cast<std::size_t>(line.data() - source.text().data()) + at;
-}
-
-const std::shared_ptr<const Finding::InDefinition>* VerifiedDocument::definitionAt(std::size_t offset) const {
-  const auto behind = std::upper_bound(definitions.begin(), definitions.end(), offset,
-                                       [](std::size_t at, const auto& next) { return at < next->offset; });
-  return behind == definitions.begin() ? nullptr : &*std::prev(behind);
-}
 
 class Verification::Work {
  public:
@@ -76,6 +60,11 @@ class Verification::Work {
     }
   }
 
+  void checkSet() {
+    std::vector<Finding> found = findingsOfSet(_set, _documents, _seen, _schema);
+    std::move(found.begin(), found.end(), std::back_inserter(findings));
+  }
+
   void checkMethods() {
     _tables = _schema.tableNames();
     _columns = _schema.columnNames();
@@ -86,13 +75,6 @@ class Verification::Work {
   std::vector<Finding> findings;
 
  private:
-  // What failed, in the text of a variant.
-  struct Fault {
-    std::string message;
-    std::string help;
-    ByteRange place;
-  };
-
   // An upgrade has no arguments, so each unit has one text.
   bool runUnit(const PlanUnit& unit, bool reports) {
     const UnitVariants variants = variantsOf(unit);
@@ -105,16 +87,27 @@ class Verification::Work {
     return true;
   }
 
-  std::optional<Fault> runText(const std::string& sql) {
-    const Prepared prepared = _schema.prepare(sql);
-    if (!prepared.message.empty()) return faultIn(sql, prepared.message, prepared.offset);
-    if (const auto rest = statementAfter(sql, prepared.end)) {
-      return Fault{std::string(severalStatements), std::string(severalStatementsHelp), *rest};
+  // A unit of an upgrade is a script.
+  std::optional<Defect> runText(const std::string& sql) {
+    for (std::size_t begin = 0; begin < sql.size();) {
+      const std::string rest = sql.substr(begin);
+      const Prepared prepared = _schema.prepare(rest);
+      if (!prepared.message.empty()) return moved(searched(rest, sqlDefect(prepared.message), prepared.offset), begin);
+      const auto message = prepared.statement ? _schema.run(*prepared.statement) : std::nullopt;
+      if (message) return moved({&ruleOf(SchemaRule::Sql), *message, {}, codeOf(rest.substr(0, prepared.end))}, begin);
+      if (prepared.end == 0) break;
+      begin += prepared.end;
     }
-    if (!prepared.statement) return std::nullopt;
-    const auto message = _schema.run(*prepared.statement);
-    return message ? std::optional(Fault{*message, {}, wholeOf(sql)}) : std::nullopt;
+    return std::nullopt;
   }
+
+  static Defect moved(Defect defect, std::size_t distance) {
+    defect.place->begin += distance;
+    defect.place->end += distance;
+    return defect;
+  }
+
+  static Defect sqlDefect(const std::string& message) { return {&ruleOf(SchemaRule::Sql), message, {}, {}}; }
 
   void checkPlan(const Plan& plan) {
     ++totals.methods;
@@ -148,68 +141,57 @@ class Verification::Work {
 
   void checkUnit(const PlanUnit& unit, const UnitVariants& variants) {
     VariantFailures failures;
+    VariantFailures withoutWhere;
+    bool hasWhere = false;
     for (const Variant& variant : variants.variants) {
       const VariantText text(unit, variant.key);
       const Prepared prepared = _schema.prepare(text.sql());
+      seeColumns(unit.plan(), prepared);
       if (!prepared.message.empty()) {
-        failures.add(variant, text, prepared.message, prepared.offset);
-      } else {
-        checkPrepared(unit, variant, text, prepared, failures);
+        failures.add(variant, text, sqlDefect(prepared.message), prepared.offset);
+        continue;
       }
+      for (const Defect& defect : defectsOf(unit.plan(), text.sql(), prepared)) {
+        failures.add(variant, text, defect, static_cast<int>(defect.place->begin));
+      }
+      const WhereClause where = variants.variants.size() > 1 ? whereClauseOf(text.sql()) : WhereClause::NotNeeded;
+      hasWhere = hasWhere || where == WhereClause::Present;
+      if (where == WhereClause::Missing) withoutWhere.add(variant, text, lostWhere(text.sql()), 0);
     }
     for (const VariantFailure& failure : failures.failures()) reportFailure(unit, variants, failure);
+    if (!hasWhere) return;
+    for (const VariantFailure& failure : withoutWhere.failures()) reportFailure(unit, variants, failure);
   }
 
-  static void checkPrepared(const PlanUnit& unit, const Variant& variant, const VariantText& text,
-                            const Prepared& prepared, VariantFailures& failures) {
-    if (const auto rest = statementAfter(text.sql(), prepared.end)) {
-      return failures.add(variant, text, std::string(severalStatements), static_cast<int>(rest->begin));
+  void seeColumns(const Plan& plan, const Prepared& prepared) {
+    if (plan.method().resultType() != QXDAOSelectResultTypeMappedObject) return;
+    const std::string map(plan.method().resultTypeName().value_or(std::string_view()));
+    if (!prepared.statement) return void(_seen.unknownMaps.insert(map));
+    std::set<std::string>& columns = _seen.columnsOfMaps[map];
+    for (int column = 0; column < sqlite3_column_count(prepared.statement.get()); ++column) {
+      columns.insert(sqlite3_column_name(prepared.statement.get(), column));
     }
-    const bool select = unit.plan().operation() == QXDAOOperationSelect;
-    if (!select || !prepared.statement || sqlite3_stmt_readonly(prepared.statement.get()) != 0) return;
-    failures.add(variant, text, std::string(writingSelect), static_cast<int>(wholeOf(text.sql()).begin));
   }
 
   void reportFailure(const PlanUnit& unit, const UnitVariants& variants, const VariantFailure& failure) {
     const VariantText text(unit, failure.example->key);
     const std::string share = shareOf(failure, variants);
-    if (noteKnown(unit, text, failure.message, share)) return;
-    report(unit, text, faultOfFailure(text.sql(), failure), share);
+    if (noteKnown(unit, text, failure.defect.message, share)) return;
+    report(unit, text, failure.defect.place ? failure.defect : searched(text.sql(), failure.defect, failure.offset),
+           share);
   }
 
-  Fault faultOfFailure(const std::string& sql, const VariantFailure& failure) {
-    if (failure.message == severalStatements) {
-      return {failure.message, std::string(severalStatementsHelp), *statementAfter(sql, failure.offset)};
-    }
-    if (failure.message == writingSelect) return {failure.message, std::string(writingSelectHelp), firstToken(sql)};
-    return faultIn(sql, failure.message, failure.hasOffset ? static_cast<int>(failure.offset) : -1);
-  }
-
-  Fault faultIn(const std::string& sql, const std::string& message, int offset) {
+  Defect searched(const std::string& sql, Defect defect, int offset) {
+    const std::size_t begin = offset < 0 ? codeOf(sql).begin : static_cast<std::size_t>(offset);
+    defect.place = {begin, std::min(begin + 1, sql.size())};
     if (_searches++ < maxSearches) {
-      if (const auto found = faultOf(_schema.handle(), sql); found && found->message == message) {
-        return {message, found->help, found->place};
+      if (const auto found = faultOf(_schema.handle(), sql); found && found->message == defect.message) {
+        defect.place = found->place;
+        defect.help = found->help;
       }
     }
-    const std::size_t begin = offset < 0 ? wholeOf(sql).begin : static_cast<std::size_t>(offset);
-    return {message, {}, {begin, std::min(begin + 1, sql.size())}};
-  }
-
-  static ByteRange wholeOf(std::string_view sql) {
-    const auto tokens = tokensOf(sql);
-    return tokens.empty() ? ByteRange{} : ByteRange{tokens.front().begin, tokens.back().end};
-  }
-  static ByteRange firstToken(std::string_view sql) {
-    const auto tokens = tokensOf(sql);
-    return tokens.empty() ? ByteRange{} : tokens.front();
-  }
-
-  // What follows a statement and its ";".
-  static std::optional<ByteRange> statementAfter(std::string_view sql, std::size_t end) {
-    for (const auto& [begin, tokenEnd] : tokensOf(sql.substr(end))) {
-      if (sql[end + begin] != ';') return ByteRange{end + begin, end + tokenEnd};
-    }
-    return std::nullopt;
+    if (defect.help.empty() && sql[defect.place->begin] == '"') defect.help = quotedHelp;
+    return defect;
   }
 
   // A table for "@T" and a column for the keys of formats, with which the first variant can be prepared.
@@ -270,14 +252,14 @@ class Verification::Work {
     return {begin.offset, std::max(end, begin.offset)};
   }
 
-  void report(const PlanUnit& unit, const VariantText& text, const Fault& fault, const std::string& share) {
+  void report(const PlanUnit& unit, const VariantText& text, const Defect& fault, const std::string& share) {
     if (findings.size() >= maxFindings) return;
-    const VariantText::Origin origin = text.originOf(fault.place.begin);
+    const VariantText::Origin origin = text.originOf(fault.place->begin);
     const Place place = placeOf(origin);
     Finding finding;
-    finding.rule = &ruleOf(SchemaRule::Sql);
+    finding.rule = fault.rule;
     finding.severity = finding.rule->severity;
-    finding.location = {place.document->file, spanOf(text, fault.place)};
+    finding.location = {place.document->file, spanOf(text, *fault.place)};
     finding.message = fault.message;
     finding.help = fault.help;
     if (const auto* definition = place.definition()) finding.definition = *definition;
@@ -319,6 +301,7 @@ class Verification::Work {
   const VerifiedDocuments& _documents;
   std::vector<std::string> _tables;
   std::vector<std::string> _columns;
+  SeenUse _seen;
   std::size_t _searches = 0;
   std::size_t _trials = 0;
   // The findings, by their places and by their messages.
@@ -334,6 +317,8 @@ Verification::~Verification() = default;
 void Verification::runUpgrades() { _work->runUpgrades(); }
 
 void Verification::checkMethods() { _work->checkMethods(); }
+
+void Verification::checkSet() { _work->checkSet(); }
 
 const VerificationTotals& Verification::totals() const { return _work->totals; }
 

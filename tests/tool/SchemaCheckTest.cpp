@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
+#include <iterator>
 
 #include "tests/support/RunTool.h"
 
@@ -67,8 +70,34 @@ constexpr SchemaCase schemaCases[] = {
      "2:127: error: no such table: persn [sql]\nhelp: did you mean 'person'?\n"},
     {"<select id='a' result='[string]'>SELECT dist(1, 2) FROM person</select>",
      "2:41: error: no such function: dist [sql]\n"},
+    {"<delete id='a' arguments='x'>DELETE FROM person <if true='x'>WHERE id = :x</if></delete>"
+     "\n"
+     "<!-- korvex: allow lost-where -->"
+     "<delete id='c' arguments='x'>DELETE FROM person <if true='x'>WHERE id = :x</if></delete>"
+     "<delete id='d'>DELETE FROM person</delete>"
+     "<update id='e' arguments='x'>UPDATE person SET <if true='x'>name = (SELECT 1 WHERE :x),</if> id = 1</update>",
+     "2:30: warning: without a condition, the statement changes all rows [lost-where]\n"
+     "help: Write a <where onVoid=\"quit\">, or a condition that is always there.\n"
+     "2:1: note: in 1 of 2 variants, for example when x is false\n"},
+    {"<select id='a' result='[{}]'>SELECT (SELECT max(a.id, 2) FROM person a) x, id, name AS x FROM person</select>",
+     "2:80: warning: two columns have the name 'x' [repeated-result-column]\n"
+     "help: Remove one of them, or name it with AS.\n"},
+    {"<select id='a' result='int'>SELECT count(*) FROM person WHERE name = \"foo\"</select>",
+     "2:70: error: no such column: foo [sql]\nhelp: A name is in double quotes; write a text in single quotes.\n"},
+    {"<map id='m' result='P'><result column='name' property='a'/>\n<result column='brthday' property='b'/></map>"
+     "<select id='a' result=':m'>SELECT name FROM person</select>"
+     "<select id='b' result=':m'>SELECT birthday FROM person</select>",
+     "3:1: warning: no select with this map yields a column 'brthday' [unyielded-column]\n"
+     "help: did you mean 'birthday'?\n"},
+    {"<sql id='b'>id = :x AND :y</sql><const c='1'/>"
+     "<select id='a' arguments='x, y, z' result='int'>SELECT 1 FROM person WHERE @b</select>",
+     "2:33: warning: '@c' is never used [unused-definition]\n"
+     "2:79: warning: argument 'z' is never used [unused-argument]\n"},
     {"<upgrade toVersion='2'>ALTER TABLE person ADD COLUMN name TEXT</upgrade>",
      "2:54: error: duplicate column name: name [sql]\n"},
+    {"<upgrade toVersion='2'>CREATE TABLE a (x); CREATE TABLE b (y); ALTER TABLE a ADD COLUMN x</upgrade>"
+     "<select id='c' result='int'>SELECT y FROM b, a</select>",
+     "2:64: error: duplicate column name: x [sql]\n"},
     {"<upgrade toVersion='2'>INSERT INTO person (id) VALUES (1), (1)</upgrade>",
      "2:24: error: UNIQUE constraint failed: person.id [sql]\n"},
     {"<upgrade toVersion='2'><try>ALTER TABLE person ADD COLUMN name<except>SELECT 1</except></try></upgrade>", ""},
@@ -135,6 +164,50 @@ TEST(SchemaCheck, ReadsScriptsAndDatabases) {
   EXPECT_EQ(check((folder / "korvex_none").string()).code, ExitCodeTrouble);
   std::filesystem::resize_file(database, 60);
   EXPECT_EQ(check(database).code, ExitCodeTrouble);
+}
+
+// Whether any finding is given, and whether one is on the line.
+struct Found {
+  bool any = false;
+  bool onLine = false;
+};
+
+Found findingsAfter(const std::string& text, std::size_t changed) {
+  const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(changed), '\n');
+  const std::string out =
+      run({"check", "--format", "short", "--schema", "upgrades", "--warn", "undefined-map", "-"}, text).out;
+  return {!out.empty(), ("\n" + out).find("\n<stdin>:" + std::to_string(line) + ":") != std::string::npos};
+}
+
+// The address book has no finding, and nearly every mistake in it has one at its line.
+TEST(SchemaCheck, FindsSingleMistakes) {
+  constexpr std::string_view arrow = " => ";
+  std::ifstream file(KORVEX_SOURCE_DIR "/examples/addressbook.xml");
+  const std::string book(std::istreambuf_iterator<char>(file), {});
+  EXPECT_FALSE(findingsAfter(book, 0).any);
+  std::ifstream mistakes(KORVEX_SOURCE_DIR "/tests/verification/mistakes.txt");
+  std::size_t count = 0;
+  std::size_t found = 0;
+  std::size_t onLine = 0;
+  for (std::string line; std::getline(mistakes, line);) {
+    if (line.starts_with('#')) continue;
+    const std::size_t middle = line.find(arrow);
+    ASSERT_NE(middle, std::string::npos) << line;
+    const std::string right = line.substr(0, middle);
+    const std::string wrong = line.substr(middle + arrow.size());
+    const std::size_t at = book.find(right);
+    ASSERT_TRUE(at != std::string::npos && book.find(right, at + 1) == std::string::npos) << line;
+    const auto changed = std::mismatch(right.begin(), right.end(), wrong.begin(), wrong.end()).first - right.begin();
+    const Found result =
+        findingsAfter(std::string(book).replace(at, right.size(), wrong), at + static_cast<std::size_t>(changed));
+    ++count;
+    found += result.any ? 1U : 0U;
+    onLine += result.onLine ? 1U : 0U;
+    if (!result.onLine) std::cout << (result.any ? "elsewhere: " : "not found: ") << line << '\n';
+  }
+  EXPECT_GE(count, 60U);
+  EXPECT_LE(count - found, 3U);
+  EXPECT_LE(count - onLine, 5U);
 }
 
 }  // namespace

@@ -1,0 +1,140 @@
+#include "verification/SetChecks.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "checks/NearMiss.h"
+#include "korvex/Definition.h"
+#include "korvex/Keywords.h"
+#include "plan/SqlText.h"
+
+namespace korvex::verification {
+namespace {
+
+class SetChecker {
+ public:
+  SetChecker(const DefinitionSet& set, const VerifiedDocuments& documents, const SeenUse& seen, SchemaDatabase& schema)
+      : _set(set), _seen(seen), _columnTypes(schema.columnTypes()) {
+    for (const auto& [name, document] : documents) _documents.push_back(&document);
+  }
+
+  std::vector<Finding> check() {
+    collectReferences();
+    for (const VerifiedDocument* document : _documents) {
+      _document = document;
+      for (const Definition& definition : loadDefinitions(*document->document)) {
+        if (!definition.element) continue;
+        _definition = document->definitionAt(definition.xml.offset());
+        checkDefinition(definition);
+      }
+    }
+    return std::move(_findings);
+  }
+
+ private:
+  void checkDefinition(const Definition& definition) {
+    if (const auto* map = QXDAOElementCast<QXDAOMap>(definition.element.get())) return checkMap(*map, definition.xml);
+    if (const auto* pack = QXDAOElementCast<QXDAOPack>(definition.element.get())) return checkPack(*pack);
+    if (const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get())) return checkArguments(*method);
+    const OptionalStringView name = definition.element->name();
+    const bool reusable = definition.tag() == C_SQL || definition.tag() == C_CONST;
+    if (reusable && name && !_references.contains(*name)) reportUnused("'@" + std::string(*name) + "'");
+  }
+
+  // Every "@name" of the documents, wherever it is.
+  void collectReferences() {
+    for (const VerifiedDocument* document : _documents) {
+      const std::string_view source = document->file->source->text();
+      for (std::size_t at = source.find('@'); at != std::string_view::npos; at = source.find('@', at + 1)) {
+        std::size_t end = at + 1;
+        while (end < source.size() && isNameCharacter(source[end])) ++end;
+        _references.insert(source.substr(at + 1, end - at - 1));
+      }
+    }
+    for (const Plan* plan : _set.plans()) {
+      if (plan->method().resultType() != QXDAOSelectResultTypeMappedObject) continue;
+      _usedMaps.insert(plan->method().resultTypeName().value_or(std::string_view()));
+    }
+  }
+
+  void checkMap(const QXDAOMap& map, const XMLNode& xml) {
+    const std::string_view name = map.name().value_or(std::string_view());
+    if (!_usedMaps.contains(name)) return reportUnused("map '" + std::string(name) + "'");
+    const auto seen = _seen.columnsOfMaps.find(name);
+    if (seen == _seen.columnsOfMaps.end() || _seen.unknownMaps.contains(name)) return;
+    for (const XMLNode& child : xml.children()) {
+      const OptionalStringView column = child.valueOfAttribute(C_COLUMN);
+      if (!column || seen->second.contains(std::string(*column))) continue;
+      const std::vector<std::string_view> yielded(seen->second.begin(), seen->second.end());
+      report(SchemaRule::UnyieldedColumn, child.offset(),
+             "no select with this map yields a column '" + std::string(*column) + "'", didYouMean(*column, yielded));
+    }
+  }
+
+  void checkPack(const QXDAOPack& pack) {
+    const std::string column(pack.column().value_or(std::string_view()));
+    bool found = false;
+    for (const auto& [name, type] : _columnTypes) {
+      if (name != column) continue;
+      found = true;
+      if (type.empty() || type.find("BLOB") != std::string::npos) continue;
+      return report(SchemaRule::PackColumn, (*_definition)->offset,
+                    "the packed column '" + column + "' has the type " + type, "Declare the column as BLOB.");
+    }
+    if (!found)
+      report(SchemaRule::PackColumn, (*_definition)->offset, "no table has the packed column '" + column + "'", {});
+  }
+
+  // A name that the method mentions once is only declared. A block can use it, too.
+  void checkArguments(const QXDAOMethod& method) {
+    const std::string_view source = _document->sourceOf(**_definition);
+    for (const QXDAOMethodArgument& argument : *method.arguments()) {
+      const std::string_view name = argument.name().value_or(std::string_view());
+      const std::size_t first = findSqlWord(source, name, 0);
+      if (name.empty() || first == source.size() || findSqlWord(source, name, first + 1) < source.size()) continue;
+      if (source.find('@') != std::string_view::npos && isBoundAnywhere(name)) continue;
+      report(SchemaRule::UnusedArgument, (*_definition)->offset + first,
+             "argument '" + std::string(name) + "' is never used", {}, name.size());
+    }
+  }
+
+  [[nodiscard]] bool isBoundAnywhere(std::string_view name) const {
+    return std::any_of(_documents.begin(), _documents.end(), [name](const VerifiedDocument* document) {
+      return document->file->source->text().find(":" + std::string(name)) != std::string_view::npos;
+    });
+  }
+
+  void reportUnused(const std::string& what) {
+    report(SchemaRule::UnusedDefinition, (*_definition)->offset, what + " is never used", {});
+  }
+
+  void report(SchemaRule rule, std::size_t offset, std::string message, std::string help, std::size_t length = 1) {
+    Finding finding;
+    finding.rule = &ruleOf(rule);
+    finding.severity = finding.rule->severity;
+    finding.location = {_document->file, {offset, offset + length}};
+    finding.message = std::move(message);
+    finding.help = std::move(help);
+    finding.definition = *_definition;
+    _findings.push_back(std::move(finding));
+  }
+
+  const DefinitionSet& _set;
+  const SeenUse& _seen;
+  const std::vector<std::pair<std::string, std::string>> _columnTypes;
+  std::vector<const VerifiedDocument*> _documents;
+  std::set<std::string_view> _references;
+  std::set<std::string_view> _usedMaps;
+  const VerifiedDocument* _document = nullptr;
+  const SharedDefinition* _definition = nullptr;
+  std::vector<Finding> _findings;
+};
+
+}  // namespace
+
+std::vector<Finding> findingsOfSet(const DefinitionSet& set, const VerifiedDocuments& documents, const SeenUse& seen,
+                                   SchemaDatabase& schema) {
+  return SetChecker(set, documents, seen, schema).check();
+}
+
+}  // namespace korvex::verification
