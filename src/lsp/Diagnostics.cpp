@@ -22,8 +22,9 @@ constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 // The size of the byte order mark before a text, which the loader removes.
 std::size_t sizeOfMark(std::string_view text) { return text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0; }
 
-// Editors send UTF-8, whatever encoding the file declares. The declaration is overwritten with spaces, so that all
-// offsets stay the same.
+}  // namespace
+
+// The declaration is overwritten with spaces, so that all offsets stay the same.
 std::string withoutEncoding(std::string text) {
   const std::size_t begin = sizeOfMark(text);
   if (!std::string_view(text).substr(begin).starts_with("<?xml")) return text;
@@ -35,6 +36,8 @@ std::string withoutEncoding(std::string text) {
   }
   return text;
 }
+
+namespace {
 
 // Editors show a message on one line.
 std::string messageOf(const Finding& finding) {
@@ -58,16 +61,23 @@ class DiagnosticWriter {
   }
 
  private:
-  // Where the related places of a finding begin; all of them are in this document.
+  // Where the related places of a finding begin.
   [[nodiscard]] Json relatedTo(const Finding& finding) const {
     Json related = Json::array();
     for (const Related& other : finding.related) {
-      related.push_back(
-          {{"location",
-            {{"uri", _text.uri()}, {"range", rangeOf({other.location.span.begin, other.location.span.begin})}}},
-           {"message", other.message}});
+      related.push_back({{"location", placeOf(finding, other.location)}, {"message", other.message}});
     }
     return related;
+  }
+
+  // In another document, columns count code points, which are the same as UTF-16 for almost all text.
+  [[nodiscard]] Json placeOf(const Finding& finding, const Location& location) const {
+    if (location.path() == finding.location.path()) {
+      return {{"uri", _text.uri()}, {"range", rangeOf({location.span.begin, location.span.begin})}};
+    }
+    const XMLPosition begin = location.begin();
+    const Json place = {{"line", begin.line - 1}, {"character", begin.column - 1}};
+    return {{"uri", uriOfPath(location.path())}, {"range", {{"start", place}, {"end", place}}}};
   }
 
   [[nodiscard]] Json rangeOf(Span span) const { return _text.rangeOf({_shift + span.begin, _shift + span.end}); }
@@ -84,14 +94,17 @@ std::vector<Finding> findingsIn(const Document::Result& result) {
 
 }  // namespace
 
-Json diagnosticsOf(const MarkedDocument& document, bool withRelated) {
+Json diagnosticsOf(const MarkedDocument& document, bool withRelated, std::span<const Finding> more) {
   const Document::Result result = Document::fromBytes(withoutEncoding(document.text().text()));
   const DiagnosticWriter writer(document.text(), withRelated);
   Json diagnostics = Json::array();
-  for (const Finding& finding : findingsIn(result)) {
-    diagnostics.push_back(writer.diagnostic(finding));
-    if (diagnostics.size() == maxDiagnostics) break;
-  }
+  const auto write = [&](std::span<const Finding> findings) {
+    for (const Finding& finding : findings) {
+      if (diagnostics.size() < maxDiagnostics) diagnostics.push_back(writer.diagnostic(finding));
+    }
+  };
+  write(findingsIn(result));
+  write(more);
   return diagnostics;
 }
 

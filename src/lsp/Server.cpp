@@ -22,6 +22,9 @@ constexpr int methodNotFound = -32601;
 constexpr int serverNotInitialized = -32002;
 
 constexpr int incrementalSync = 2;
+// While somebody types, the next message comes sooner.
+constexpr int quietMilliseconds = 200;
+
 constexpr int byTriggerCharacter = 2;  // a CompletionTriggerKind
 
 bool isId(const Json& id) { return id.is_string() || id.is_number_integer(); }
@@ -59,11 +62,32 @@ const Server::Notification Server::notifications[] = {
 
 bool Server::run() {
   while (_state != State::Ended && _out) {
+    if (_schemaIsDue && !isInputWaiting(quietMilliseconds)) checkSchema();
     const Frame frame = _reader.next();
     if (frame.status == FrameStatus::End) break;
     handle(frame);
   }
   return _orderly;
+}
+
+bool Server::isInputWaiting(int milliseconds) const {
+  return _isInputWaiting ? _isInputWaiting(milliseconds) : _in.rdbuf()->in_avail() > 0;
+}
+
+// Gives way to a message that comes meanwhile, and is then due again.
+void Server::checkSchema() {
+  const auto found = _schema.check(_workspace, [this] { return !isInputWaiting(0); });
+  if (!found && isInputWaiting(0)) return;
+  _schemaIsDue = false;
+  if (!found) return;
+  for (const auto& [uri, findings] : *found) _urisWithSchema.insert(uri);
+  for (const std::string& uri : std::exchange(_urisWithSchema, {})) {
+    const MarkedDocument* document = _workspace.find(uri);
+    const auto own = found->find(uri);
+    if (!document) continue;
+    publishDiagnostics(*document, own == found->end() ? std::span<const Finding>() : own->second);
+    if (own != found->end()) _urisWithSchema.insert(uri);
+  }
 }
 
 void Server::handle(const Frame& frame) {
@@ -122,6 +146,7 @@ void Server::handleNotification(const std::string& method, const Json& params) {
 Json Server::initialize(const Json& params) {
   _state = State::Initialized;
   _workspace.addFolders(params);
+  _schema.configure(params, _workspace);
   const Json& ofTexts = member(member(params, "capabilities"), "textDocument");
   _snippets = member(member(member(ofTexts, "completion"), "completionItem"), "snippetSupport") == true;
   _relatedInformation = member(member(ofTexts, "publishDiagnostics"), "relatedInformation") == true;
@@ -178,6 +203,7 @@ void Server::didOpen(const Json& params) {
   const std::string uri = uriIn(params);
   const Json& text = member(member(params, "textDocument"), "text");
   if (!uri.empty() && text.is_string()) publishDiagnostics(_workspace.open(uri, text.get<std::string>()));
+  _schemaIsDue = _schema.isWanted();
 }
 
 void Server::didChange(const Json& params) {
@@ -186,6 +212,7 @@ void Server::didChange(const Json& params) {
   if (!document || !changes.is_array()) return;
   for (const Json& change : changes) document->change(change);
   publishDiagnostics(*document);
+  _schemaIsDue = _schema.isWanted();
 }
 
 // A closed document no longer has findings.
@@ -193,12 +220,14 @@ void Server::didClose(const Json& params) {
   const std::string uri = uriIn(params);
   if (uri.empty()) return;
   _workspace.close(uri);
+  _schemaIsDue = _schema.isWanted();
   send({{"method", "textDocument/publishDiagnostics"}, {"params", {{"uri", uri}, {"diagnostics", Json::array()}}}});
 }
 
-void Server::publishDiagnostics(const MarkedDocument& document) {
+void Server::publishDiagnostics(const MarkedDocument& document, std::span<const Finding> ofSchema) {
+  const Json diagnostics = diagnosticsOf(document, _relatedInformation, ofSchema);
   send({{"method", "textDocument/publishDiagnostics"},
-        {"params", {{"uri", document.text().uri()}, {"diagnostics", diagnosticsOf(document, _relatedInformation)}}}});
+        {"params", {{"uri", document.text().uri()}, {"diagnostics", diagnostics}}}});
 }
 
 MarkedDocument* Server::documentIn(const Json& params) { return _workspace.find(uriIn(params)); }

@@ -73,6 +73,27 @@ void Workspace::forEachMapName(const std::function<void(const std::string& uri, 
   }
 }
 
+void Workspace::forEachText(const TextVisitor& visit) const {
+  constexpr std::uintmax_t maxTextBytes = std::uintmax_t{16} * 1024 * 1024;
+  std::set<std::string, std::less<>> openPaths;
+  for (const auto& [uri, document] : _open) {
+    const std::string path = pathOfUri(uri);
+    openPaths.insert(path);
+    visit(path.empty() ? uri : path, uri, document->text().text());
+  }
+  if (_folders.empty()) return;
+  std::uintmax_t bytes = 0;
+  std::size_t files = 0;
+  for (const std::string& path : findInputFiles(_folders).files) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (error || openPaths.contains(path) || size > maxFileBytes || bytes + size > maxTextBytes) continue;
+    if (files++ == maxFiles) return;
+    bytes += size;
+    visit(path, {}, bytesOf(path, size));
+  }
+}
+
 void Workspace::readFiles() const {
   if (_folders.empty()) return;
   ReadFiles before = std::exchange(_files, {});

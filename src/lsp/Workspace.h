@@ -57,6 +57,13 @@ class Workspace {
   // Null when it is not open.
   [[nodiscard]] MarkedDocument* find(const std::string& uri);
 
+  [[nodiscard]] const std::vector<std::string>& folders() const { return _folders; }
+
+  // Visits the open documents, and then the *.xml files below the folders that are not open, which have no URI here.
+  // Files of more than 4 MiB are left out, and so is everything beyond 10,000 files or 16 MiB.
+  using TextVisitor = std::function<void(const std::string& path, const std::string& uri, const std::string& text)>;
+  void forEachText(const TextVisitor& visit) const;
+
   // Visits the names of maps in every open document, then those in the *.xml files below the folders that are not open.
   // Files that cannot be read or have more than 4 MiB are left out, and so is everything beyond 10,000 files or 128
   // MiB.

@@ -14,7 +14,7 @@
 #include "tool/Counted.h"
 #include "tool/InputFiles.h"
 #include "tool/OutOfMemory.h"
-#include "tool/SchemaCheck.h"
+#include "verification/SchemaCheck.h"
 
 namespace korvex {
 namespace {
@@ -39,6 +39,15 @@ WarningSelection selectionOf(const CheckOptions& options) {
   for (const std::string& name : options.noWarnings) selection.want(*ruleNamed(name), false);
   if (options.warningsAreErrors) selection.treatAsErrors();
   return selection;
+}
+
+// "12 methods checked against the schema, in 96 variants".
+std::string describe(const verification::VerificationTotals& totals) {
+  std::string line =
+      counted(totals.methods, "method") + " checked against the schema, in " + counted(totals.variants, "variant");
+  if (totals.chosen > 0) line += "; " + counted(totals.chosen, "method") + " by a covering choice of variants";
+  if (totals.stopped > 0) line += ", " + std::to_string(totals.stopped) + " of them in part";
+  return line + '\n';
 }
 
 // One run of the command.
@@ -89,7 +98,7 @@ class Check {
   }
 
   void checkSchema() {
-    const SchemaCheckResult result = _schemaCheck.run(_options.schema, _options.extensions);
+    const verification::SchemaCheckResult result = _schemaCheck.run(_options.schema, _options.extensions);
     if (!result.unreadable.empty()) return addUnreadable({_options.schema, result.unreadable});
     for (const Finding& finding : result.findings) {
       const bool known = finding.rule == &ruleOf(SchemaRule::NotRunnable) && _places.contains(placeOf(finding));
@@ -138,7 +147,7 @@ class Check {
   std::unique_ptr<CheckReport> _report;
   WarningSelection _selection;
   SetCheck _set;
-  SchemaCheck _schemaCheck;
+  verification::SchemaCheck _schemaCheck;
   std::set<Place> _places;  // of the findings, if there is a schema: what makes a definition faulty is told once
   std::string _verified;    // what the check against the schema covered
   CheckTotals _totals;

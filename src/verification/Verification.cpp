@@ -65,10 +65,14 @@ class Verification::Work {
     std::move(found.begin(), found.end(), std::back_inserter(findings));
   }
 
-  void checkMethods() {
+  bool checkMethods(const std::function<bool()>& goesOn) {
     _tables = _schema.tableNames();
     _columns = _schema.columnNames();
-    for (const Plan* plan : _set.plans()) checkPlan(*plan);
+    for (const Plan* plan : _set.plans()) {
+      if (goesOn && !goesOn()) return false;
+      checkPlan(*plan);
+    }
+    return true;
   }
 
   VerificationTotals totals;
@@ -316,7 +320,7 @@ Verification::~Verification() = default;
 
 void Verification::runUpgrades() { _work->runUpgrades(); }
 
-void Verification::checkMethods() { _work->checkMethods(); }
+bool Verification::checkMethods(const std::function<bool()>& goesOn) { return _work->checkMethods(goesOn); }
 
 void Verification::checkSet() { _work->checkSet(); }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -27,7 +28,8 @@ class Verification {
 
   // Runs the upgrades from the first to the last, so that the schema becomes theirs.
   void runUpgrades();
-  void checkMethods();
+  // False if goesOn() was false before the last method.
+  bool checkMethods(const std::function<bool()>& goesOn = {});
   // What the set does not use, after the methods.
   void checkSet();
 

@@ -552,5 +552,33 @@ TEST(LanguageServer, UrisAndPathsAreTheSame) {
   EXPECT_EQ(pathOfUri("https://example/a"), "");
 }
 
+// Findings in SQL come when no message is waiting, for all open documents, together with those of each document.
+TEST(LanguageServer, ChecksSqlAgainstASchema) {
+  const std::string other = "file:///nowhere/schema.xml";
+  const std::string upgrade = "<k><upgrade toVersion='1'>CREATE TABLE p (name TEXT)</upgrade></k>";
+  const std::string method = "<k><select id='a' result='[string]' x='1'>SELECT nam FROM p</select></k>";
+  const auto change =
+      notification("textDocument/didChange",
+                   {{"textDocument", {{"uri", other}}},
+                    {"contentChanges", {{{"text", "<k><upgrade toVersion='1'>CREATE TABLE p (nam)</upgrade></k>"}}}}});
+  const auto diagnostics = [&](const Json& options, const std::string& more) {
+    const Session session(request(0, "initialize", {{"initializationOptions", options}}) + notification("initialized") +
+                          opened(upgrade, other) + opened(method) + more);
+    std::string codes;
+    for (const Json& message : session.messages) {
+      if (!message.contains("params") || message["params"]["uri"] != uri) continue;
+      codes = "";
+      for (const Json& diagnostic : message["params"]["diagnostics"]) {
+        codes += diagnostic["code"].get<std::string>() + " " + diagnostic["range"]["start"]["character"].dump() + ";";
+      }
+    }
+    return codes;
+  };
+  EXPECT_EQ(diagnostics(Json::object(), ""), "unread-attribute 36;");
+  EXPECT_EQ(diagnostics({{"schema", "upgrades"}}, ""), "unread-attribute 36;sql 49;");
+  EXPECT_EQ(diagnostics({{"schema", "upgrades"}}, change), "unread-attribute 36;");
+  EXPECT_EQ(diagnostics({{"schema", "/nowhere/none.sql"}}, ""), "unread-attribute 36;");
+}
+
 }  // namespace
 }  // namespace korvex::lsp

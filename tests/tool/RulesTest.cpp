@@ -8,7 +8,7 @@
 #include "korvex/Definition.h"
 #include "korvex/Document.h"
 #include "tests/support/RunTool.h"
-#include "tool/SchemaCheck.h"
+#include "verification/SchemaCheck.h"
 
 namespace korvex {
 namespace {
@@ -28,7 +28,7 @@ std::vector<Finding> findingsIn(const Rule& rule, std::string_view example) {
   auto result = Document::fromBytes(wrapped(example), limitsFor(rule));
   if (!result.document) return {findingOf("example", *result.error, result.source)};
   if (std::holds_alternative<SchemaRule>(rule.id)) {
-    SchemaCheck check;
+    verification::SchemaCheck check;
     check.add("example", std::move(result.document));
     return check.run("upgrades", {}).findings;
   }

@@ -1,4 +1,4 @@
-#include "tool/SchemaCheck.h"
+#include "verification/SchemaCheck.h"
 
 #include <algorithm>
 #include <array>
@@ -11,16 +11,14 @@
 
 #include "checks/Suppressions.h"
 #include "checks/WarningList.h"
-#include "tool/Counted.h"
 
-namespace korvex {
+namespace korvex::verification {
 namespace {
 
-constexpr std::string_view ofUpgrades = "upgrades";
 constexpr std::string_view databaseHeader("SQLite format 3\0", 16);
 
 // A script as a whole, or the beginning of a database; absent if it cannot be read.
-std::optional<std::string> readSchema(const std::string& path) {
+std::optional<std::string> schemaText(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::string text(databaseHeader.size(), '\0');
   file.read(text.data(), static_cast<std::streamsize>(text.size()));
@@ -35,7 +33,7 @@ std::optional<std::string> readSchema(const std::string& path) {
   return text.size() <= maxScript ? std::optional(text) : std::nullopt;
 }
 
-Finding faultOfScript(const std::string& path, const std::string& text, const verification::ScriptFault& fault) {
+Finding faultOfScript(const std::string& path, const std::string& text, const ScriptFault& fault) {
   Finding finding;
   finding.rule = &ruleOf(SchemaRule::Sql);
   finding.severity = finding.rule->severity;
@@ -47,7 +45,7 @@ Finding faultOfScript(const std::string& path, const std::string& text, const ve
   return finding;
 }
 
-Finding faultOfSet(const verification::VerifiedDocument& document, std::size_t offset, const DefinitionError& error) {
+Finding faultOfSet(const VerifiedDocument& document, std::size_t offset, const DefinitionError& error) {
   Finding finding;
   finding.rule = &ruleOf(SchemaRule::NotRunnable);
   finding.severity = finding.rule->severity;
@@ -59,7 +57,7 @@ Finding faultOfSet(const verification::VerifiedDocument& document, std::size_t o
 }  // namespace
 
 void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> document) {
-  verification::VerifiedDocument& verified = _verified[path];
+  VerifiedDocument& verified = _verified[path];
   verified.file = std::make_shared<const CheckedFile>(CheckedFile{path, document->sharedSource()});
   for (const Definition& definition : loadDefinitions(*document)) {
     verified.definitions.push_back(inDefinition(definition));
@@ -70,7 +68,7 @@ void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> documen
 }
 
 // Why a definition is rejected has been told.
-bool SchemaCheck::isInRejected(const verification::VerifiedDocument& document, std::size_t offset) const {
+bool SchemaCheck::isInRejected(const VerifiedDocument& document, std::size_t offset) const {
   const auto* definition = document.definitionAt(offset);
   return definition && _rejected.contains(definition->get());
 }
@@ -90,12 +88,13 @@ void SchemaCheck::removeSuppressed(std::vector<Finding>& findings) const {
   }
 }
 
-SchemaCheckResult SchemaCheck::run(const std::string& source, const verification::AppExtensions& extensions) {
+SchemaCheckResult SchemaCheck::run(const std::string& source, const AppExtensions& extensions,
+                                   const std::function<bool()>& goesOn) {
   SchemaCheckResult result;
-  verification::SchemaDatabase schema(extensions);
-  const bool upgrades = source == ofUpgrades;
+  SchemaDatabase schema(extensions);
+  const bool upgrades = source == schemaOfUpgrades;
   if (!upgrades) {
-    const auto text = readSchema(source);
+    const auto text = schemaText(source);
     if (!text) {
       result.unreadable = "the schema cannot be read: give 'upgrades', an SQL script, or a database";
     } else if (*text == databaseHeader) {
@@ -105,17 +104,17 @@ SchemaCheckResult SchemaCheck::run(const std::string& source, const verification
     }
     if (!result.unreadable.empty() || !result.findings.empty()) return result;
   }
-  const verification::RunnableSet runnable = verification::runnableSetOf(_documents);
+  const RunnableSet runnable = runnableSetOf(_documents);
   for (const DefinitionError& error : runnable.errors) {
-    const verification::VerifiedDocument& document = _verified.find(error.document)->second;
-    const std::size_t offset = verification::offsetOf(*document.file->source, error.position);
+    const VerifiedDocument& document = _verified.find(error.document)->second;
+    const std::size_t offset = offsetOf(*document.file->source, error.position);
     if (!isInRejected(document, offset)) result.findings.push_back(faultOfSet(document, offset, error));
   }
   if (!runnable.set) return result;
-  verification::Verification verification(*runnable.set, schema, _verified);
+  Verification verification(*runnable.set, schema, _verified);
   if (upgrades) verification.runUpgrades();
-  verification.checkMethods();
-  verification.checkSet();
+  result.whole = verification.checkMethods(goesOn);
+  if (result.whole) verification.checkSet();
   std::vector<Finding> found = verification.takeFindings();
   std::move(found.begin(), found.end(), std::back_inserter(result.findings));
   removeSuppressed(result.findings);
@@ -123,12 +122,4 @@ SchemaCheckResult SchemaCheck::run(const std::string& source, const verification
   return result;
 }
 
-std::string describe(const verification::VerificationTotals& totals) {
-  std::string line =
-      counted(totals.methods, "method") + " checked against the schema, in " + counted(totals.variants, "variant");
-  if (totals.chosen > 0) line += "; " + counted(totals.chosen, "method") + " by a covering choice of variants";
-  if (totals.stopped > 0) line += ", " + std::to_string(totals.stopped) + " of them in part";
-  return line + '\n';
-}
-
-}  // namespace korvex
+}  // namespace korvex::verification
