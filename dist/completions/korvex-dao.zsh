@@ -9,6 +9,7 @@ _korvex-dao() {
     'unpack:Print what a packed column holds'
     'run:Run a method on an SQLite database'
     'upgrade:Upgrade an SQLite database to the newest version'
+    'sql:Print the variants of a method as SQL'
     'schema:Print a schema of definition documents, for editors'
     'lsp:Serve an editor as a language server'
     'completion:Print a shell completion script for korvex-dao'
@@ -29,13 +30,14 @@ _korvex-dao() {
             '(-h --help)--help[Print this help message and exit]' \
             '(--format)--format=[The output format\: text (default), short, json, sarif, or github]:WORD:(github json sarif short text)' \
             '(--color)--color=[When to use color\: always, never, or auto (default)\: on a terminal, unless NO_COLOR is set]:WORD:(always auto never)' \
-            '*--warn=[Enable the warnings with this name; repeatable]:NAME:(reading-update lost-where unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
-            '*--no-warn=[Disable the warnings with this name; repeatable]:NAME:(reading-update lost-where unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
+            '*--warn=[Enable the warnings with this name; repeatable]:NAME:(reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
+            '*--no-warn=[Disable the warnings with this name; repeatable]:NAME:(reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
             '(--werror)--werror[Treat warnings as errors]' \
             '(--schema)--schema=[Check all SQL against a schema\: '\''upgrades'\'' for that of the upgrades, an SQL script, or a database]:SOURCE: ' \
             '*--function=[Declare an SQL function of the app, NAME/ARGS; repeatable]:NAME/ARGS: ' \
             '*--collation=[Declare a collation of the app; repeatable]:NAME: ' \
             '*--module=[Declare a module of virtual tables of the app; repeatable]:NAME: ' \
+            '*--indexed=[Warn where a statement reads all rows of this table; repeatable]:TABLE: ' \
             '(--no-strict)--no-strict[Skip the well-formedness check; only for documents that have passed it before]' \
             '(--keep-white-space)--keep-white-space[Keep white-space-only text; maps with indented children are then rejected]' \
             '(--max-bytes)--max-bytes=[The maximum size of a document in bytes (default\: 67108864)]:N: ' \
@@ -90,6 +92,19 @@ _korvex-dao() {
             '(-h --help)--help[Print this help message and exit]' \
             '(--db)--db=[The database]:FILE:_files' \
             ':PATH:_files'
+          ;;
+        sql)
+          _arguments \
+            '(-h --help)-h[Print this help message and exit]' \
+            '(-h --help)--help[Print this help message and exit]' \
+            '(--schema)--schema=[Prepare each variant\: '\''upgrades'\'' for the schema of the upgrades, an SQL script, or a database]:SOURCE: ' \
+            '*--function=[Declare an SQL function of the app, NAME/ARGS; repeatable]:NAME/ARGS: ' \
+            '*--collation=[Declare a collation of the app; repeatable]:NAME: ' \
+            '*--module=[Declare a module of virtual tables of the app; repeatable]:NAME: ' \
+            '(--plan)--plan[Print SQLite'\''s query plan of each variant]' \
+            '(--table)--table=[The table for a method with assignedTable (default\: T)]:NAME: ' \
+            ':PATH:_files' \
+            ':METHOD: '
           ;;
         schema)
           _arguments \

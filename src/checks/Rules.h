@@ -42,6 +42,7 @@ enum class SchemaRule {
   Sql,
   ReadingUpdate,
   LostWhere,
+  FullScan,
   UnreadColumns,
   RepeatedResultColumn,
   UnyieldedColumn,

@@ -7,7 +7,7 @@
 
 namespace korvex {
 
-inline constexpr std::array<Rule, 10> schemaRules = {{
+inline constexpr std::array<Rule, 11> schemaRules = {{
     {SchemaRule::NotRunnable, "not-runnable", Severity::Error, true, "A definition that cannot be run",
      "Declare the value, or correct the name.",
      "With --schema, the definitions are built to a set as the engine builds it. Values that no argument declares, "
@@ -56,6 +56,19 @@ inline constexpr std::array<Rule, 10> schemaRules = {{
   DELETE FROM person
   <where onVoid="quit"><if true="personId">id = :personId</if></where>
 </delete>)"},
+    {SchemaRule::FullScan, "full-scan", Severity::Warning, true, "A statement reads all rows of an indexed table",
+     "Add an index, or a condition that uses one.",
+     "For each table that --indexed names, SQLite's query plan of every variant is searched for a scan without an "
+     "index. "
+     "'korvex-dao sql --plan' shows the plans.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>
+<select id="ids" result="[long long]">
+  SELECT rowid FROM person WHERE name LIKE 'A%'
+</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>
+<select id="ids" result="[long long]">
+  SELECT rowid FROM person WHERE rowid > 7
+</select>)"},
     {SchemaRule::UnreadColumns, "unread-columns", Severity::Warning, true,
      "A scalar result of a select with several columns", "Remove the other columns, or use a result that has columns.",
      "A scalar result such as int or string reads the first column of each row and ignores the others.",

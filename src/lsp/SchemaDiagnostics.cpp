@@ -27,7 +27,8 @@ std::vector<std::string> namesIn(const Json& options, const char* key) {
 void SchemaDiagnostics::configure(const Json& initializeParams, const Workspace& workspace) {
   const Json& options = member(initializeParams, "initializationOptions");
   _source = stringOf(member(options, "schema"));
-  _extensions = {namesIn(options, "functions"), namesIn(options, "collations"), namesIn(options, "modules")};
+  _extensions = {namesIn(options, "functions"), namesIn(options, "collations"), namesIn(options, "modules"),
+                 namesIn(options, "indexed")};
   const bool isPath = !_source.empty() && _source != verification::schemaOfUpgrades;
   if (isPath && !workspace.folders().empty()) {
     _source = (std::filesystem::path(workspace.folders().front()) / _source).string();

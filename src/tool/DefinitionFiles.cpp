@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "checks/NearMiss.h"
 #include "korvex/Definition.h"
 #include "korvex/Document.h"
 #include "tool/InputFiles.h"
@@ -64,6 +65,13 @@ class SetOfFiles {
 
 LoadedDefinitions loadedDefinitions(const std::string& path, const Console& console) {
   return SetOfFiles(console).load(path);
+}
+
+std::string unknownMethod(const std::string& name, const DefinitionSet& set) {
+  std::vector<std::string_view> names;
+  for (const Plan* plan : set.plans()) names.push_back(plan->name());
+  const std::string hint = didYouMean(name, names);
+  return "no method has the name '" + visibleText(name) + "'" + (hint.empty() ? "" : "; ") + hint;
 }
 
 }  // namespace korvex

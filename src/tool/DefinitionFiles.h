@@ -17,4 +17,7 @@ struct LoadedDefinitions {
 // Reads a file, a directory's *.xml files, or console.in for "-". Prints errors to `console.err`.
 [[nodiscard]] LoadedDefinitions loadedDefinitions(const std::string& path, const Console& console);
 
+// What to say when the set has no such method.
+[[nodiscard]] std::string unknownMethod(const std::string& name, const DefinitionSet& set);
+
 }  // namespace korvex

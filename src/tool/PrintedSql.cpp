@@ -15,14 +15,6 @@ ExitCode failAt(const Console& console, const PlanError& error) {
   return ExitCodeTrouble;
 }
 
-std::string headingOf(const Plan& plan, std::size_t entry, std::size_t unit) {
-  std::string heading;
-  if (plan.method().foreach ()) heading += " entry " + std::to_string(entry + 1);
-  if (plan.structure() == PlanStructure::Steps) heading += " step " + std::to_string(unit + 1);
-  if (plan.structure() == PlanStructure::Try) heading += unit == 0 ? " try" : " except";
-  return heading.empty() ? heading : "--" + heading + '\n';
-}
-
 // The SQL is printed unescaped, because it is the document's own text.
 void printUnit(std::ostream& out, const Assembly& assembly) {
   if (assembly.quits() || assembly.empty()) {
@@ -39,6 +31,14 @@ void printUnit(std::ostream& out, const Assembly& assembly) {
 
 }  // namespace
 
+std::string headingOf(const Plan& plan, std::optional<std::size_t> entry, std::size_t unit) {
+  std::string heading;
+  if (entry) heading += " entry " + std::to_string(*entry + 1);
+  if (plan.structure() == PlanStructure::Steps) heading += " step " + std::to_string(unit + 1);
+  if (plan.structure() == PlanStructure::Try) heading += unit == 0 ? " try" : " except";
+  return heading.empty() ? heading : "--" + heading + '\n';
+}
+
 ExitCode printSql(const Plan& plan, const Arguments& arguments, std::string_view table, const Console& console) {
   Assembly assembly;
   if (const auto error = assembly.begin(plan, arguments, table)) return failAt(console, *error);
@@ -48,7 +48,7 @@ ExitCode printSql(const Plan& plan, const Arguments& arguments, std::string_view
     if (loops) assembly.chooseEntry(entry);
     for (std::size_t unit = 0; unit < plan.units().size(); ++unit) {
       if (const auto error = assembly.assemble(plan.units()[unit])) return failAt(console, *error);
-      console.out << headingOf(plan, entry, unit);
+      console.out << headingOf(plan, loops ? std::optional(entry) : std::nullopt, unit);
       printUnit(console.out, assembly);
       if (assembly.quits()) break;
     }

@@ -1,6 +1,9 @@
 // Prints what a method would run.
 #pragma once
 
+#include <cstddef>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include "korvex/Plan.h"
@@ -12,5 +15,8 @@ namespace korvex {
 // of every entry; both blocks of a try are printed.
 [[nodiscard]] ExitCode printSql(const Plan& plan, const Arguments& arguments, std::string_view table,
                                 const Console& console);
+
+// "-- step 2" and so on, as a line; empty for the only unit. The entry is that of a method's foreach, if one is chosen.
+[[nodiscard]] std::string headingOf(const Plan& plan, std::optional<std::size_t> entry, std::size_t unit);
 
 }  // namespace korvex

@@ -3,7 +3,6 @@
 #include <ostream>
 #include <utility>
 
-#include "checks/NearMiss.h"
 #include "korvex/sqlite/Database.h"
 #include "tool/Counted.h"
 #include "tool/DatabaseFailure.h"
@@ -69,13 +68,6 @@ ReadArguments readArguments(const RunOptions& options, std::istream& in) {
 ExitCode fail(const Console& console, const std::string& message) {
   console.err << "korvex-dao: " << message << '\n';
   return ExitCodeTrouble;
-}
-
-std::string unknownMethod(const std::string& name, const DefinitionSet& set) {
-  std::vector<std::string_view> names;
-  for (const Plan* plan : set.plans()) names.push_back(plan->name());
-  const std::string hint = didYouMean(name, names);
-  return "no method has the name '" + visibleText(name) + "'" + (hint.empty() ? "" : "; ") + hint;
 }
 
 ExitCode select(Database& database, const Plan& plan, const Arguments& arguments, const RunOptions& options,

@@ -23,6 +23,7 @@
 #include "tool/RuleText.h"
 #include "tool/RunCommand.h"
 #include "tool/SchemaCommand.h"
+#include "tool/SqlCommand.h"
 #include "tool/UnpackCommand.h"
 #include "tool/UpgradeCommand.h"
 #include "tool/VisibleText.h"
@@ -75,6 +76,19 @@ Exit codes:
   1  at least one error; with --werror, at least one error or warning
   2  invalid usage, an unreadable input or a directory without *.xml files (the
      other inputs are still checked), or output that cannot be written)";
+
+constexpr const char* sqlFooter = R"(Prints each SQL that arguments can give the method, with its conditions: each
+condition true and false, lists of 0, 1 and 2 entries. With --schema, it says what
+SQLite refuses, and with --plan how it would run the rest.
+
+Examples:
+  korvex-dao sql definitions/ searchPersons
+  korvex-dao sql --schema upgrades --plan definitions/ searchPersons
+
+Exit codes:
+  0  success
+  1  a definition is rejected, or SQLite refuses a variant
+  2  invalid usage, unreadable input, or output that cannot be written)";
 
 constexpr const char* explainFooter = R"(Each finding of check ends with the name of its rule in brackets. Without RULE,
 all rules are listed: name, severity, default, and how to follow the rule.
@@ -225,24 +239,22 @@ std::string badFunction(const std::string& declaration) {
   return "'" + visibleText(declaration) + "' is no function: write NAME/ARGS, such as distance/2 or join/*";
 }
 
-void addSchemaOptions(CLI::App& command, CheckOptions& options) {
-  command
-      .add_option("--schema", options.schema,
-                  "Check all SQL against a schema: 'upgrades' for that of the upgrades, an SQL script, or a database")
-      ->type_name("SOURCE");
-  const auto declare = [&command](const char* name, std::vector<std::string>& names, const char* help) {
-    return command.add_option(name, names, help)
+void addSchemaOptions(CLI::App& command, std::string& schema, verification::AppExtensions& extensions,
+                      const char* help) {
+  command.add_option("--schema", schema, help)->type_name("SOURCE");
+  const auto declare = [&command](const char* name, std::vector<std::string>& names, const char* declared) {
+    return command.add_option(name, names, declared)
         ->type_name("NAME")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->allow_extra_args(false)
         ->needs("--schema");
   };
-  declare("--function", options.extensions.functions, "Declare an SQL function of the app, NAME/ARGS; repeatable")
+  declare("--function", extensions.functions, "Declare an SQL function of the app, NAME/ARGS; repeatable")
       ->check(CLI::Validator(badFunction, "", "function"))
       ->type_name("NAME/ARGS");
-  declare("--collation", options.extensions.collations, "Declare a collation of the app; repeatable");
-  declare("--module", options.extensions.modules, "Declare a module of virtual tables of the app; repeatable");
+  declare("--collation", extensions.collations, "Declare a collation of the app; repeatable");
+  declare("--module", extensions.modules, "Declare a module of virtual tables of the app; repeatable");
 }
 
 CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
@@ -263,7 +275,16 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
   addWarnings(*command, "--warn", options.warnings, "Enable the warnings with this name; repeatable");
   addWarnings(*command, "--no-warn", options.noWarnings, "Disable the warnings with this name; repeatable");
   command->add_flag("--werror", options.warningsAreErrors, "Treat warnings as errors");
-  addSchemaOptions(*command, options);
+  addSchemaOptions(*command, options.schema, options.extensions,
+                   "Check all SQL against a schema: 'upgrades' for that of the upgrades, an SQL script, or a database");
+  command
+      ->add_option("--indexed", options.extensions.indexed,
+                   "Warn where a statement reads all rows of this table; repeatable")
+      ->type_name("TABLE")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->allow_extra_args(false)
+      ->needs("--schema");
   addLoadOptions(*command, options.load);
   command->footer(std::string(checkFindings).append(warningList()).append(checkFooter));
   return command;
@@ -349,6 +370,21 @@ CLI::App* addRun(CLI::App& tool, RunOptions& options) {
   return command;
 }
 
+CLI::App* addSql(CLI::App& tool, SqlOptions& options) {
+  CLI::App* command = tool.add_subcommand("sql", "Print the variants of a method as SQL");
+  command->add_option("PATH", options.definitions, "The definitions: a file, a directory, or - for standard input")
+      ->required()
+      ->type_name("");
+  command->add_option("METHOD", options.method, "The name of a method")->required()->type_name("");
+  addSchemaOptions(*command, options.schema, options.extensions,
+                   "Prepare each variant: 'upgrades' for the schema of the upgrades, an SQL script, or a database");
+  command->add_flag("--plan", options.queryPlans, "Print SQLite's query plan of each variant")->needs("--schema");
+  command->add_option("--table", options.table, "The table for a method with assignedTable (default: T)")
+      ->type_name("NAME");
+  command->footer(sqlFooter);
+  return command;
+}
+
 CLI::App* addUpgrade(CLI::App& tool, UpgradeOptions& options) {
   CLI::App* command = tool.add_subcommand("upgrade", "Upgrade an SQLite database to the newest version");
   command->add_option("PATH", options.definitions, "The definitions: a file, a directory, or - for standard input")
@@ -426,6 +462,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   UnpackOptions unpackOptions;
   RunOptions runOptions;
   UpgradeOptions upgradeOptions;
+  SqlOptions sqlOptions;
   SchemaOptions schemaOptions;
   LanguageServerOptions serverOptions;
   const CLI::App* check = addCheck(tool, checkOptions);
@@ -434,6 +471,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   const CLI::App* unpack = addUnpack(tool, unpackOptions);
   const CLI::App* run = addRun(tool, runOptions);
   const CLI::App* upgrade = addUpgrade(tool, upgradeOptions);
+  const CLI::App* sql = addSql(tool, sqlOptions);
   const CLI::App* schema = addSchema(tool, schemaOptions);
   const CLI::App* server = addLanguageServer(tool, serverOptions);
   addCompletion(tool, console);
@@ -453,6 +491,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   if (dump->parsed()) return runDump(dumpOptions, console);
   if (run->parsed()) return runMethod(runOptions, console);
   if (upgrade->parsed()) return runUpgrade(upgradeOptions, console);
+  if (sql->parsed()) return printVariants(sqlOptions, console);
   if (schema->parsed()) return runSchema(schemaOptions, console);
   if (server->parsed()) return runLanguageServer(serverOptions, console);
   if (unpack->parsed()) return runUnpack(unpackOptions, console);

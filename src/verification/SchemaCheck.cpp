@@ -1,12 +1,8 @@
 #include "verification/SchemaCheck.h"
 
 #include <algorithm>
-#include <array>
-#include <fstream>
 #include <iterator>
-#include <optional>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "checks/Suppressions.h"
@@ -14,24 +10,6 @@
 
 namespace korvex::verification {
 namespace {
-
-constexpr std::string_view databaseHeader("SQLite format 3\0", 16);
-
-// A script as a whole, or the beginning of a database; absent if it cannot be read.
-std::optional<std::string> schemaText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string text(databaseHeader.size(), '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<std::size_t>(file.gcount()));
-  if (!file && !file.eof()) return std::nullopt;
-  if (text == databaseHeader) return text;
-  constexpr std::size_t maxScript = std::size_t{16} << 20U;
-  std::array<char, 65536> block{};
-  while (text.size() <= maxScript && (file.read(block.data(), block.size()), file.gcount() > 0)) {
-    text.append(block.data(), static_cast<std::size_t>(file.gcount()));
-  }
-  return text.size() <= maxScript ? std::optional(text) : std::nullopt;
-}
 
 Finding faultOfScript(const std::string& path, const std::string& text, const ScriptFault& fault) {
   Finding finding;
@@ -94,14 +72,9 @@ SchemaCheckResult SchemaCheck::run(const std::string& source, const AppExtension
   SchemaDatabase schema(extensions);
   const bool upgrades = source == schemaOfUpgrades;
   if (!upgrades) {
-    const auto text = schemaText(source);
-    if (!text) {
-      result.unreadable = "the schema cannot be read: give 'upgrades', an SQL script, or a database";
-    } else if (*text == databaseHeader) {
-      result.unreadable = schema.copySchemaOf(source).value_or(std::string());
-    } else if (const auto fault = schema.runScript(*text)) {
-      result.findings.push_back(faultOfScript(source, *text, *fault));
-    }
+    const SchemaFile file = readSchemaFile(schema, source);
+    result.unreadable = file.unreadable;
+    if (file.fault) result.findings.push_back(faultOfScript(source, file.script, *file.fault));
     if (!result.unreadable.empty() || !result.findings.empty()) return result;
   }
   const RunnableSet runnable = runnableSetOf(_documents);

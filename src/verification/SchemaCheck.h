@@ -6,19 +6,16 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "checks/Finding.h"
 #include "korvex/Document.h"
 #include "verification/RunnableSet.h"
 #include "verification/SchemaDatabase.h"
+#include "verification/SchemaSource.h"
 #include "verification/Verification.h"
 
 namespace korvex::verification {
-
-// The source of a schema that stands for the upgrades of the documents.
-inline constexpr std::string_view schemaOfUpgrades = "upgrades";
 
 struct SchemaCheckResult {
   std::vector<Finding> findings;

@@ -135,6 +135,7 @@ void SchemaDatabase::declare(const AppExtensions& extensions) {
   for (const std::string& name : extensions.collations) {
     sqlite3_create_collation_v2(_database, name.c_str(), SQLITE_UTF8, nullptr, compareNothing, nullptr);
   }
+  _indexed = extensions.indexed;
   for (const std::string& name : extensions.modules) declareStandInModule(*_database, name.c_str());
 }
 

@@ -21,6 +21,7 @@ struct AppExtensions {
   std::vector<std::string> functions;   // "NAME/ARGS"; "*" for any number of arguments
   std::vector<std::string> collations;  // names
   std::vector<std::string> modules;     // of virtual tables, names
+  std::vector<std::string> indexed;     // tables that no statement should read as a whole
 };
 
 // Whether a text has the form "NAME/ARGS".
@@ -58,6 +59,8 @@ class SchemaDatabase {
 
   [[nodiscard]] sqlite3& handle() const { return *_database; }
 
+  [[nodiscard]] const std::vector<std::string>& indexedTables() const { return _indexed; }
+
   // Runs all statements of a script up to the first that fails.
   [[nodiscard]] std::optional<ScriptFault> runScript(std::string_view sql);
   // Creates what the file has, without rows. The file is opened for reading only. Returns why it cannot be read.
@@ -87,6 +90,7 @@ class SchemaDatabase {
   static int count(void* self);
 
   sqlite3* _database = nullptr;
+  std::vector<std::string> _indexed;
   long _budget = 0;  // of the running statement, in thousands of instructions
   bool _trusted = false;
   bool _changesSchema = false;

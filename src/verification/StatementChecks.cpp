@@ -145,6 +145,18 @@ WhereClause whereClauseOf(std::string_view sql) {
   return has("WHERE") ? WhereClause::Present : WhereClause::Missing;
 }
 
+// At the name of the table.
+Defect fullScan(std::string_view sql, const std::string& table) {
+  ByteRange place = codeOf(sql);
+  for (const ByteRange& token : tokensOf(sql)) {
+    if (nameOf(textOf(sql, token)) != table) continue;
+    place = token;
+    break;
+  }
+  return {&ruleOf(SchemaRule::FullScan), "the statement reads all rows of '" + table + "'",
+          "Add an index, or a condition that uses one; 'korvex-dao sql --plan' shows how SQLite runs it.", place};
+}
+
 Defect lostWhere(std::string_view sql) {
   return {&ruleOf(SchemaRule::LostWhere), "without a condition, the statement changes all rows",
           "Write a <where onVoid=\"quit\">, or a condition that is always there.", codeOf(sql)};

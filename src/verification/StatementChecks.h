@@ -21,6 +21,9 @@ enum class WhereClause { NotNeeded, Missing, Present };
 // For a variant without the condition that others have.
 [[nodiscard]] Defect lostWhere(std::string_view sql);
 
+// For a statement that reads all rows of a table.
+[[nodiscard]] Defect fullScan(std::string_view sql, const std::string& table);
+
 // The first word after a statement and its ";".
 [[nodiscard]] std::optional<ByteRange> statementAfter(std::string_view sql, std::size_t end);
 [[nodiscard]] Defect severalStatements(const ByteRange& second);

@@ -14,6 +14,7 @@
 #include "korvex/Plan.h"
 #include "plan/SourcePlaces.h"
 #include "plan/Variants.h"
+#include "verification/QueryPlan.h"
 #include "verification/SetChecks.h"
 #include "verification/SqlFault.h"
 #include "verification/StatementChecks.h"
@@ -160,6 +161,9 @@ class Verification::Work {
       }
       const WhereClause where = variants.variants.size() > 1 ? whereClauseOf(text.sql()) : WhereClause::NotNeeded;
       hasWhere = hasWhere || where == WhereClause::Present;
+      for (const std::string& table : _schema.indexedTables()) {
+        if (scansTable(_schema, text.sql(), table)) failures.add(variant, text, fullScan(text.sql(), table), 0);
+      }
       if (where == WhereClause::Missing) withoutWhere.add(variant, text, lostWhere(text.sql()), 0);
     }
     for (const VariantFailure& failure : failures.failures()) reportFailure(unit, variants, failure);
@@ -257,7 +261,7 @@ class Verification::Work {
   }
 
   void report(const PlanUnit& unit, const VariantText& text, const Defect& fault, const std::string& share) {
-    if (findings.size() >= maxFindings) return;
+    if (findings.size() >= maxFindings || _documents.empty()) return;
     const VariantText::Origin origin = text.originOf(fault.place->begin);
     const Place place = placeOf(origin);
     Finding finding;

@@ -20,7 +20,7 @@ struct VerificationTotals {
   std::size_t stopped = 0;  // those among them for which even that was too much
 };
 
-// The documents must have a source. All references must outlive the object.
+// The documents must have a source; without any, there are no findings. All references must outlive the object.
 class Verification {
  public:
   Verification(const DefinitionSet& set, SchemaDatabase& schema, const VerifiedDocuments& documents);

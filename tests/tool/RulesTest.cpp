@@ -30,7 +30,9 @@ std::vector<Finding> findingsIn(const Rule& rule, std::string_view example) {
   if (std::holds_alternative<SchemaRule>(rule.id)) {
     verification::SchemaCheck check;
     check.add("example", std::move(result.document));
-    return check.run("upgrades", {}).findings;
+    verification::AppExtensions extensions;
+    extensions.indexed = {rule.name == "full-scan" ? "person" : ""};
+    return check.run("upgrades", extensions).findings;
   }
   WarningSelection everyWarning;
   for (const std::string_view name : warningNames()) everyWarning.want(*ruleNamed(name), true);

@@ -166,6 +166,21 @@ TEST(SchemaCheck, ReadsScriptsAndDatabases) {
   EXPECT_EQ(check(database).code, ExitCodeTrouble);
 }
 
+TEST(SqlCommand, SaysWhatSQLiteRefuses) {
+  const std::string document =
+      "<k><upgrade toVersion='1'>CREATE TABLE p (id INTEGER PRIMARY KEY)</upgrade><update id='u' arguments='a, d'>"
+      "<step>UPDATE p SET <if true='a'>x</if><if false='a'>id</if> = 1</step>"
+      "<step>UPDATE p <format pairs='d' prefix='SET ' join=','/></step></update></k>";
+  const Outcome outcome = run({"sql", "--schema", "upgrades", "-", "u"}, document);
+  EXPECT_EQ(outcome.code, ExitCodeSomethingFound);
+  EXPECT_EQ(
+      outcome.out,
+      "-- step 1\n-- 2 variants\n\n-- a is true\nUPDATE p SET x = 1\n-- error: no such column: x\n\n"
+      "-- a is false\nUPDATE p SET id = 1\n-- step 2\n-- 2 variants\n\n-- d has 1 entry\nUPDATE p SET \"key\" = ?\n"
+      "-- error: no such column: key\n\n-- d is empty\nUPDATE p\n-- error: incomplete input\n");
+  EXPECT_EQ(run({"sql", "-", "v"}, document).code, ExitCodeTrouble);
+}
+
 // Whether any finding is given, and whether one is on the line.
 struct Found {
   bool any = false;

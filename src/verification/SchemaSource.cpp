@@ -1,0 +1,49 @@
+#include "verification/SchemaSource.h"
+
+#include <array>
+#include <fstream>
+
+#include "verification/Verification.h"
+
+namespace korvex::verification {
+namespace {
+
+constexpr std::string_view databaseHeader("SQLite format 3\0", 16);
+
+// A script as a whole, or the beginning of a database; absent if it cannot be read.
+std::optional<std::string> schemaText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(databaseHeader.size(), '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (!file && !file.eof()) return std::nullopt;
+  if (text == databaseHeader) return text;
+  constexpr std::size_t maxScript = std::size_t{16} << 20U;
+  std::array<char, 65536> block{};
+  while (text.size() <= maxScript && (file.read(block.data(), block.size()), file.gcount() > 0)) {
+    text.append(block.data(), static_cast<std::size_t>(file.gcount()));
+  }
+  return text.size() <= maxScript ? std::optional(text) : std::nullopt;
+}
+
+}  // namespace
+
+SchemaFile readSchemaFile(SchemaDatabase& schema, const std::string& path) {
+  const auto text = schemaText(path);
+  if (!text) return {"the schema cannot be read: give 'upgrades', an SQL script, or a database", {}, {}};
+  if (*text == databaseHeader) return {schema.copySchemaOf(path).value_or(std::string()), {}, {}};
+  return {{}, *text, schema.runScript(*text)};
+}
+
+std::string fillSchema(SchemaDatabase& schema, const std::string& source, const DefinitionSet& set) {
+  if (source == schemaOfUpgrades) {
+    const VerifiedDocuments none;
+    Verification(set, schema, none).runUpgrades();
+    return {};
+  }
+  const SchemaFile file = readSchemaFile(schema, source);
+  if (!file.unreadable.empty()) return source + ": " + file.unreadable;
+  return file.fault ? source + ": " + file.fault->message : std::string();
+}
+
+}  // namespace korvex::verification
