@@ -26,11 +26,22 @@
 
 namespace korvex {
 
+enum class DefinitionErrorKind : std::uint8_t {
+  Rejected,          // the definition violates a rule of the language
+  DuplicateName,     // or a duplicate version, or argument
+  UnknownReference,  // "@name" is neither a block nor a constant
+  UndeclaredValue,   // ":name", or a name in a condition or a collection, is no argument
+  UnknownMap,
+  Expression,  // a condition does not parse
+  Other,
+};
+
 // Why a set cannot be built.
 struct DefinitionError {
   std::string message;
   std::string document;  // the name under which the document was added
   XMLPosition position;  // of the faulty character
+  DefinitionErrorKind kind = DefinitionErrorKind::Other;
 };
 
 // Immutable once built, so threads can share it. It owns the elements and does not need the documents.

@@ -17,6 +17,7 @@ namespace korvex {
 struct ExpressionFault {
   std::size_t offset = 0;  // in bytes from the start of the expression; its length if something is missing at the end
   std::string message;
+  bool undeclared = false;  // a name in it stands for no value
 };
 
 // Absent if the expression is valid. The tokens must be those of the expression. May run on any thread.

@@ -8,18 +8,20 @@
 namespace korvex {
 
 inline constexpr std::array<Rule, 11> schemaRules = {{
-    {SchemaRule::NotRunnable, "not-runnable", Severity::Error, true, "A definition that cannot be run",
+    {SchemaRule::NotRunnable, "not-runnable", Severity::Warning, true, "A definition that the engine cannot load",
      "Declare the value, or correct the name.",
-     "With --schema, the definitions are built to a set as the engine builds it. Values that no argument declares, "
-     "references to unknown blocks and constants, names that are used twice and conditions that do not parse are "
-     "errors "
-     "then. The SQL of such a definition, and of those that insert it, is not checked against the schema.",
-     R"(<select id="names" result="[string]">
-  SELECT name FROM person WHERE name = :group
+     "An engine builds a set of all definitions. Values that no argument declares, references to unknown blocks and "
+     "constants, and conditions that name something else are errors then, and with --schema they are errors here. "
+     "Unknown "
+     "references are only given when PATH is a directory or with --schema, since other documents may define them. "
+     "Documents for an engine with another notation, which bind no argument as ':name', are not checked; switch the "
+     "warning off if they still are.",
+     R"(<select id="names" result="[string]" arguments="first">
+  SELECT name FROM person WHERE name = :first OR name = :last
 </select>
 <upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>)",
-     R"(<select id="names" result="[string]" arguments="group">
-  SELECT name FROM person WHERE name = :group
+     R"(<select id="names" result="[string]" arguments="first, last">
+  SELECT name FROM person WHERE name = :first OR name = :last
 </select>
 <upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>)"},
     {SchemaRule::Sql, "sql", Severity::Error, true, "SQL that the schema does not allow",

@@ -285,7 +285,7 @@ class ExpressionParser {
     std::size_t offset = 0;
     for (std::size_t at = 0; at < token; ++at) offset = placeOf(_tokens[at], offset) + _tokens[at].text.size();
     offset = token < _tokens.size() ? placeOf(_tokens[token], offset) + byte : _expression.size();
-    _fault = ExpressionFault{std::min(offset, _expression.size()), std::move(message)};
+    _fault = ExpressionFault{std::min(offset, _expression.size()), std::move(message), false};
     return false;
   }
   [[nodiscard]] std::size_t placeOf(const QXDAOToken& token, std::size_t from) const {
@@ -300,7 +300,11 @@ class ExpressionParser {
     if (_at < _tokens.size()) return fail("stands where " + std::string(what) + " is missing");
     return failAt(_at, 0, "the expression ends where " + std::string(what) + " is missing");
   }
-  bool failUndeclared(std::string_view name) { return failAt(_at, 0, foreign(name, _names.undeclared(name))); }
+  bool failUndeclared(std::string_view name) {
+    static_cast<void>(failAt(_at, 0, foreign(name, _names.undeclared(name))));
+    _fault->undeclared = true;
+    return false;
+  }
   bool failUnexpected() {
     if (isForeign(_tokens[_at - 1])) --_at;
     if (isForeign(here())) return failAt(_at, 0, foreign(here().text, {}));

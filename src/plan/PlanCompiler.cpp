@@ -99,8 +99,8 @@ class PlanCompiler final : public NameResolver {
     return "method " + quoted(_method->name().value_or(std::string_view()));
   }
 
-  void fail(const XMLPosition& position, std::string message) {
-    _compilation.fail(_document, position, std::move(message));
+  void fail(const XMLPosition& position, std::string message, DefinitionErrorKind kind = DefinitionErrorKind::Other) {
+    _compilation.fail(_document, position, std::move(message), kind);
   }
 
   // The arguments, then the item of the method's foreach, then that of a foreach element.
@@ -110,7 +110,10 @@ class PlanCompiler final : public NameResolver {
     if (arguments.size() > maxArguments) return fail(_place, "a method has no more than 60000 arguments");
     for (const QXDAOMethodArgument& argument : arguments) {
       const std::string_view name = argument.name().value_or(std::string_view());
-      if (slotOf(name)) fail(placeInAttribute(_xml, C_ARGUMENTS, 0), "argument " + quoted(name) + " is declared twice");
+      if (slotOf(name)) {
+        fail(placeInAttribute(_xml, C_ARGUMENTS, 0), "argument " + quoted(name) + " is declared twice",
+             DefinitionErrorKind::DuplicateName);
+      }
       _names.push_back(name);
     }
     _names.push_back(_method->foreachItemName().value_or(std::string_view()));
@@ -121,7 +124,9 @@ class PlanCompiler final : public NameResolver {
     if (_method->operation() != QXDAOOperationSelect || _method->resultType() != QXDAOSelectResultTypeMappedObject)
       return;
     const std::string_view map = _method->resultTypeName().value_or(std::string_view());
-    if (!_contents.maps.find(map)) fail(placeInAttribute(_xml, C_RESULT, 0), "there is no map " + quoted(map));
+    if (!_contents.maps.find(map)) {
+      fail(placeInAttribute(_xml, C_RESULT, 0), "there is no map " + quoted(map), DefinitionErrorKind::UnknownMap);
+    }
   }
 
   // The children of a single step have moved to the method.
@@ -247,7 +252,8 @@ class PlanCompiler final : public NameResolver {
     const std::string_view value = node.valueOfAttribute(attribute).value_or(std::string_view());
     const std::string_view trimmed = spaceNewLineTabBothEndsTrimmed(value);
     const auto begin = static_cast<std::size_t>(trimmed.data() - value.data());
-    fail(placeInAttribute(node, attribute, begin + fault.offset), "condition: " + fault.message);
+    fail(placeInAttribute(node, attribute, begin + fault.offset), "condition: " + fault.message,
+         fault.undeclared ? DefinitionErrorKind::UndeclaredValue : DefinitionErrorKind::Expression);
   }
 
   void compileTrim(const QXDAOTrim& trim, const XMLNode& node) {
@@ -291,7 +297,7 @@ class PlanCompiler final : public NameResolver {
   ValueSlot slotOfPath(OptionalStringView path, const XMLNode& node, std::string_view attribute) {
     const std::string_view name = path->substr(0, path->find('.'));
     const std::optional<ValueSlot> slot = slotOf(name);
-    if (!slot) fail(placeInAttribute(node, attribute, 0), undeclared(name));
+    if (!slot) fail(placeInAttribute(node, attribute, 0), undeclared(name), DefinitionErrorKind::UndeclaredValue);
     return slot.value_or(0);
   }
 
@@ -362,9 +368,11 @@ class PlanCompiler final : public NameResolver {
     const std::string_view name = path.substr(0, path.find('.'));
     const std::optional<ValueSlot> slot = slotOf(name);
     if (!slot && depth > 0)
-      return failInText(_reference, "'@" + std::string(_reference.substr(1)) + "' binds ':" + std::string(path) +
-                                        "', but " + undeclared(name));
-    if (!slot) return failInText(withMark(path), undeclared(name));
+      return failInText(
+          _reference,
+          "'@" + std::string(_reference.substr(1)) + "' binds ':" + std::string(path) + "', but " + undeclared(name),
+          DefinitionErrorKind::UndeclaredValue);
+    if (!slot) return failInText(withMark(path), undeclared(name), DefinitionErrorKind::UndeclaredValue);
     PlanInstruction& value = _contents.instructions[emit(PlanOperation::Value, HasCode)];
     value.pointer = path.data();
     value.number = static_cast<std::uint32_t>(path.size());
@@ -377,7 +385,8 @@ class PlanCompiler final : public NameResolver {
     if (name == C_RESERVED_TABLE) return emitTable(name);
     const ReusableText* text = _compilation.textsByName.find(name);
     if (!text && depth == 0)
-      failInText(_reference, "'@" + std::string(name) + "' is neither an sql block nor a constant");
+      failInText(_reference, "'@" + std::string(name) + "' is neither an sql block nor a constant",
+                 DefinitionErrorKind::UnknownReference);
     if (!text || text->state != ReusableText::State::Sound) return;  // reported at its definition
     emitSql(text->text, text->document, text->position, depth + 1);
     const std::size_t behind = static_cast<std::size_t>(name.data() - sql.data()) + name.size();
@@ -404,9 +413,9 @@ class PlanCompiler final : public NameResolver {
   }
 
   // At a word of the current text.
-  void failInText(std::string_view word, std::string message) {
+  void failInText(std::string_view word, std::string message, DefinitionErrorKind kind = DefinitionErrorKind::Other) {
     const bool exact = !_compilation.hasManyErrors();
-    fail(exact ? placeInText(_sqlNode, word, occurrencesBefore(_sql, word)) : _place, std::move(message));
+    fail(exact ? placeInText(_sqlNode, word, occurrencesBefore(_sql, word)) : _place, std::move(message), kind);
   }
 
   std::size_t emit(PlanOperation operation, std::uint8_t flags = 0) {

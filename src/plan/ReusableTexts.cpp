@@ -40,7 +40,8 @@ class TextChecker {
     if (name == C_RESERVED_TABLE) return true;  // the method checks whether there is a table
     ReusableText* other = _compilation.textsByName.find(name);
     if (!other)
-      return fail(text, withMark(name), "'@" + std::string(name) + "' is neither an sql block nor a constant");
+      return fail(text, withMark(name), "'@" + std::string(name) + "' is neither an sql block nor a constant",
+                  DefinitionErrorKind::UnknownReference);
     if (other->state == ReusableText::State::BeingChecked) return fail(text, withMark(name), circle(*other));
     if (_open.size() >= deepestReference) return fail(text, withMark(name), "references stand too deep in one another");
     check(*other);
@@ -57,8 +58,9 @@ class TextChecker {
     return message.append(first.name);
   }
 
-  bool fail(const ReusableText& text, std::string_view word, std::string message) {
-    _compilation.fail(text.document, placeOf(text, word), std::move(message));
+  bool fail(const ReusableText& text, std::string_view word, std::string message,
+            DefinitionErrorKind kind = DefinitionErrorKind::Other) {
+    _compilation.fail(text.document, placeOf(text, word), std::move(message), kind);
     return false;
   }
 

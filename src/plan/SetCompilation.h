@@ -28,9 +28,10 @@ struct SetCompilation {
   std::size_t putIn = 0;       // pieces that references have inserted
   std::size_t bytesPutIn = 0;  // and their texts
 
-  void fail(std::uint32_t document, const XMLPosition& position, std::string message) {
+  void fail(std::uint32_t document, const XMLPosition& position, std::string message,
+            DefinitionErrorKind kind = DefinitionErrorKind::Other) {
     constexpr std::size_t maxErrors = 10000;
-    if (errors.size() < maxErrors) errors.push_back({std::move(message), contents.documents[document], position});
+    if (errors.size() < maxErrors) errors.push_back({std::move(message), contents.documents[document], position, kind});
   }
   // With more errors, searching for the exact positions would take too long.
   [[nodiscard]] bool hasManyErrors() const { return errors.size() >= 200; }

@@ -56,7 +56,7 @@ class SetCompiler {
         _contents.elements.push_back(std::move(definition.element));
       } else if (definition.error) {
         const XMLPosition place = definition.error->origin.position().value_or(definition.position());
-        _compilation.fail(document, place, std::string(definition.error->message()));
+        _compilation.fail(document, place, std::string(definition.error->message()), DefinitionErrorKind::Rejected);
       }
     }
   }
@@ -94,7 +94,8 @@ class SetCompiler {
     Declared& kept = _declared.emplace_back(place);
     const Declared* first = names.add(name, kept);
     if (!first) return true;
-    fail(place, std::string(kind) + " " + quoted(name) + " is declared twice, first at " + placeOf(*first));
+    fail(place, std::string(kind) + " " + quoted(name) + " is declared twice, first at " + placeOf(*first),
+         DefinitionErrorKind::DuplicateName);
     return false;
   }
 
@@ -154,7 +155,8 @@ class SetCompiler {
   void checkVersions(const SourceMethod& first, const SourceMethod& second) {
     if (second.method->operation() != QXDAOOperationUpgrade || comesBefore(first, second)) return;
     fail({second.xml, second.document},
-         "there are two upgrades to this version, the first at " + placeOf({first.xml, first.document}));
+         "there are two upgrades to this version, the first at " + placeOf({first.xml, first.document}),
+         DefinitionErrorKind::DuplicateName);
   }
 
   void compileMethods() {
@@ -177,8 +179,8 @@ class SetCompiler {
     }
   }
 
-  void fail(const Declared& place, std::string message) {
-    _compilation.fail(place.document, place.xml.position().value_or(XMLPosition()), std::move(message));
+  void fail(const Declared& place, std::string message, DefinitionErrorKind kind = DefinitionErrorKind::Other) {
+    _compilation.fail(place.document, place.xml.position().value_or(XMLPosition()), std::move(message), kind);
   }
 
   std::vector<SourceDocument>& _documents;

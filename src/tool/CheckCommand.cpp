@@ -67,7 +67,7 @@ class Check {
     for (const UnreadablePath& path : inputs.unreadable) addUnreadable(path);
     for (const std::string& file : inputs.files) checkFile(file);
     for (const Finding& finding : _set.finish()) addFinding(finding);
-    if (!_options.schema.empty()) checkSchema();
+    checkSet();
     finish();
     if (_unreadable > 0) return ExitCodeTrouble;
     return _totals.errors > 0 ? ExitCodeSomethingFound : ExitCodeNothingFound;
@@ -80,7 +80,7 @@ class Check {
     Document::Result result = readDocument(file, _console.in, _options.load);
     if (result.document) {
       checkDocument(path, *result.document);
-      if (!_options.schema.empty()) _schemaCheck.add(path, std::move(result.document));
+      if (checksSet()) _schemaCheck.add(path, std::move(result.document));
     } else if (!blamesDocument(result.error->kind())) {
       addUnreadable({path, result.error->message});
     } else {
@@ -97,25 +97,40 @@ class Check {
     for (const Finding& finding : _set.check(path, document, definitions)) addFinding(finding);
   }
 
-  void checkSchema() {
-    const verification::SchemaCheckResult result = _schemaCheck.run(_options.schema, _options.extensions);
-    if (!result.unreadable.empty()) return addUnreadable({_options.schema, result.unreadable});
-    for (const Finding& finding : result.findings) {
+  // What depends on how the definitions fit together, and the schema.
+  void checkSet() {
+    if (!_options.schema.empty()) return checkSchema();
+    if (checksSet()) addSetFindings(_schemaCheck.runWithoutSchema(holdsWholeSet(_options.paths) && _unreadable == 0));
+  }
+  [[nodiscard]] bool checksSet() const {
+    return !_options.schema.empty() || _selection.wants(ruleOf(SchemaRule::NotRunnable)) ||
+           _selection.wants(ruleOf(SchemaRule::UnusedArgument));
+  }
+
+  // What is wrong in one place is told once.
+  void addSetFindings(const std::vector<Finding>& findings) {
+    for (const Finding& finding : findings) {
       const bool known = finding.rule == &ruleOf(SchemaRule::NotRunnable) && _places.contains(placeOf(finding));
       if (!known && _selection.wants(*finding.rule)) addFinding(withSeverity(finding));
     }
+  }
+
+  void checkSchema() {
+    const verification::SchemaCheckResult result = _schemaCheck.run(_options.schema, _options.extensions);
+    if (!result.unreadable.empty()) return addUnreadable({_options.schema, result.unreadable});
+    addSetFindings(result.findings);
     _verified = describe(result.totals);
   }
 
   void addFinding(const Finding& finding) {
     ++(finding.severity == Severity::Error ? _totals.errors : _totals.warnings);
     if (!_unexplained && finding.rule->severity == Severity::Error && finding.help.empty()) _unexplained = finding.rule;
-    if (!_options.schema.empty()) _places.insert(placeOf(finding));
+    _places.insert(placeOf(finding));
     _report->add(finding);
   }
 
   [[nodiscard]] Finding withSeverity(Finding finding) const {
-    finding.severity = _selection.severityOf(*finding.rule);
+    if (finding.severity != Severity::Error) finding.severity = _selection.severityOf(*finding.rule);
     return finding;
   }
 
@@ -148,7 +163,7 @@ class Check {
   WarningSelection _selection;
   SetCheck _set;
   verification::SchemaCheck _schemaCheck;
-  std::set<Place> _places;  // of the findings, if there is a schema: what makes a definition faulty is told once
+  std::set<Place> _places;  // of the findings
   std::string _verified;    // what the check against the schema covered
   CheckTotals _totals;
   const Rule* _unexplained = nullptr;  // the first error without help

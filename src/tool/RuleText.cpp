@@ -15,7 +15,10 @@ constexpr std::string_view indentation = "  ";
 
 // Errors cannot be disabled: a definition that violates such a rule is not built, or cannot be run.
 std::string_view defaultOf(const Rule& rule) {
-  if (std::holds_alternative<SchemaRule>(rule.id)) return "with --schema";
+  const auto* schemaRule = std::get_if<SchemaRule>(&rule.id);
+  if (schemaRule && *schemaRule != SchemaRule::NotRunnable && *schemaRule != SchemaRule::UnusedArgument) {
+    return "with --schema";
+  }
   if (rule.severity == Severity::Error) return "always on";
   return rule.onByDefault ? "on" : "off";
 }

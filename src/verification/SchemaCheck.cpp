@@ -7,6 +7,9 @@
 
 #include "checks/Suppressions.h"
 #include "checks/WarningList.h"
+#include "korvex/QXDAOMethod.h"
+#include "plan/SqlText.h"
+#include "verification/SetChecks.h"
 
 namespace korvex::verification {
 namespace {
@@ -23,12 +26,20 @@ Finding faultOfScript(const std::string& path, const std::string& text, const Sc
   return finding;
 }
 
+// The name that begins there.
+std::string_view wordAt(std::string_view text, std::size_t begin) {
+  std::size_t end = begin;
+  while (end < text.size() && isNameCharacter(text[end])) ++end;
+  return text.substr(std::min(begin, text.size()), end - begin);
+}
+
 Finding faultOfSet(const VerifiedDocument& document, std::size_t offset, const DefinitionError& error) {
   Finding finding;
   finding.rule = &ruleOf(SchemaRule::NotRunnable);
   finding.severity = finding.rule->severity;
   finding.location = {document.file, {offset, offset + 1}};
   finding.message = error.message;
+  if (const SharedDefinition* definition = document.definitionAt(offset)) finding.definition = *definition;
   return finding;
 }
 
@@ -40,6 +51,11 @@ void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> documen
   for (const Definition& definition : loadDefinitions(*document)) {
     verified.definitions.push_back(inDefinition(definition));
     if (!definition.element) _rejected.insert(verified.definitions.back().get());
+    const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
+    if (!method) continue;
+    for (const QXDAOMethodArgument& argument : *method->arguments()) {
+      _arguments.emplace(argument.name().value_or(std::string_view()));
+    }
   }
   verified.document = std::move(document);
   _documents.push_back({path, verified.document});
@@ -49,6 +65,62 @@ void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> documen
 bool SchemaCheck::isInRejected(const VerifiedDocument& document, std::size_t offset) const {
   const auto* definition = document.definitionAt(offset);
   return definition && _rejected.contains(definition->get());
+}
+
+void SchemaCheck::addErrors(const RunnableSet& runnable, const std::function<bool(const DefinitionError&)>& isIgnored,
+                            std::vector<Finding>& findings) const {
+  for (const DefinitionError& error : runnable.errors) {
+    const VerifiedDocument& document = _verified.find(error.document)->second;
+    const std::size_t offset = offsetOf(*document.file->source, error.position);
+    if (!isIgnored(error) && !isInRejected(document, offset)) findings.push_back(faultOfSet(document, offset, error));
+  }
+}
+
+// Whether any argument is bound as ":name".
+bool SchemaCheck::bindsArguments() const {
+  return std::any_of(_verified.begin(), _verified.end(), [this](const auto& named) {
+    const std::string_view source = named.second.file->source->text();
+    for (std::size_t at = source.find(':'); at != std::string_view::npos; at = source.find(':', at + 1)) {
+      if (_arguments.contains(wordAt(source, at + 1))) return true;
+    }
+    return false;
+  });
+}
+
+// Whether "@name" is the name of an argument where no block has that name.
+bool SchemaCheck::bindsByReference(const RunnableSet& runnable) const {
+  return std::any_of(runnable.errors.begin(), runnable.errors.end(), [this](const DefinitionError& error) {
+    const SourceText& source = *_verified.find(error.document)->second.file->source;
+    return error.kind == DefinitionErrorKind::UnknownReference &&
+           _arguments.contains(wordAt(source.text(), offsetOf(source, error.position) + 1));
+  });
+}
+
+std::vector<Finding> SchemaCheck::runWithoutSchema(bool isWholeSet) const {
+  std::vector<Finding> findings;
+  if (!bindsArguments()) return findings;
+  const RunnableSet runnable = runnableSetOf(_documents);
+  const bool checksReferences = isWholeSet && _rejected.empty() && !bindsByReference(runnable);
+  const auto isIgnored = [checksReferences](const DefinitionError& error) {
+    switch (error.kind) {
+      case DefinitionErrorKind::Rejected:
+      case DefinitionErrorKind::DuplicateName:
+      case DefinitionErrorKind::UnknownMap:
+      case DefinitionErrorKind::Expression:
+        return true;  // other rules are about these
+      case DefinitionErrorKind::UnknownReference:
+        return !checksReferences;
+      default:
+        return false;
+    }
+  };
+  addErrors(runnable, isIgnored, findings);
+  if (runnable.set) {
+    std::vector<Finding> unused = findingsOfSet(*runnable.set, _verified, {}, nullptr);
+    std::move(unused.begin(), unused.end(), std::back_inserter(findings));
+  }
+  removeSuppressed(findings);
+  return findings;
 }
 
 // By comments before the definitions.
@@ -78,11 +150,9 @@ SchemaCheckResult SchemaCheck::run(const std::string& source, const AppExtension
     if (!result.unreadable.empty() || !result.findings.empty()) return result;
   }
   const RunnableSet runnable = runnableSetOf(_documents);
-  for (const DefinitionError& error : runnable.errors) {
-    const VerifiedDocument& document = _verified.find(error.document)->second;
-    const std::size_t offset = offsetOf(*document.file->source, error.position);
-    if (!isInRejected(document, offset)) result.findings.push_back(faultOfSet(document, offset, error));
-  }
+  addErrors(
+      runnable, [](const DefinitionError&) { return false; }, result.findings);
+  for (Finding& finding : result.findings) finding.severity = Severity::Error;
   if (!runnable.set) return result;
   Verification verification(*runnable.set, schema, _verified);
   if (upgrades) verification.runUpgrades();

@@ -34,7 +34,15 @@ class SchemaCheck {
   [[nodiscard]] SchemaCheckResult run(const std::string& source, const AppExtensions& extensions,
                                       const std::function<bool()>& goesOn = {});
 
+  // What needs no schema: the errors that an engine gives when it builds the set, and unused arguments, as warnings.
+  // Nothing about documents that seem to be written for an engine with another notation.
+  [[nodiscard]] std::vector<Finding> runWithoutSchema(bool isWholeSet) const;
+
  private:
+  void addErrors(const RunnableSet& runnable, const std::function<bool(const DefinitionError&)>& isIgnored,
+                 std::vector<Finding>& findings) const;
+  [[nodiscard]] bool bindsArguments() const;
+  [[nodiscard]] bool bindsByReference(const RunnableSet& runnable) const;
   [[nodiscard]] bool isInRejected(const VerifiedDocument& document, std::size_t offset) const;
 
   void removeSuppressed(std::vector<Finding>& findings) const;
@@ -42,6 +50,7 @@ class SchemaCheck {
   std::vector<NamedDocument> _documents;
   VerifiedDocuments _verified;
   std::set<const Finding::InDefinition*> _rejected;
+  std::set<std::string, std::less<>> _arguments;  // the names of all
 };
 
 }  // namespace korvex::verification

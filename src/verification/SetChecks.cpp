@@ -13,8 +13,9 @@ namespace {
 
 class SetChecker {
  public:
-  SetChecker(const DefinitionSet& set, const VerifiedDocuments& documents, const SeenUse& seen, SchemaDatabase& schema)
-      : _set(set), _seen(seen), _columnTypes(schema.columnTypes()) {
+  SetChecker(const DefinitionSet& set, const VerifiedDocuments& documents, const SeenUse& seen, SchemaDatabase* schema)
+      : _set(set), _seen(seen), _hasSchema(schema != nullptr) {
+    if (schema) _columnTypes = schema->columnTypes();
     for (const auto& [name, document] : documents) _documents.push_back(&document);
   }
 
@@ -33,9 +34,11 @@ class SetChecker {
 
  private:
   void checkDefinition(const Definition& definition) {
+    const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
+    if (method) return checkArguments(*method);
+    if (!_hasSchema) return;
     if (const auto* map = QXDAOElementCast<QXDAOMap>(definition.element.get())) return checkMap(*map, definition.xml);
     if (const auto* pack = QXDAOElementCast<QXDAOPack>(definition.element.get())) return checkPack(*pack);
-    if (const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get())) return checkArguments(*method);
     const OptionalStringView name = definition.element->name();
     const bool reusable = definition.tag() == C_SQL || definition.tag() == C_CONST;
     if (reusable && name && !_references.contains(*name)) reportUnused("'@" + std::string(*name) + "'");
@@ -121,7 +124,8 @@ class SetChecker {
 
   const DefinitionSet& _set;
   const SeenUse& _seen;
-  const std::vector<std::pair<std::string, std::string>> _columnTypes;
+  const bool _hasSchema;
+  std::vector<std::pair<std::string, std::string>> _columnTypes;
   std::vector<const VerifiedDocument*> _documents;
   std::set<std::string_view> _references;
   std::set<std::string_view> _usedMaps;
@@ -133,7 +137,7 @@ class SetChecker {
 }  // namespace
 
 std::vector<Finding> findingsOfSet(const DefinitionSet& set, const VerifiedDocuments& documents, const SeenUse& seen,
-                                   SchemaDatabase& schema) {
+                                   SchemaDatabase* schema) {
   return SetChecker(set, documents, seen, schema).check();
 }
 

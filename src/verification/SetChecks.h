@@ -20,7 +20,8 @@ struct SeenUse {
   std::set<std::string, std::less<>> unknownMaps;  // those with a select that cannot be prepared
 };
 
+// Without a schema: only arguments that are not used.
 [[nodiscard]] std::vector<Finding> findingsOfSet(const DefinitionSet& set, const VerifiedDocuments& documents,
-                                                 const SeenUse& seen, SchemaDatabase& schema);
+                                                 const SeenUse& seen, SchemaDatabase* schema);
 
 }  // namespace korvex::verification

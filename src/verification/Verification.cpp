@@ -62,7 +62,7 @@ class Verification::Work {
   }
 
   void checkSet() {
-    std::vector<Finding> found = findingsOfSet(_set, _documents, _seen, _schema);
+    std::vector<Finding> found = findingsOfSet(_set, _documents, _seen, &_schema);
     std::move(found.begin(), found.end(), std::back_inserter(findings));
   }
 

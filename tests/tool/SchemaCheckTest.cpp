@@ -107,6 +107,40 @@ TEST(SchemaCheck, TellsWhatIsWrongWhereAndWhen) {
   for (const auto& [definitions, wanted] : schemaCases) EXPECT_EQ(findings(definitions), wanted) << definitions;
 }
 
+// Without a schema, and without false alarms for an engine with another notation.
+TEST(SchemaCheck, FindsWhatNoEngineCanLoad) {
+  const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "korvex_set";
+  std::filesystem::create_directories(folder);
+  const std::string method = "<select id='a' result='int' arguments='b'>SELECT :b";
+  const SchemaCase cases[] = {
+      {"", ""},
+      {" + :c", ":1:58: warning: 'c' is no argument of method 'a': declare it, or write one of b [not-runnable]\n"},
+      {"<if true='c'>+ 1</if>",
+       ":1:65: warning: condition: 'c' is no argument of method 'a': declare it, or write one of b [not-runnable]\n"},
+      {"<if true='b &amp;&amp;'>+ 1</if>",
+       ":1:65: warning: not an expression: the expression ends where a value is missing [expression-syntax]\n"},
+      {" + @c", ":1:58: warning: '@c' is neither an sql block nor a constant [not-runnable]\n"},
+      {" + @b", ""},  // where arguments are written so, references are another engine's
+      {"</select><select id='n'>", ":1:64: error: Result type of select method 'n' is undefined. [missing-result]\n"},
+      {"</select><sql id='s'>@s</sql><select id='d' arguments='e' result='int'>SELECT 1",
+       ":1:76: warning: '@s' is part of itself: s → s [not-runnable]\n"
+       ":1:110: warning: argument 'e' is never used [unused-argument]\n"},
+      {"</select><select id='d' arguments='e' result='int'>SELECT 1",
+       ":1:90: warning: argument 'e' is never used [unused-argument]\n"},
+      {"</select><!-- korvex: allow unused-argument --><select id='d' arguments='e' result='int'>SELECT 1", ""},
+  };
+  for (const auto& [more, wanted] : cases) {
+    std::ofstream(folder / "a.xml") << "<k>" + method + more + "</select></k>";
+    const std::string out = run({"check", "--format", "short", folder.string()}).out;
+    std::string found;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);) found += line.substr((folder / "a.xml").string().size()) + "\n";
+    EXPECT_EQ(found, wanted) << more;
+  }
+  EXPECT_EQ(
+      run({"check", "-"}, "<k><select id='a' result='int' arguments='b'>SELECT #{b} + #{c} + :c</select></k>").out, "");
+}
+
 TEST(SchemaCheck, TakesWhatTheAppDeclares) {
   const std::string uses =
       "<upgrade toVersion='2'>CREATE VIRTUAL TABLE words USING icu (title, body, limit=3)</upgrade>"
