@@ -42,7 +42,7 @@ WarningSelection selectionOf(const CheckOptions& options) {
 }
 
 // "12 methods checked against the schema, in 96 variants".
-std::string describe(const verification::VerificationTotals& totals) {
+std::string coverageOf(const verification::VerificationTotals& totals) {
   std::string line =
       counted(totals.methods, "method") + " checked against the schema, in " + counted(totals.variants, "variant");
   if (totals.chosen > 0) line += "; " + counted(totals.chosen, "method") + " by a covering choice of variants";
@@ -119,7 +119,7 @@ class Check {
     const verification::SchemaCheckResult result = _schemaCheck.run(_options.schema, _options.extensions);
     if (!result.unreadable.empty()) return addUnreadable({_options.schema, result.unreadable});
     addSetFindings(result.findings);
-    _verified = describe(result.totals);
+    _verified = coverageOf(result.totals);
   }
 
   void addFinding(const Finding& finding) {
