@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t maxCandidates = 64;
 constexpr double maxEntries = 16;
-constexpr double maxLength = 200;
+constexpr double maxTextLength = 200;
 
 struct OperatorSymbol {
   ExpressionOperation operation;
@@ -113,7 +113,7 @@ void addScalars(std::vector<Value>& candidates, const VariantSubject& subject) {
     if (at > 0) candidates.push_back(numberValue((numbers[at - 1] + numbers[at]) / 2));
     if (!subject.measured) continue;
     for (const double length : {numbers[at] - 1, numbers[at], numbers[at] + 1}) {
-      if (length > 0 && length <= maxLength)
+      if (length > 0 && length <= maxTextLength)
         candidates.push_back(Value(std::string(static_cast<std::size_t>(length), 'x')));
     }
   }
@@ -305,7 +305,12 @@ std::string VariantConditions::inWords(std::uint32_t begin, std::uint32_t end) c
       stack.push_back(taken() + "[" + index + "]");
     }
   }
-  return stack.size() == 1 ? std::move(stack.front()) : "a condition";
+  constexpr std::size_t maxLength = 100;
+  if (stack.size() != 1) return "a condition";
+  std::string& words = stack.front();
+  if (words.size() > maxLength)
+    words.replace(std::min(words.find_last_of(' ', maxLength), maxLength), std::string::npos, " …");
+  return std::move(words);
 }
 
 std::uint32_t VariantConditions::listQuestion(std::string_view path) {

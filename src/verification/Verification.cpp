@@ -24,7 +24,16 @@ namespace korvex::verification {
 namespace {
 
 // Bounds for documents with very many faults.
-constexpr std::size_t maxSearches = 2000;
+// The place of a fault is searched by preparing parts of the statement, at a cost that grows with its square. The
+// budget is some seconds, in square bytes.
+constexpr std::size_t searchBudget = 50'000'000;
+constexpr std::size_t searchOfOne = 16'000'000;
+// After so many variants of all methods, those with more than a few are covered by choice.
+constexpr std::size_t variantBudget = std::size_t{1} << 20U;
+constexpr std::size_t fewVariants = 1024;
+// The SQL of all variants in bytes; when it is used up, every unit still gets a share.
+constexpr std::size_t textBudget = std::size_t{1} << 30U;
+constexpr std::size_t textShare = std::size_t{1} << 20U;
 constexpr std::size_t maxNotes = 20;
 constexpr std::size_t maxFindings = 10000;
 constexpr std::size_t maxStandInTrials = 200000;
@@ -122,10 +131,11 @@ class Verification::Work {
     for (const PlanUnit& unit : plan.units()) {
       VariantOptions options = optionsFor(unit);
       const UnitVariants variants = variantsOf(unit, options);
+      _variantCost += variants.complete ? variants.variants.size() : options.maxVariants;
+      const std::size_t checked = checkUnit(unit, variants);
+      totals.variants += checked;
       chosen = chosen || !variants.complete;
-      stopped = stopped || variants.stopped;
-      totals.variants += variants.variants.size();
-      checkUnit(unit, variants);
+      stopped = stopped || variants.stopped || checked < variants.variants.size();
       // Later steps meet the tables that this one creates.
       if (plan.units().size() > 1) changes = changeSchema(unit, variants, changes) || changes;
     }
@@ -144,12 +154,18 @@ class Verification::Work {
     return true;
   }
 
-  void checkUnit(const PlanUnit& unit, const UnitVariants& variants) {
+  // The number of variants that were prepared.
+  std::size_t checkUnit(const PlanUnit& unit, const UnitVariants& variants) {
     VariantFailures failures;
     VariantFailures withoutWhere;
     bool hasWhere = false;
+    std::size_t checked = 0;
+    std::size_t bytes = 0;
     for (const Variant& variant : variants.variants) {
+      if (bytes > textShare && _textCost + bytes > textBudget) break;
       const VariantText text(unit, variant.key);
+      bytes += text.sql().size();
+      ++checked;
       const Prepared prepared = _schema.prepare(text.sql());
       seeColumns(unit.plan(), prepared);
       if (!prepared.message.empty()) {
@@ -166,9 +182,11 @@ class Verification::Work {
       }
       if (where == WhereClause::Missing) withoutWhere.add(variant, text, lostWhere(text.sql()), 0);
     }
+    _textCost += bytes;
     for (const VariantFailure& failure : failures.failures()) reportFailure(unit, variants, failure);
-    if (!hasWhere) return;
+    if (!hasWhere) return checked;
     for (const VariantFailure& failure : withoutWhere.failures()) reportFailure(unit, variants, failure);
+    return checked;
   }
 
   void seeColumns(const Plan& plan, const Prepared& prepared) {
@@ -192,7 +210,9 @@ class Verification::Work {
   Defect searched(const std::string& sql, Defect defect, int offset) {
     const std::size_t begin = offset < 0 ? codeOf(sql).begin : static_cast<std::size_t>(offset);
     defect.place = {begin, std::min(begin + 1, sql.size())};
-    if (_searches++ < maxSearches) {
+    const std::size_t cost = sql.size() * sql.size();
+    if (cost < searchOfOne && _searchCost + cost < searchBudget) {
+      _searchCost += cost;
       if (const auto found = faultOf(_schema.handle(), sql); found && found->message == defect.message) {
         defect.place = found->place;
         defect.help = found->help;
@@ -205,6 +225,7 @@ class Verification::Work {
   // A table for "@T" and a column for the keys of formats, with which the first variant can be prepared.
   VariantOptions optionsFor(const PlanUnit& unit) {
     VariantOptions options;
+    if (_variantCost > variantBudget) options.maxVariants = fewVariants;
     options.key = "rowid";
     const bool assigned = unit.plan().method().assignedTable();
     if (assigned && !_tables.empty()) options.table = _tables.front();
@@ -310,7 +331,9 @@ class Verification::Work {
   std::vector<std::string> _tables;
   std::vector<std::string> _columns;
   SeenUse _seen;
-  std::size_t _searches = 0;
+  std::size_t _searchCost = 0;
+  std::size_t _variantCost = 0;
+  std::size_t _textCost = 0;
   std::size_t _trials = 0;
   // The findings, by their places and by their messages.
   std::map<std::tuple<const VerifiedDocument*, std::size_t, std::string>, std::size_t> _byPlace;

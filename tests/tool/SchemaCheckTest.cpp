@@ -166,6 +166,26 @@ TEST(SchemaCheck, RunsHostileUpgradesInMemoryAlone) {
   EXPECT_FALSE(std::filesystem::exists(file));
 }
 
+// A covering choice finds what one condition does, and what three do together.
+TEST(SchemaCheck, CoversMoreVariantsThanCanBeTried) {
+  std::string body;
+  std::string arguments = "x";
+  for (int number = 0; number < 24; ++number) {
+    const std::string name = "a" + std::to_string(number);
+    arguments += "," + name;
+    body += "<if true='" + name + "'>AND id = " + (number == 20 ? "nope" : "1") + "</if>";
+  }
+  const std::string select = "<select id='s' arguments='" + arguments + "' result='int'>SELECT id FROM person";
+  const std::string three = "<if true='a1'>(</if><if false='a2'>(</if><if true='a3'>))</if>";
+  EXPECT_NE(findings(select + "<where>" + body + "</where></select>").find("error: no such column: nope [sql]"),
+            std::string::npos);
+  EXPECT_NE(findings(select + "<where>:x AND " + body + "</where>" + three + "</select>").find("syntax error [sql]"),
+            std::string::npos);
+  const std::string err =
+      run({"check", "--schema", "upgrades", "-"}, "<k>" + select + "<where>" + body + "</where></select></k>").err;
+  EXPECT_NE(err.find("1 method by a covering choice of variants\n"), std::string::npos) << err;
+}
+
 TEST(SchemaCheck, ReadsScriptsAndDatabases) {
   const std::filesystem::path folder = testing::TempDir();
   const std::string script = (folder / "korvex_schema.sql").string();
