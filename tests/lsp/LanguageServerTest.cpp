@@ -578,6 +578,18 @@ TEST(LanguageServer, ChecksSqlAgainstASchema) {
   EXPECT_EQ(diagnostics({{"schema", "upgrades"}}, ""), "unread-attribute 36;sql 49;");
   EXPECT_EQ(diagnostics({{"schema", "upgrades"}}, change), "unread-attribute 36;");
   EXPECT_EQ(diagnostics({{"schema", "/nowhere/none.sql"}}, ""), "unread-attribute 36;");
+
+  // Once for a change, however many messages follow while the client is quiet.
+  std::istringstream in(request(0, "initialize", {{"initializationOptions", {{"schema", "upgrades"}}}}) +
+                        opened("<k><select id='a' result='int'>SELECT x</select></k>") + notification("$/a") +
+                        notification("$/b") + ending);
+  std::ostringstream out;
+  Server server(in, out, maximumBytes);
+  server.setInputTest([](int) { return false; });
+  EXPECT_TRUE(server.run());
+  const std::string written = out.str();
+  const std::regex published("publishDiagnostics");
+  EXPECT_EQ(std::distance(std::sregex_iterator(written.begin(), written.end(), published), {}), 2);
 }
 
 }  // namespace

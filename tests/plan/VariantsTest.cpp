@@ -65,6 +65,8 @@ constexpr VariantCase variantCases[] = {
     {"p", "<if true='p.a'>A</if>B<if true='p.b'>C</if>",
      "A B C (p.a is true, p.b is true); A B (p.a is true, p.b is false); B C (p.a is false, p.b is true); B (p.a is "
      "false, p.b is false)"},
+    {"a", "<if true=\"a == 'x' &amp;&amp; a > 3\">A</if>B",
+     "B (a == 'x' is false)"},  // texts and numbers have no order
     {"t", "<if true='t.length > 3'>A</if>B<if true='t'>C</if>",
      "A B C (t.length > 3 is true); B C (t.length > 3 is false, t is true); B (t.length > 3 is false, t is false)"},
     {"l",

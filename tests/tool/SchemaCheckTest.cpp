@@ -84,6 +84,8 @@ constexpr SchemaCase schemaCases[] = {
      "help: Remove one of them, or name it with AS.\n"},
     {"<select id='a' result='int'>SELECT count(*) FROM person WHERE name = \"foo\"</select>",
      "2:70: error: no such column: foo [sql]\nhelp: A name is in double quotes; write a text in single quotes.\n"},
+    {"<sql id='b'>id, <!-- name --> nam</sql><select id='a' result='[{}]'>SELECT @b FROM person</select>",
+     "2:31: error: no such column: nam [sql]\nhelp: did you mean 'name'?\n2:40: note: breaks method 'a'\n"},
     {"<map id='m' result='P'><result column='name' property='a'/>\n<result column='brthday' property='b'/></map>"
      "<select id='a' result=':m'>SELECT name FROM person</select>"
      "<select id='b' result=':m'>SELECT birthday FROM person</select>",
