@@ -119,7 +119,7 @@ class Check {
     const verification::SchemaCheckResult result = _schemaCheck.run(_options.schema, _options.extensions);
     if (!result.unreadable.empty()) return addUnreadable({_options.schema, result.unreadable});
     addSetFindings(result.findings);
-    _verified = coverageOf(result.totals);
+    if (result.totals.methods > 0) _verified = coverageOf(result.totals);
   }
 
   void addFinding(const Finding& finding) {

@@ -28,8 +28,8 @@ constexpr const char* forbidden =
     "a method cannot begin or end transactions, or attach databases: every call is a transaction of its own";
 constexpr const char* stopped = "stopped, since it runs for too long";
 
-// What scripts may set, because it changes what a schema means. Other settings are passed over.
-constexpr std::array<std::string_view, 5> pragmasOfScripts = {"foreign_keys", "legacy_alter_table", "encoding",
+// What may be set, because it changes what a schema means. Other settings are passed over.
+constexpr std::array<std::string_view, 5> pragmasOfSchemas = {"foreign_keys", "legacy_alter_table", "encoding",
                                                               "recursive_triggers", "defer_foreign_keys"};
 
 // What only reads the schema.
@@ -37,8 +37,7 @@ constexpr std::array<std::string_view, 9> readingPragmas = {"table_info",       
                                                             "index_list",       "index_info",    "index_xinfo",
                                                             "foreign_key_list", "function_list", "collation_list"};
 
-constexpr std::array<int, 6> forbiddenInMethods = {SQLITE_ATTACH,    SQLITE_DETACH,  SQLITE_TRANSACTION,
-                                                   SQLITE_SAVEPOINT, SQLITE_ANALYZE, SQLITE_REINDEX};
+constexpr std::array<int, 4> forbiddenInMethods = {SQLITE_ATTACH, SQLITE_DETACH, SQLITE_TRANSACTION, SQLITE_SAVEPOINT};
 constexpr std::array<int, 2> forbiddenInScripts = {SQLITE_ATTACH, SQLITE_DETACH};
 
 template <typename Thing, std::size_t Size>
@@ -165,7 +164,7 @@ int SchemaDatabase::authorize(void* self, int action, const char* first, const c
   }
   if (action == SQLITE_PRAGMA) {
     const std::string_view pragma(first);
-    const bool allowed = isIn(readingPragmas, pragma) || (database._trusted && isIn(pragmasOfScripts, pragma));
+    const bool allowed = isIn(readingPragmas, pragma) || isIn(pragmasOfSchemas, pragma);
     return allowed || !second ? SQLITE_OK : SQLITE_IGNORE;
   }
   database._forbidden = database._trusted ? isIn(forbiddenInScripts, action) : isIn(forbiddenInMethods, action);

@@ -30,7 +30,8 @@ std::optional<std::string> schemaText(const std::string& path) {
 
 SchemaFile readSchemaFile(SchemaDatabase& schema, const std::string& path) {
   const auto text = schemaText(path);
-  if (!text) return {"the schema cannot be read: give 'upgrades', an SQL script, or a database", {}, {}};
+  if (!text)
+    return {"no SQL script or database can be read there; for the upgrades of the documents, write 'upgrades'", {}, {}};
   if (*text == databaseHeader) return {schema.copySchemaOf(path).value_or(std::string()), {}, {}};
   return {{}, *text, schema.runScript(*text)};
 }

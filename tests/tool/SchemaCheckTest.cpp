@@ -237,6 +237,15 @@ TEST(SqlCommand, SaysWhatSQLiteRefuses) {
   EXPECT_EQ(run({"sql", "-", "v"}, document).code, ExitCodeTrouble);
 }
 
+TEST(SchemaCheck, HasNoFalseAlarmForStatementsOfEveryKind) {
+  for (const char* file : {"/tests/verification/statements.xml", "/examples/addressbook.xml"}) {
+    const Outcome outcome = run({"check", "--werror", "--warn", "undefined-map", "--schema", "upgrades",
+                                 KORVEX_SOURCE_DIR + std::string(file)});
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.code, ExitCodeNothingFound);
+  }
+}
+
 // Whether any finding is given, and whether one is on the line.
 struct Found {
   bool any = false;
@@ -250,12 +259,11 @@ Found findingsAfter(const std::string& text, std::size_t changed) {
   return {!out.empty(), ("\n" + out).find("\n<stdin>:" + std::to_string(line) + ":") != std::string::npos};
 }
 
-// The address book has no finding, and nearly every mistake in it has one at its line.
+// Nearly every mistake has a finding at its line.
 TEST(SchemaCheck, FindsSingleMistakes) {
   constexpr std::string_view arrow = " => ";
   std::ifstream file(KORVEX_SOURCE_DIR "/examples/addressbook.xml");
   const std::string book(std::istreambuf_iterator<char>(file), {});
-  EXPECT_FALSE(findingsAfter(book, 0).any);
   std::ifstream mistakes(KORVEX_SOURCE_DIR "/tests/verification/mistakes.txt");
   std::size_t count = 0;
   std::size_t found = 0;
