@@ -110,6 +110,13 @@ constexpr const char* readSchema =
 
 bool isFunctionDeclaration(std::string_view text) { return functionOf(text).has_value(); }
 
+std::string_view shortStatement(std::string_view sql, int offset) {
+  constexpr std::size_t maxSearched = 4000;
+  if (sql.size() <= maxSearched) return sql;
+  const std::size_t end = sql.find(';', static_cast<std::size_t>(std::max(offset, 0)));
+  return end < maxSearched ? sql.substr(0, end + 1) : std::string_view();
+}
+
 void CloseStatement::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
 SchemaDatabase::SchemaDatabase(const AppExtensions& extensions) {
@@ -177,11 +184,11 @@ Prepared SchemaDatabase::prepare(std::string_view sql) {
   const char* tail = nullptr;
   _changesSchema = _forbidden = false;
   _budget = maxCounts;
-  const int length = static_cast<int>(std::min<std::size_t>(sql.size(), maxLength));
+  const int length = sql.size() < maxLength ? static_cast<int>(sql.size()) + 1 : maxLength;
   const int code = sqlite3_prepare_v2(_database, sql.data(), length, &statement, &tail);
   result.statement.reset(statement);
   result.changesSchema = _changesSchema;
-  result.end = tail ? static_cast<std::size_t>(tail - sql.data()) : sql.size();
+  result.end = tail ? std::min(static_cast<std::size_t>(tail - sql.data()), sql.size()) : sql.size();
   if (code == SQLITE_OK) return result;
   result.message = code == SQLITE_AUTH && _forbidden ? forbidden : sqlite3_errmsg(_database);
   result.offset = sqlite3_error_offset(_database);
@@ -204,9 +211,12 @@ std::optional<ScriptFault> SchemaDatabase::runScript(std::string_view sql) {
     const std::string_view rest = sql.substr(begin);
     const Prepared prepared = prepare(rest);
     if (!prepared.message.empty()) {
-      const auto found = faultOf(*_database, rest);
-      fault = found ? ScriptFault{found->message, found->help, {begin + found->place.begin, begin + found->place.end}}
-                    : ScriptFault{prepared.message, {}, {begin, begin}};
+      const std::string_view statement = shortStatement(rest, prepared.offset);
+      const auto found = statement.empty() ? std::nullopt : faultOf(*_database, statement);
+      const std::size_t at = begin + static_cast<std::size_t>(std::max(prepared.offset, 0));
+      fault = found && found->message == prepared.message
+                  ? ScriptFault{found->message, found->help, {begin + found->place.begin, begin + found->place.end}}
+                  : ScriptFault{prepared.message, {}, {at, std::min(at + 1, sql.size())}};
     } else if (prepared.statement) {
       const auto message = run(*prepared.statement);
       const auto tokens = tokensOf(rest.substr(0, prepared.end));

@@ -40,6 +40,10 @@ struct Prepared {
   bool changesSchema = false;
 };
 
+// A text with the statement at its front that could not be prepared, up to the next ";": it is short enough to search
+// for the place of the fault, or empty.
+[[nodiscard]] std::string_view shortStatement(std::string_view sql, int offset);
+
 // Why a script or an upgrade failed.
 struct ScriptFault {
   std::string message;
@@ -61,12 +65,12 @@ class SchemaDatabase {
 
   [[nodiscard]] const std::vector<std::string>& indexedTables() const { return _indexed; }
 
-  // Runs all statements of a script up to the first that fails.
+  // Runs all statements of a script, which is followed by a zero byte, up to the first that fails.
   [[nodiscard]] std::optional<ScriptFault> runScript(std::string_view sql);
   // Creates what the file has, without rows. The file is opened for reading only. Returns why it cannot be read.
   [[nodiscard]] std::optional<std::string> copySchemaOf(const std::string& path);
 
-  // The first statement of a text.
+  // The first statement of a text, which is followed by a zero byte: SQLite would copy any other text as a whole.
   [[nodiscard]] Prepared prepare(std::string_view sql);
   // Runs a statement to its end; an absent failure is success.
   [[nodiscard]] std::optional<std::string> run(sqlite3_stmt& statement);

@@ -27,7 +27,6 @@ namespace {
 // The place of a fault is searched by preparing parts of the statement, at a cost that grows with its square. The
 // budget is some seconds, in square bytes.
 constexpr std::size_t searchBudget = 50'000'000;
-constexpr std::size_t searchOfOne = 16'000'000;
 // After so many variants of all methods, those with more than a few are covered by choice.
 constexpr std::size_t variantBudget = std::size_t{1} << 20U;
 constexpr std::size_t fewVariants = 1024;
@@ -104,7 +103,7 @@ class Verification::Work {
   // A unit of an upgrade is a script.
   std::optional<Defect> runText(const std::string& sql) {
     for (std::size_t begin = 0; begin < sql.size();) {
-      const std::string rest = sql.substr(begin);
+      const std::string_view rest = std::string_view(sql).substr(begin);
       const Prepared prepared = _schema.prepare(rest);
       if (!prepared.message.empty()) return moved(searched(rest, sqlDefect(prepared.message), prepared.offset), begin);
       const auto message = prepared.statement ? _schema.run(*prepared.statement) : std::nullopt;
@@ -207,18 +206,20 @@ class Verification::Work {
            share);
   }
 
-  Defect searched(const std::string& sql, Defect defect, int offset) {
-    const std::size_t begin = offset < 0 ? codeOf(sql).begin : static_cast<std::size_t>(offset);
+  Defect searched(std::string_view sql, Defect defect, int offset) {
+    const std::string_view statement = shortStatement(sql, offset);
+    const std::size_t begin = offset < 0 ? codeOf(statement).begin : static_cast<std::size_t>(offset);
     defect.place = {begin, std::min(begin + 1, sql.size())};
-    const std::size_t cost = sql.size() * sql.size();
-    if (cost < searchOfOne && _searchCost + cost < searchBudget) {
+    const std::size_t cost = statement.size() * statement.size();
+    if (!statement.empty() && _searchCost + cost < searchBudget) {
       _searchCost += cost;
-      if (const auto found = faultOf(_schema.handle(), sql); found && found->message == defect.message) {
+      if (const auto found = faultOf(_schema.handle(), statement); found && found->message == defect.message) {
         defect.place = found->place;
         defect.help = found->help;
       }
     }
-    if (defect.help.empty() && sql[defect.place->begin] == '"') defect.help = quotedHelp;
+    if (defect.help.empty() && defect.place->begin < sql.size() && sql[defect.place->begin] == '"')
+      defect.help = quotedHelp;
     return defect;
   }
 

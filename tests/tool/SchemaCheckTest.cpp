@@ -217,6 +217,12 @@ TEST(SchemaCheck, ReadsScriptsAndDatabases) {
   EXPECT_EQ(std::filesystem::last_write_time(database), before);
   EXPECT_FALSE(std::filesystem::exists(database + "-wal"));
 
+  // A dump of many statements with a fault is searched no further than the statement.
+  std::string dump = "CREATE TABLE book(title);\n";
+  for (int row = 0; row < 20000; ++row) dump += "INSERT INTO book VALUES ('" + std::to_string(row) + "');\n";
+  std::ofstream(script) << dump + "INSERT INTO bok VALUES (1);\n" + dump;
+  EXPECT_EQ(check(script).out, script + ":20002:13: error: no such table: bok [sql]\n");
+
   EXPECT_EQ(check((folder / "korvex_none").string()).code, ExitCodeTrouble);
   std::filesystem::resize_file(database, 60);
   EXPECT_EQ(check(database).code, ExitCodeTrouble);
