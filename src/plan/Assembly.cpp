@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <utility>
 
 #include "korvex/Plan.h"
@@ -8,6 +6,7 @@
 #include "korvex/QXDAOKeyValueFormatter.h"
 #include "plan/AssemblyState.h"
 #include "plan/Evaluation.h"
+#include "plan/PlanTitle.h"
 #include "plan/SqlText.h"
 #include "plan/UnitWalk.h"
 #include "platform/Strings.h"
@@ -15,14 +14,6 @@
 namespace korvex {
 
 namespace {
-
-// "method 'find'", "the upgrade to 2.5".
-std::string titleOf(const Plan& plan) {
-  if (plan.operation() != QXDAOOperationUpgrade) return "method " + quoted(plan.name());
-  std::array<char, 32> digits{};
-  const auto end = std::to_chars(digits.begin(), digits.end(), plan.method().toVersion()).ptr;
-  return "the upgrade to " + std::string(digits.data(), end);
-}
 
 std::string_view pathBehindName(std::string_view path) {
   const std::size_t dot = path.find('.');

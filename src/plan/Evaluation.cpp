@@ -148,33 +148,6 @@ std::int64_t ofBits(ExpressionOperation operation, std::int64_t left, std::int64
   }
 }
 
-constexpr std::array<std::string_view, static_cast<std::size_t>(ExpressionOperation::End)> symbols = [] {
-  std::array<std::string_view, static_cast<std::size_t>(ExpressionOperation::End)> table{};
-  const auto set = [&table](ExpressionOperation operation, std::string_view symbol) {
-    table[static_cast<std::size_t>(operation)] = symbol;
-  };
-  set(ExpressionOperation::Less, "<");
-  set(ExpressionOperation::LessOrEqual, "<=");
-  set(ExpressionOperation::Greater, ">");
-  set(ExpressionOperation::GreaterOrEqual, ">=");
-  set(ExpressionOperation::Add, "+");
-  set(ExpressionOperation::Subtract, "-");
-  set(ExpressionOperation::Multiply, "*");
-  set(ExpressionOperation::Divide, "/");
-  set(ExpressionOperation::Remainder, "%");
-  set(ExpressionOperation::BitAnd, "&");
-  set(ExpressionOperation::BitOr, "|");
-  set(ExpressionOperation::BitXor, "^");
-  set(ExpressionOperation::ShiftLeft, "<<");
-  set(ExpressionOperation::ShiftRight, ">>");
-  set(ExpressionOperation::Negate, "-");
-  set(ExpressionOperation::Plus, "+");
-  set(ExpressionOperation::Complement, "~");
-  return table;
-}();
-
-std::string_view symbolOf(ExpressionOperation operation) { return symbols[static_cast<std::size_t>(operation)]; }
-
 class ExpressionMachine {
  public:
   ExpressionMachine(const std::vector<ExpressionStep>& steps, ValueScope& scope, std::vector<ValueView>& stack,

@@ -352,4 +352,11 @@ std::optional<ExpressionFault> findExpressionFault(std::string_view expression, 
   return compileExpression(expression, tokens, AnyName(), store);
 }
 
+// Of two symbols for one operation, the first.
+std::string_view symbolOf(ExpressionOperation operation) {
+  if (const auto* binary = entryOf(binaryOperators, operation, &BinaryOperator::operation)) return binary->symbol;
+  const auto* unary = entryOf(unaryOperators, operation, &UnaryOperator::operation);
+  return unary ? unary->symbol : std::string_view();
+}
+
 }  // namespace korvex

@@ -38,4 +38,7 @@ struct ExpressionStore {
                                                                std::span<const QXDAOToken> tokens,
                                                                const NameResolver& names, ExpressionStore& store);
 
+// The symbol of an operator, such as "=="; empty for anything else.
+[[nodiscard]] std::string_view symbolOf(ExpressionOperation operation);
+
 }  // namespace korvex

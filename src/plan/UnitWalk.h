@@ -3,15 +3,15 @@
 //
 // Maker has the following members; each bool is false to end the walk with a failure.
 //
-//   bool test(instruction, bool& applies)      the outcome of an If, before WantsTrue
-//   bool entries(at, std::size_t& count)       the entries of a foreach
-//   bool enter(at, entry, count)               prepares an entry
-//   void leave(at)                             after the last entry
-//   bool pairs(instruction, std::size_t& count)  the pairs of a format; writes count and names to the key
-//   bool bind(instruction)                     a value
-//   std::string_view table()                   the assigned table
-//   bool refuseAll(message, at)                a statement that would change all rows
-//   void dropValues()                          the unit quits
+//   bool test(instruction, bool& outcome)         the outcome of an If, before WantsTrue
+//   bool entries(at, std::size_t& count)          the entries of a foreach
+//   bool enter(at, entry, count)                  prepares an entry
+//   void leave(at)                                after the last entry
+//   bool pairs(instruction, std::size_t& count)   the pairs of a format; writes their number and names to the key
+//   bool bind(instruction)                        a value
+//   std::string_view table()                      the assigned table
+//   bool refuseAll(message, place)                a statement that would change all rows
+//   void dropValues()                             the unit quits
 #pragma once
 
 #include <cstddef>

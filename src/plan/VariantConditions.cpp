@@ -4,12 +4,11 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <optional>
 
 #include "korvex/QXDAOForeach.h"
 #include "korvex/QXDAOKeyValueFormatter.h"
 #include "plan/Evaluation.h"
-#include "platform/Tables.h"
+#include "plan/ExpressionParser.h"
 
 namespace korvex {
 
@@ -19,42 +18,12 @@ constexpr std::size_t maxCandidates = 64;
 constexpr double maxEntries = 16;
 constexpr double maxTextLength = 200;
 
-struct OperatorSymbol {
-  ExpressionOperation operation;
-  std::string_view symbol;
-};
-constexpr std::array<OperatorSymbol, 18> binarySymbols = {{
-    {ExpressionOperation::Equal, "=="},
-    {ExpressionOperation::NotEqual, "!="},
-    {ExpressionOperation::Identical, "==="},
-    {ExpressionOperation::NotIdentical, "!=="},
-    {ExpressionOperation::Less, "<"},
-    {ExpressionOperation::LessOrEqual, "<="},
-    {ExpressionOperation::Greater, ">"},
-    {ExpressionOperation::GreaterOrEqual, ">="},
-    {ExpressionOperation::Add, "+"},
-    {ExpressionOperation::Subtract, "-"},
-    {ExpressionOperation::Multiply, "*"},
-    {ExpressionOperation::Divide, "/"},
-    {ExpressionOperation::Remainder, "%"},
-    {ExpressionOperation::BitAnd, "&"},
-    {ExpressionOperation::BitOr, "|"},
-    {ExpressionOperation::BitXor, "^"},
-    {ExpressionOperation::ShiftLeft, "<<"},
-    {ExpressionOperation::ShiftRight, ">>"},
-}};
-constexpr std::array<OperatorSymbol, 4> unarySymbols = {{
-    {ExpressionOperation::Not, "!"},
-    {ExpressionOperation::Negate, "-"},
-    {ExpressionOperation::Plus, "+"},
-    {ExpressionOperation::Complement, "~"},
-}};
+bool isBinary(ExpressionOperation operation) {
+  return operation >= ExpressionOperation::Equal && operation <= ExpressionOperation::ShiftRight;
+}
 
-template <std::size_t Size>
-std::string_view symbolOf(const std::array<OperatorSymbol, Size>& symbols, ExpressionOperation operation) {
-  const auto found = std::find_if(symbols.begin(), symbols.end(),
-                                  [operation](const OperatorSymbol& row) { return row.operation == operation; });
-  return found == symbols.end() ? std::string_view() : found->symbol;
+bool isUnary(ExpressionOperation operation) {
+  return operation >= ExpressionOperation::Not && operation <= ExpressionOperation::Complement;
 }
 
 bool isJump(ExpressionOperation operation) {
@@ -281,13 +250,11 @@ std::string VariantConditions::inWords(std::uint32_t begin, std::uint32_t end) c
   };
   for (std::uint32_t at = begin; at < end; ++at) {
     const ExpressionStep& step = _contents.expressions.steps[at];
-    const std::string_view binary = symbolOf(binarySymbols, step.operation);
-    const std::string_view unary = symbolOf(unarySymbols, step.operation);
-    if (!binary.empty()) {
+    if (isBinary(step.operation)) {
       const std::string right = taken();
-      stack.push_back((taken() + ' ').append(binary).append(" ").append(right));
-    } else if (!unary.empty()) {
-      stack.push_back(std::string(unary) + taken());
+      stack.push_back((taken() + ' ').append(symbolOf(step.operation)).append(" ").append(right));
+    } else if (isUnary(step.operation)) {
+      stack.push_back(std::string(symbolOf(step.operation)) + taken());
     } else if (step.operation == ExpressionOperation::Null) {
       stack.emplace_back("null");
     } else if (step.operation == ExpressionOperation::Integer) {
