@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "sqlite/Errors.h"
+#include "sqlite/ForbiddenStatements.h"
 
 namespace korvex {
 namespace {
@@ -30,11 +31,6 @@ int openFlags(const DatabaseOptions& options, ConnectionRole role) {
                      : creates        ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
                                       : SQLITE_OPEN_READWRITE;
   return access | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-}
-
-constexpr bool endsTransactions(int action) {
-  return action == SQLITE_TRANSACTION || action == SQLITE_SAVEPOINT || action == SQLITE_ATTACH ||
-         action == SQLITE_DETACH;
 }
 
 }  // namespace
@@ -150,7 +146,7 @@ int Connection::onProgress(void* connection) {
 int Connection::authorize(void* connection, int action, const char* /*unused*/, const char* /*unused*/,
                           const char* /*unused*/, const char* /*unused*/) {
   const bool guarded = static_cast<Connection*>(connection)->_guarded;
-  return guarded && endsTransactions(action) ? SQLITE_DENY : SQLITE_OK;
+  return guarded && isForbiddenAction(action) ? SQLITE_DENY : SQLITE_OK;
 }
 
 }  // namespace korvex

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "sqlite/Errors.h"
+#include "sqlite/ForbiddenStatements.h"
 #include "sqlite/Sealing.h"
 
 namespace korvex {
@@ -15,8 +16,6 @@ namespace {
 
 constexpr const char* severalStatements =
     "the SQL goes on behind its first statement, which alone would run; make each statement a step of its own";
-constexpr const char* forbiddenStatement =
-    "a method cannot begin or end transactions, or attach databases: every call is a transaction of its own";
 constexpr const char* writingSelect = "a select cannot change data; make it an insert, update or delete";
 
 bool isBlank(std::string_view sql) { return sql.find_first_not_of(" \t\r\n;") == std::string_view::npos; }

@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "sqlite/ForbiddenStatements.h"
 #include "verification/SqlFault.h"
 #include "verification/StandInModule.h"
 
@@ -24,8 +25,6 @@ constexpr int maxLength = 1 << 24;
 constexpr const char* limitPages = "PRAGMA max_page_count = 32768; PRAGMA temp_store = MEMORY";
 constexpr sqlite3_int64 maxMemory = sqlite3_int64{1} << 30U;
 
-constexpr const char* forbidden =
-    "a method cannot begin or end transactions, or attach databases: every call is a transaction of its own";
 constexpr const char* stopped = "stopped, since it runs for too long";
 
 // What may be set, because it changes what a schema means. Other settings are passed over.
@@ -36,9 +35,6 @@ constexpr std::array<std::string_view, 5> pragmasOfSchemas = {"foreign_keys", "l
 constexpr std::array<std::string_view, 9> readingPragmas = {"table_info",       "table_xinfo",   "table_list",
                                                             "index_list",       "index_info",    "index_xinfo",
                                                             "foreign_key_list", "function_list", "collation_list"};
-
-constexpr std::array<int, 4> forbiddenInMethods = {SQLITE_ATTACH, SQLITE_DETACH, SQLITE_TRANSACTION, SQLITE_SAVEPOINT};
-constexpr std::array<int, 2> forbiddenInScripts = {SQLITE_ATTACH, SQLITE_DETACH};
 
 template <typename Thing, std::size_t Size>
 bool isIn(const std::array<Thing, Size>& things, const Thing& thing) {
@@ -174,7 +170,9 @@ int SchemaDatabase::authorize(void* self, int action, const char* first, const c
     const bool allowed = isIn(readingPragmas, pragma) || isIn(pragmasOfSchemas, pragma);
     return allowed || !second ? SQLITE_OK : SQLITE_IGNORE;
   }
-  database._forbidden = database._trusted ? isIn(forbiddenInScripts, action) : isIn(forbiddenInMethods, action);
+  // Scripts may have transactions.
+  const bool attaches = action == SQLITE_ATTACH || action == SQLITE_DETACH;
+  database._forbidden = database._trusted ? attaches : isForbiddenAction(action);
   return database._forbidden ? SQLITE_DENY : SQLITE_OK;
 }
 
@@ -190,7 +188,7 @@ Prepared SchemaDatabase::prepare(std::string_view sql) {
   result.changesSchema = _changesSchema;
   result.end = tail ? std::min(static_cast<std::size_t>(tail - sql.data()), sql.size()) : sql.size();
   if (code == SQLITE_OK) return result;
-  result.message = code == SQLITE_AUTH && _forbidden ? forbidden : sqlite3_errmsg(_database);
+  result.message = code == SQLITE_AUTH && _forbidden ? forbiddenStatement : sqlite3_errmsg(_database);
   result.offset = sqlite3_error_offset(_database);
   return result;
 }
