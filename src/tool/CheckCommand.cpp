@@ -111,7 +111,8 @@ class Check {
   void addSetFindings(const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
       const bool known = finding.rule == &ruleOf(SchemaRule::NotRunnable) && _places.contains(placeOf(finding));
-      if (!known && _selection.wants(*finding.rule)) addFinding(withSeverity(finding));
+      const bool wanted = finding.severity == Severity::Error || _selection.wants(*finding.rule);
+      if (!known && wanted) addFinding(withSeverity(finding));
     }
   }
 

@@ -127,7 +127,7 @@ std::vector<Finding> SchemaCheck::runWithoutSchema(bool isWholeSet) const {
 void SchemaCheck::removeSuppressed(std::vector<Finding>& findings) const {
   for (const auto& [path, document] : _verified) {
     const auto isWarning = [file = document.file.get()](const Finding& finding) {
-      return finding.rule->severity == Severity::Warning && finding.definition && finding.location.file.get() == file;
+      return finding.severity == Severity::Warning && finding.definition && finding.location.file.get() == file;
     };
     if (std::none_of(findings.begin(), findings.end(), isWarning)) continue;
     const Places places(*document.file->source);

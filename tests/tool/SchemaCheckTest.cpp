@@ -143,6 +143,15 @@ TEST(SchemaCheck, FindsWhatNoEngineCanLoad) {
       run({"check", "-"}, "<k><select id='a' result='int' arguments='b'>SELECT #{b} + #{c} + :c</select></k>").out, "");
 }
 
+// A definition that is left out is never silent.
+TEST(SchemaCheck, ErrorsCannotBeDisabled) {
+  const std::string wrong =
+      "<!-- korvex: allow not-runnable --><select id='a' result='int' arguments='b'>SELECT :b, :c</select>";
+  EXPECT_EQ(findings(wrong, {"--no-warn", "not-runnable"}),
+            "2:89: error: 'c' is no argument of method 'a': declare it, or write one of b [not-runnable]\n");
+  EXPECT_EQ(run({"check", "-"}, "<k>" + wrong + "</k>").out, "");
+}
+
 TEST(SchemaCheck, TakesWhatTheAppDeclares) {
   const std::string uses =
       "<upgrade toVersion='2'>CREATE VIRTUAL TABLE words USING icu (title, body, limit=3)</upgrade>"
