@@ -40,6 +40,25 @@ Value numberValue(double number) {
   return whole ? Value(static_cast<std::int64_t>(number)) : Value(number);
 }
 
+bool isLiteralNumber(ExpressionOperation operation) {
+  return operation == ExpressionOperation::Integer || operation == ExpressionOperation::Real;
+}
+
+// Whether the steps only compare values with literals, so that the candidates stand for all values. Arithmetic would
+// need others.
+bool onlyCompares(const std::vector<ExpressionStep>& steps) {
+  for (std::size_t at = 0; at < steps.size(); ++at) {
+    const ExpressionOperation operation = steps[at].operation;
+    const bool isSign = operation == ExpressionOperation::Negate || operation == ExpressionOperation::Plus;
+    const bool compares =
+        operation <= ExpressionOperation::Path || isJump(operation) ||
+        (operation >= ExpressionOperation::Equal && operation <= ExpressionOperation::GreaterOrEqual) ||
+        operation == ExpressionOperation::Not || operation == ExpressionOperation::Truth;
+    if (!compares && !(isSign && at > 0 && isLiteralNumber(steps[at - 1].operation))) return false;
+  }
+  return true;
+}
+
 // "a.count" measures "a".
 struct MeasuredPath {
   std::string_view path;
@@ -124,8 +143,9 @@ void VariantConditions::readExpression(std::uint32_t first) {
   std::vector<std::string> texts;
   for (std::uint32_t at = first; steps[at].operation != ExpressionOperation::End; ++at) {
     const ExpressionStep& step = steps[at];
-    if (step.operation == ExpressionOperation::Integer) numbers.push_back(static_cast<double>(step.integer));
-    if (step.operation == ExpressionOperation::Real) numbers.push_back(step.real);
+    const double sign = steps[at + 1].operation == ExpressionOperation::Negate ? -1 : 1;
+    if (step.operation == ExpressionOperation::Integer) numbers.push_back(sign * static_cast<double>(step.integer));
+    if (step.operation == ExpressionOperation::Real) numbers.push_back(sign * step.real);
     if (step.operation == ExpressionOperation::Text) texts.emplace_back(step.text());
     if (step.operation != ExpressionOperation::Path) continue;
     const MeasuredPath path = measured(step.text());
@@ -168,6 +188,9 @@ void VariantConditions::makeCandidates(VariantSubject& subject) const {
   }
   const auto& arguments = *_method.arguments();
   const bool notNull = subject.path.empty() && subject.slot < arguments.size() && arguments[subject.slot].notNull();
+  const double largest = subject.numbers.empty() ? 0 : subject.numbers.back();
+  subject.isRepresented = candidates.size() < maxCandidates && !(subject.list && largest >= maxEntries) &&
+                          !(subject.measured && largest >= maxTextLength);
   if (candidates.size() > maxCandidates - 1) candidates.resize(maxCandidates - 1);
   if (!notNull) candidates.emplace_back();
   subject.possible = ~CandidateMask{0} >> (maxCandidates - candidates.size());
@@ -199,13 +222,17 @@ void VariantConditions::ask(VariantAtom& atom, std::uint32_t begin, std::uint32_
     step.bytes = path.member.data();
     step.length = static_cast<std::uint32_t>(path.member.size());
   }
-  if (several || atom.subject == VariantAtom::none) return void(atom.subject = VariantAtom::none);
+  const bool isConstant = !several && atom.subject == VariantAtom::none;
+  const bool isFollowed = !several && (isConstant || (_subjects[atom.subject].isRepresented && onlyCompares(steps)));
+  if (!isFollowed) return void(atom.subject = VariantAtom::none);
+  atom.isConstant = isConstant;
   steps.emplace_back();
   ValueScope scope;
   scope.set = _contents.set;
   std::vector<ValueView> stack;
   ValueFailure failure;
-  const std::vector<Value>& candidates = _subjects[atom.subject].candidates;
+  const std::vector<Value> noCandidates(1);
+  const std::vector<Value>& candidates = isConstant ? noCandidates : _subjects[atom.subject].candidates;
   for (std::size_t candidate = 0; candidate < candidates.size(); ++candidate) {
     scope.slots = {candidates[candidate].view()};
     const auto value = evaluate(steps, 0, scope, stack, failure);

@@ -25,6 +25,7 @@ struct VariantSubject {
   std::string_view path;  // after the name
   std::vector<Value> candidates;
   CandidateMask possible = 0;
+  bool isRepresented = true;  // false if there are too many or too large literals for candidates
 
   // Found while the conditions are read.
   bool list = false;
@@ -38,9 +39,10 @@ struct VariantSubject {
 struct VariantAtom {
   static constexpr std::uint32_t none = ~std::uint32_t{0};
 
-  std::uint32_t subject = none;  // none if it asks for several values, or for none
+  std::uint32_t subject = none;  // the only value that it compares with literals
   CandidateMask yes = 0;         // the candidates for which it is true
   CandidateMask no = 0;          // and false; it fails for all others
+  bool isConstant = false;       // it asks for no value; then one of the masks says what it is
   std::uint32_t question = 0;
   bool flipped = false;  // it is the negation of its question
 };

@@ -107,6 +107,7 @@ class VariantWalk : public UnitWalk<VariantWalk> {
   bool decide(const Operand& operand, bool& truth) {
     if (operand.known) return truth = operand.truth, true;
     const VariantAtom& atom = _course.conditions.atomOf(operand.begin, operand.end);
+    if (atom.isConstant && (atom.yes | atom.no) != 0) return truth = atom.yes != 0, true;
     if (atom.subject == VariantAtom::none || (atom.yes | atom.no) == 0) return decideAlone(atom, truth);
     CandidateMask& left = _facts[atom.subject];
     const std::array<CandidateMask, 2> masks = {left & atom.no, left & atom.yes};

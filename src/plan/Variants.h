@@ -2,7 +2,8 @@
 //
 // A condition is tried both ways, a list with 0, 1 and 2 entries, a format with none and one. Outcomes that no
 // arguments can have together are left out: each value is followed through all conditions that compare it with literals
-// and with nothing else. Conditions that combine several values count as independent, unless they are written alike.
+// and with nothing else. Conditions that combine several values or calculate count as independent, unless they are
+// written alike.
 //
 // The decisions only depend on the unit, so the same set has the same variants in the same order every time.
 #pragma once

@@ -65,6 +65,13 @@ constexpr VariantCase variantCases[] = {
     {"p", "<if true='p.a'>A</if>B<if true='p.b'>C</if>",
      "A B C (p.a is true, p.b is true); A B (p.a is true, p.b is false); B C (p.a is false, p.b is true); B (p.a is "
      "false, p.b is false)"},
+    // What is calculated is not followed, so that no variant is missed.
+    {"a", "<if true='-a > 3'>A</if>B", "A B (-a > 3 is true); B (-a > 3 is false)"},
+    {"a", "<if true='a * 2 == 7'>A</if>B", "A B (a * 2 == 7 is true); B (a * 2 == 7 is false)"},
+    {"a", "<if true='a > -1e3'>A</if><if true='a > -5'>B</if>C",
+     "A B C (a > -1000 is true, a > -5 is true); A C (a > -1000 is true, a > -5 is false); C (a > -1000 is false)"},
+    {"l", "<if true='l.count > 99'>A</if>B", "A B (l.count > 99 is true); B (l.count > 99 is false)"},
+    {"a", "<if true='1 > 2'>A</if><if true='true'>B</if>", "B ()"},
     {"a", "<if true=\"a == 'x' &amp;&amp; a > 3\">A</if>B",
      "B (a == 'x' is false)"},  // texts and numbers have no order
     {"t", "<if true='t.length > 3'>A</if>B<if true='t'>C</if>",
