@@ -1,17 +1,19 @@
-# korvex_check_definitions(TARGET PATH... [WARNINGS_AS_ERRORS] [SCHEMA SOURCE] [OPTIONS OPTION...])
+# korvex_check_definitions(TARGET PATH... [WARNINGS_AS_ERRORS] [SCHEMA SOURCE] [MODELS FILE]
+#                          [OPTIONS OPTION...])
 #
 # Runs `korvex-dao check` on definition documents before TARGET is built. An error in a document fails the build, with its
 # line and column; with WARNINGS_AS_ERRORS, a warning does, too. The check runs again when a document is changed, added or
 # removed. A PATH is a file, or a directory with *.xml files. A file that the build generates is recognised by its property
 # GENERATED, which an earlier add_custom_command sets. With SCHEMA, the SQL is checked against the schema of that SOURCE:
-# "upgrades" for that of the upgrades in the documents, an SQL script, or a database. OPTIONS are passed to `korvex-dao check`.
+# "upgrades" for that of the upgrades in the documents, an SQL script, or a database. With MODELS, classes and properties are
+# checked against those of a C++ FILE with model classes, or of the JSON that `korvex-dao models` prints. OPTIONS are passed to `korvex-dao check`.
 #
 # The command is that of this package. KORVEX_DAO_EXECUTABLE names another one, which is needed when cross-compiling.
 # Without either, the command is searched on the path.
 include_guard(GLOBAL)
 
 function(korvex_check_definitions target)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "WARNINGS_AS_ERRORS" "SCHEMA" "OPTIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "WARNINGS_AS_ERRORS" "SCHEMA;MODELS" "OPTIONS")
   if(ARG_WARNINGS_AS_ERRORS)
     list(APPEND ARG_OPTIONS --werror)
   endif()
@@ -22,6 +24,10 @@ function(korvex_check_definitions target)
   endif()
   if(ARG_SCHEMA)
     list(APPEND ARG_OPTIONS --schema ${ARG_SCHEMA})
+  endif()
+  if(ARG_MODELS)
+    cmake_path(ABSOLUTE_PATH ARG_MODELS NORMALIZE)
+    list(APPEND ARG_OPTIONS --models ${ARG_MODELS})
   endif()
   set(paths ${ARG_UNPARSED_ARGUMENTS})
   if(NOT TARGET ${target})
@@ -47,7 +53,7 @@ function(korvex_check_definitions target)
       list(APPEND documents ${path})
     else()
       message(FATAL_ERROR "korvex_check_definitions: there is no ${path}, and no command before makes it; "
-        "the keywords are WARNINGS_AS_ERRORS, SCHEMA and OPTIONS")
+        "the keywords are WARNINGS_AS_ERRORS, SCHEMA, MODELS and OPTIONS")
     endif()
   endforeach()
 
@@ -78,7 +84,7 @@ function(korvex_check_definitions target)
   add_custom_command(OUTPUT ${stamp}
     COMMAND ${command} check --format text ${ARG_OPTIONS} -- ${checked}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
-    DEPENDS ${documents} ${documents_list} ${schema_file} ${command}
+    DEPENDS ${documents} ${documents_list} ${schema_file} ${ARG_MODELS} ${command}
     COMMENT "Checking the definitions of ${target}"
     VERBATIM
   )

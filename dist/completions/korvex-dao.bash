@@ -16,13 +16,14 @@ _korvex_dao() {
   case "$command $previous" in
     'check --format') words='github json sarif short text' ;;
     'check --color') words='always auto never' ;;
-    'check --warn') words='not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
-    'check --no-warn') words='not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
+    'check --warn') words='not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unknown-class unknown-property unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
+    'check --no-warn') words='not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unknown-class unknown-property unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning' ;;
     'check --schema') words='' ;;
     'check --function') words='' ;;
     'check --collation') words='' ;;
     'check --module') words='' ;;
     'check --indexed') words='' ;;
+    'check --models') files=yes ;;
     'check --max-bytes') words='' ;;
     'explain --format') words='markdown text' ;;
     'dump --format') words='json tree' ;;
@@ -48,14 +49,15 @@ _korvex_dao() {
     'lsp --max-bytes') words='' ;;
     *)
       case $command in
-        '') options='-h --help --version' words='check explain dump unpack run upgrade sql schema lsp completion' ;;
-        check) options='-h --help --format --color --warn --no-warn --werror --schema --function --collation --module --indexed --no-strict --keep-white-space --max-bytes' files=yes ;;
+        '') options='-h --help --version' words='check explain dump unpack run upgrade sql models schema lsp completion' ;;
+        check) options='-h --help --format --color --warn --no-warn --werror --schema --function --collation --module --indexed --models --no-strict --keep-white-space --max-bytes' files=yes ;;
         explain) options='-h --help --format' words='' ;;
         dump) options='-h --help --format --no-strict --keep-white-space --max-bytes' files=yes ;;
         unpack) options='-h --help --hex --db --table --column --where --format' files=yes ;;
         run) options='-h --help --db --arguments --table --format --print-sql --write' words='' ;;
         upgrade) options='-h --help --db' files=yes ;;
         sql) options='-h --help --schema --function --collation --module --plan --table' words='' ;;
+        models) options='-h --help' files=yes ;;
         schema) options='-h --help --format --root'  ;;
         lsp) options='-h --help --stdio --max-bytes'  ;;
         completion) options='-h --help' words='bash fish zsh' ;;

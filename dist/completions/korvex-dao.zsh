@@ -10,6 +10,7 @@ _korvex-dao() {
     'run:Run a method on an SQLite database'
     'upgrade:Upgrade an SQLite database to the newest version'
     'sql:Print the variants of a method as SQL'
+    'models:Print the model classes of an app, for '\''check --models'\'''
     'schema:Print a schema of definition documents, for editors'
     'lsp:Serve an editor as a language server'
     'completion:Print a shell completion script for korvex-dao'
@@ -30,14 +31,15 @@ _korvex-dao() {
             '(-h --help)--help[Print this help message and exit]' \
             '(--format)--format=[The output format\: text (default), short, json, sarif, or github]:WORD:(github json sarif short text)' \
             '(--color)--color=[When to use color\: always, never, or auto (default)\: on a terminal, unless NO_COLOR is set]:WORD:(always auto never)' \
-            '*--warn=[Enable the warnings with this name; repeatable]:NAME:(not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
-            '*--no-warn=[Disable the warnings with this name; repeatable]:NAME:(not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
+            '*--warn=[Enable the warnings with this name; repeatable]:NAME:(not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unknown-class unknown-property unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
+            '*--no-warn=[Disable the warnings with this name; repeatable]:NAME:(not-runnable reading-update lost-where full-scan unread-columns repeated-result-column unyielded-column pack-column unused-definition unused-argument unknown-class unknown-property unread-attribute duplicate-name duplicate-version undefined-map unfinished-list-reference ignored-content misplaced-when duplicate-column repeated-property duplicate-argument malformed-argument empty-method doubled-keyword lost-resumable doubtful-value expression-syntax unused-suppression unknown-warning)' \
             '(--werror)--werror[Treat warnings as errors]' \
             '(--schema)--schema=[Check all SQL against a schema\: '\''upgrades'\'' for that of the upgrades, an SQL script, or a database]:SOURCE: ' \
             '*--function=[Declare an SQL function of the app, NAME/ARGS; repeatable]:NAME/ARGS: ' \
             '*--collation=[Declare a collation of the app; repeatable]:NAME: ' \
             '*--module=[Declare a module of virtual tables of the app; repeatable]:NAME: ' \
             '*--indexed=[Warn where a statement reads all rows of this table; repeatable]:TABLE: ' \
+            '(--models)--models=[Check classes and properties against these\: C++ with model classes, or JSON from '\''models'\'']:FILE:_files' \
             '(--no-strict)--no-strict[Skip the well-formedness check; only for documents that have passed it before]' \
             '(--keep-white-space)--keep-white-space[Keep white-space-only text; maps with indented children are then rejected]' \
             '(--max-bytes)--max-bytes=[The maximum size of a document in bytes (default\: 67108864)]:N: ' \
@@ -105,6 +107,12 @@ _korvex-dao() {
             '(--table)--table=[The table for a method with assignedTable (default\: T)]:NAME: ' \
             ':PATH:_files' \
             ':METHOD: '
+          ;;
+        models)
+          _arguments \
+            '(-h --help)-h[Print this help message and exit]' \
+            '(-h --help)--help[Print this help message and exit]' \
+            ':FILE:_files'
           ;;
         schema)
           _arguments \

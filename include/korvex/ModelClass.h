@@ -109,6 +109,8 @@ struct ModelField {
   FieldOperations<std::shared_ptr<ModelObject>> object;
   FieldOperations<OptionalBinaryView> binary;
   ScalarOperations scalar;
+  // The class of the objects that the field holds; null for other fields.
+  const ModelClass& (*objectClass)() = nullptr;
 };
 
 struct ModelProperty {
@@ -287,6 +289,7 @@ struct FieldAccess<std::optional<std::vector<std::byte>>> {
 template <ModelType T>
 struct FieldAccess<std::shared_ptr<T>> {
   using Value = std::shared_ptr<ModelObject>;
+  using Object = T;
   static constexpr const char* typeEncoding = objectTypeCode;
   static Value get(const std::shared_ptr<T>& field) { return field; }
   static void set(std::shared_ptr<T>& field, const Value& value) {
@@ -297,6 +300,7 @@ struct FieldAccess<std::shared_ptr<T>> {
 template <ModelType T>
 struct FieldAccess<std::weak_ptr<T>> {
   using Value = std::shared_ptr<ModelObject>;
+  using Object = T;
   static constexpr const char* typeEncoding = objectTypeCode;
   static Value get(const std::weak_ptr<T>& field) { return field.lock(); }
   static void set(std::weak_ptr<T>& field, const Value& value) {
@@ -307,6 +311,7 @@ struct FieldAccess<std::weak_ptr<T>> {
 template <ModelType T>
 struct FieldAccess<T*> {
   using Value = std::shared_ptr<ModelObject>;
+  using Object = T;
   static constexpr const char* typeEncoding = objectTypeCode;
   // Does not share ownership: the owner of the object keeps it alive.
   static Value get(T* const& field) { return Value(Value(), field); }
@@ -334,7 +339,7 @@ class ModelDescription {
     addEntry(_class.fields, {std::move(fieldName), FieldAccess<Type>::typeEncoding, offsetOf(member),
                              operations<Type, OptionalStringView>(), operations<Type, OptionalNumber>(),
                              operations<Type, std::shared_ptr<ModelObject>>(), operations<Type, OptionalBinaryView>(),
-                             scalarOperations<Type>()});
+                             scalarOperations<Type>(), objectClass<Type>()});
   }
 
   // A computed property.
@@ -355,6 +360,14 @@ class ModelDescription {
               [](void* field, const Value& value) { FieldAccess<Type>::set(*static_cast<Type*>(field), value); }};
     }
     return {};
+  }
+
+  template <typename Type>
+  static const ModelClass& (*objectClass())() {
+    if constexpr (requires { typename FieldAccess<Type>::Object; }) {
+      return []() -> const ModelClass& { return FieldAccess<Type>::Object::describedClass(); };
+    }
+    return nullptr;
   }
 
   template <typename Type>

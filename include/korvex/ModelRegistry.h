@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <string>
 #include <string_view>
 
 #include "korvex/Export.h"
@@ -27,6 +28,14 @@ class KORVEX_EXPORT ModelRegistry {
 
   // Null if there is none with that name. Its `create` makes an object.
   [[nodiscard]] const ModelClass* find(std::string_view name) const;
+
+  // The classes as JSON for `korvex-dao check --models`, by name, with the properties that they declare and inherit:
+  //
+  //   {"classes": [{"name": "Person", "properties": [{"name": "address", "type": "object", "class": "Address"}, …]},
+  //   …]}
+  //
+  // The type is bool, integer, real, string, number, binary or object; an object of a class with a name has that class.
+  [[nodiscard]] std::string json() const;
 
  private:
   std::map<std::string_view, const ModelClass*> _classes;

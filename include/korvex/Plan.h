@@ -73,6 +73,7 @@ class KORVEX_EXPORT PlanUnit {
   friend class PlanCompiler;
   friend class Assembly;
   friend class AssembledText;
+  friend class PathUseWalk;
   friend class VariantSearch;
   friend class VariantText;
 

@@ -36,7 +36,7 @@ enum class Warning {
   UnknownWarning,
 };
 
-// What only a check against a schema finds.
+// What depends on a whole set, on its schema or on the model classes of the app.
 enum class SchemaRule {
   NotRunnable,
   Sql,
@@ -49,6 +49,8 @@ enum class SchemaRule {
   PackColumn,
   UnusedDefinition,
   UnusedArgument,
+  UnknownClass,
+  UnknownProperty,
 };
 
 // What a rule is about: a definition's error, a whole document's, a warning, or the SQL.

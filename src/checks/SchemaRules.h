@@ -1,4 +1,4 @@
-// The rules among all that need a schema.
+// The rules among all that need a whole set, a schema or the model classes of the app.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace korvex {
 
-inline constexpr std::array<Rule, 11> schemaRules = {{
+inline constexpr std::array<Rule, 13> schemaRules = {{
     {SchemaRule::NotRunnable, "not-runnable", Severity::Warning, true, "A definition that the engine cannot load",
      "Declare the value, or correct the name.",
      "An engine builds a set of all definitions. Values that no argument declares, references to unknown blocks and "
@@ -133,6 +133,31 @@ inline constexpr std::array<Rule, 11> schemaRules = {{
 <select id="names" result="[string]" arguments="part">
   SELECT name FROM person WHERE name LIKE :part
 </select>)"},
+    {SchemaRule::UnknownClass, "unknown-class", Severity::Warning, true, "A class that the app does not have",
+     "Correct the name, or add the class to the models.",
+     "With --models, the classes that results, maps and crypt elements name are looked up among those of the app, by "
+     "the "
+     "name that className gives them. An engine cannot create objects of another class.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>
+<select id="all" result="[Persn]">SELECT name FROM person</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>
+<select id="all" result="[Person]">SELECT name FROM person</select>)"},
+    {SchemaRule::UnknownProperty, "unknown-property", Severity::Warning, true,
+     "A property that a model class does not have", "Correct the name, or declare the property.",
+     "With --models, the properties that maps, packs and crypt elements name, and those that SQL and conditions read "
+     "from "
+     "arguments and items, are looked up. An argument has no declared class. It is taken for an object if its name is "
+     "that of a class, as in :person and :newPerson, or if a class has more than half of the properties that the "
+     "method "
+     "reads from it. Other arguments may be dictionaries, with any keys.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>
+<insert id="add" arguments="person">
+  INSERT INTO person (name) VALUES (:person.nam)
+</insert>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (name TEXT)</upgrade>
+<insert id="add" arguments="person">
+  INSERT INTO person (name) VALUES (:person.name)
+</insert>)"},
 }};
 
 }  // namespace korvex

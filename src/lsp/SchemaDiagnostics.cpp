@@ -21,18 +21,21 @@ std::vector<std::string> namesIn(const Json& options, const char* key) {
   return names;
 }
 
+// A relative path is that of a file in the first folder.
+std::string inFirstFolder(const std::string& path, const Workspace& workspace) {
+  if (path.empty() || workspace.folders().empty()) return path;
+  return (std::filesystem::path(workspace.folders().front()) / path).string();
+}
+
 }  // namespace
 
-// A relative path is that of a file in the first folder.
 void SchemaDiagnostics::configure(const Json& initializeParams, const Workspace& workspace) {
   const Json& options = member(initializeParams, "initializationOptions");
   _source = stringOf(member(options, "schema"));
   _extensions = {namesIn(options, "functions"), namesIn(options, "collations"), namesIn(options, "modules"),
                  namesIn(options, "indexed")};
-  const bool isPath = !_source.empty() && _source != verification::schemaOfUpgrades;
-  if (isPath && !workspace.folders().empty()) {
-    _source = (std::filesystem::path(workspace.folders().front()) / _source).string();
-  }
+  _models = inFirstFolder(stringOf(member(options, "models")), workspace);
+  if (_source != verification::schemaOfUpgrades) _source = inFirstFolder(_source, workspace);
 }
 
 std::optional<SchemaDiagnostics::Findings> SchemaDiagnostics::check(const Workspace& workspace,
@@ -44,6 +47,7 @@ std::optional<SchemaDiagnostics::Findings> SchemaDiagnostics::check(const Worksp
     if (!uri.empty()) openUris.emplace(path, uri);
     if (result.document) check.add(path, std::move(result.document));
   });
+  if (!_models.empty()) check.useModels(verification::ModelList::read(_models).models);
   verification::SchemaCheckResult result = check.run(_source, _extensions, goesOn);
   if (!result.whole || !result.unreadable.empty()) return std::nullopt;
   Findings findings;

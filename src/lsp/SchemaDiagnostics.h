@@ -15,7 +15,7 @@ namespace korvex::lsp {
 
 class SchemaDiagnostics {
  public:
-  // Reads "schema", "functions", "collations" and "modules" of the client's initializationOptions.
+  // Reads "schema", "models", "functions", "collations" and "modules" of the client's initializationOptions.
   void configure(const Json& initializeParams, const Workspace& workspace);
   [[nodiscard]] bool isWanted() const { return !_source.empty(); }
 
@@ -25,6 +25,7 @@ class SchemaDiagnostics {
 
  private:
   std::string _source;
+  std::string _models;
   verification::AppExtensions _extensions;
 };
 

@@ -99,11 +99,17 @@ class Check {
 
   // What depends on how the definitions fit together, and the schema.
   void checkSet() {
+    if (!_options.models.empty()) readModels();
     if (!_options.schema.empty()) return checkSchema();
     if (checksSet()) addSetFindings(_schemaCheck.runWithoutSchema(holdsWholeSet(_options.paths) && _unreadable == 0));
   }
+  void readModels() {
+    verification::ModelList::Reading reading = verification::ModelList::read(_options.models);
+    if (!reading.fault.empty()) addUnreadable({_options.models, reading.fault});
+    _schemaCheck.useModels(std::move(reading.models));
+  }
   [[nodiscard]] bool checksSet() const {
-    return !_options.schema.empty() || _selection.wants(ruleOf(SchemaRule::NotRunnable)) ||
+    return !_options.schema.empty() || !_options.models.empty() || _selection.wants(ruleOf(SchemaRule::NotRunnable)) ||
            _selection.wants(ruleOf(SchemaRule::UnusedArgument));
   }
 

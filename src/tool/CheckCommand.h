@@ -24,6 +24,7 @@ struct CheckOptions {
   bool warningsAreErrors = false;
   std::string schema;  // "upgrades", an SQL script or a database; empty to check no SQL
   verification::AppExtensions extensions;
+  std::string models;  // the model classes, as JSON or C++; empty to check no classes
 };
 
 // Findings go to `console.out`; a summary line and inputs that cannot be read to `console.err`.

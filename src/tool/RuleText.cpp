@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "platform/Strings.h"
+#include "platform/Tables.h"
 
 namespace korvex {
 namespace {
@@ -13,11 +14,24 @@ namespace {
 constexpr std::size_t width = 80;
 constexpr std::string_view indentation = "  ";
 
+// What the rules need that do not need a schema.
+struct SchemaNeed {
+  SchemaRule rule;
+  std::string_view option;
+};
+constexpr auto schemaNeeds = std::to_array<SchemaNeed>({
+    {SchemaRule::NotRunnable, ""},
+    {SchemaRule::UnusedArgument, ""},
+    {SchemaRule::UnknownClass, "with --models"},
+    {SchemaRule::UnknownProperty, "with --models"},
+});
+
 // Errors cannot be disabled: a definition that violates such a rule is not built, or cannot be run.
 std::string_view defaultOf(const Rule& rule) {
-  const auto* schemaRule = std::get_if<SchemaRule>(&rule.id);
-  if (schemaRule && *schemaRule != SchemaRule::NotRunnable && *schemaRule != SchemaRule::UnusedArgument) {
-    return "with --schema";
+  if (const auto* schemaRule = std::get_if<SchemaRule>(&rule.id)) {
+    const SchemaNeed* need = rowWith(schemaNeeds, &SchemaNeed::rule, *schemaRule);
+    if (!need) return "with --schema";
+    if (!need->option.empty()) return need->option;
   }
   if (rule.severity == Severity::Error) return "always on";
   return rule.onByDefault ? "on" : "off";

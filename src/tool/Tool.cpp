@@ -20,6 +20,7 @@
 #include "tool/ExplainCommand.h"
 #include "tool/LanguageServerCommand.h"
 #include "tool/ManPage.h"
+#include "tool/ModelsCommand.h"
 #include "tool/RuleText.h"
 #include "tool/RunCommand.h"
 #include "tool/SchemaCommand.h"
@@ -110,6 +111,16 @@ Exit codes:
   0  every definition was built
   1  a definition was rejected, or the document is malformed
   2  invalid usage, unreadable input, or output that cannot be written)";
+
+constexpr const char* modelsFooter =
+    R"(In C++, each class is found by Model<Class>, with its className and its properties.
+Names that are no plain string literals are not seen. An app that computes names
+prints its classes at run time instead, with ModelRegistry::json().
+
+Examples:
+  korvex-dao models src/Models.h > models.json
+  korvex-dao check --models src/Models.h definitions/
+  korvex-dao check --models models.json --schema upgrades definitions/)";
 
 constexpr const char* schemaFooter = R"(A schema describes the elements and attributes to an editor. It is less strict
 than korvex-dao check. rnc and rng express more than xsd, which cannot allow an
@@ -285,6 +296,10 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->allow_extra_args(false)
       ->needs("--schema");
+  command
+      ->add_option("--models", options.models,
+                   "Check classes and properties against these: C++ with model classes, or JSON from 'models'")
+      ->type_name("FILE");
   addLoadOptions(*command, options.load);
   command->footer(std::string(checkFindings).append(warningList()).append(checkFooter));
   return command;
@@ -411,6 +426,15 @@ void addManPage(CLI::App& tool, const Console& console) {
   command->callback([&] { writeManPage(console.out, describe(tool)); });
 }
 
+CLI::App* addModels(CLI::App& tool, ModelsOptions& options) {
+  CLI::App* command = tool.add_subcommand("models", "Print the model classes of an app, for 'check --models'");
+  command->add_option("FILE", options.path, "C++ with model classes, or JSON from ModelRegistry::json()")
+      ->required()
+      ->type_name("");
+  command->footer(modelsFooter);
+  return command;
+}
+
 CLI::App* addSchema(CLI::App& tool, SchemaOptions& options) {
   CLI::App* command = tool.add_subcommand("schema", "Print a schema of definition documents, for editors");
   addChoice<schema::Format>(
@@ -463,6 +487,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   RunOptions runOptions;
   UpgradeOptions upgradeOptions;
   SqlOptions sqlOptions;
+  ModelsOptions modelsOptions;
   SchemaOptions schemaOptions;
   LanguageServerOptions serverOptions;
   const CLI::App* check = addCheck(tool, checkOptions);
@@ -472,6 +497,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   const CLI::App* run = addRun(tool, runOptions);
   const CLI::App* upgrade = addUpgrade(tool, upgradeOptions);
   const CLI::App* sql = addSql(tool, sqlOptions);
+  const CLI::App* models = addModels(tool, modelsOptions);
   const CLI::App* schema = addSchema(tool, schemaOptions);
   const CLI::App* server = addLanguageServer(tool, serverOptions);
   addCompletion(tool, console);
@@ -492,6 +518,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   if (run->parsed()) return runMethod(runOptions, console);
   if (upgrade->parsed()) return runUpgrade(upgradeOptions, console);
   if (sql->parsed()) return printVariants(sqlOptions, console);
+  if (models->parsed()) return listModels(modelsOptions, console);
   if (schema->parsed()) return runSchema(schemaOptions, console);
   if (server->parsed()) return runLanguageServer(serverOptions, console);
   if (unpack->parsed()) return runUnpack(unpackOptions, console);

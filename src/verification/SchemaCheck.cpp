@@ -9,6 +9,7 @@
 #include "checks/WarningList.h"
 #include "korvex/QXDAOMethod.h"
 #include "plan/SqlText.h"
+#include "verification/ModelChecks.h"
 #include "verification/SetChecks.h"
 
 namespace korvex::verification {
@@ -31,16 +32,6 @@ std::string_view wordAt(std::string_view text, std::size_t begin) {
   std::size_t end = begin;
   while (end < text.size() && isNameCharacter(text[end])) ++end;
   return text.substr(std::min(begin, text.size()), end - begin);
-}
-
-Finding faultOfSet(const VerifiedDocument& document, std::size_t offset, const DefinitionError& error) {
-  Finding finding;
-  finding.rule = &ruleOf(SchemaRule::NotRunnable);
-  finding.severity = finding.rule->severity;
-  finding.location = {document.file, {offset, offset + 1}};
-  finding.message = error.message;
-  if (const SharedDefinition* definition = document.definitionAt(offset)) finding.definition = *definition;
-  return finding;
 }
 
 }  // namespace
@@ -72,7 +63,9 @@ void SchemaCheck::addErrors(const RunnableSet& runnable, const std::function<boo
   for (const DefinitionError& error : runnable.errors) {
     const VerifiedDocument& document = _verified.find(error.document)->second;
     const std::size_t offset = offsetOf(*document.file->source, error.position);
-    if (!isIgnored(error) && !isInRejected(document, offset)) findings.push_back(faultOfSet(document, offset, error));
+    if (!isIgnored(error) && !isInRejected(document, offset)) {
+      findings.push_back(findingAt(document, SchemaRule::NotRunnable, {offset, offset + 1}, error.message));
+    }
   }
 }
 
@@ -98,7 +91,11 @@ bool SchemaCheck::bindsByReference(const RunnableSet& runnable) const {
 
 std::vector<Finding> SchemaCheck::runWithoutSchema(bool isWholeSet) const {
   std::vector<Finding> findings;
-  if (!bindsArguments()) return findings;
+  if (!bindsArguments()) {
+    addModelFindings(nullptr, findings);
+    removeSuppressed(findings);
+    return findings;
+  }
   const RunnableSet runnable = runnableSetOf(_documents);
   const bool checksReferences = isWholeSet && _rejected.empty() && !bindsByReference(runnable);
   const auto isIgnored = [checksReferences](const DefinitionError& error) {
@@ -119,8 +116,14 @@ std::vector<Finding> SchemaCheck::runWithoutSchema(bool isWholeSet) const {
     std::vector<Finding> unused = findingsOfSet(*runnable.set, _verified, {}, nullptr);
     std::move(unused.begin(), unused.end(), std::back_inserter(findings));
   }
+  addModelFindings(runnable.set.get(), findings);
   removeSuppressed(findings);
   return findings;
+}
+
+void SchemaCheck::addModelFindings(const DefinitionSet* set, std::vector<Finding>& findings) const {
+  std::vector<Finding> found = findingsOfModels(set, _verified, _models);
+  std::move(found.begin(), found.end(), std::back_inserter(findings));
 }
 
 // By comments before the definitions.
@@ -160,6 +163,7 @@ SchemaCheckResult SchemaCheck::run(const std::string& source, const AppExtension
   if (result.whole) verification.checkSet();
   std::vector<Finding> found = verification.takeFindings();
   std::move(found.begin(), found.end(), std::back_inserter(result.findings));
+  addModelFindings(runnable.set.get(), result.findings);
   removeSuppressed(result.findings);
   result.totals = verification.totals();
   return result;

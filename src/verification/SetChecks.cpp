@@ -112,14 +112,7 @@ class SetChecker {
   }
 
   void report(SchemaRule rule, std::size_t offset, std::string message, std::string help, std::size_t length = 1) {
-    Finding finding;
-    finding.rule = &ruleOf(rule);
-    finding.severity = finding.rule->severity;
-    finding.location = {_document->file, {offset, offset + length}};
-    finding.message = std::move(message);
-    finding.help = std::move(help);
-    finding.definition = *_definition;
-    _findings.push_back(std::move(finding));
+    _findings.push_back(findingAt(*_document, rule, {offset, offset + length}, std::move(message), std::move(help)));
   }
 
   const DefinitionSet& _set;

@@ -17,6 +17,18 @@ std::string_view VerifiedDocument::sourceOf(const Finding::InDefinition& definit
   return next == definitions.end() ? source : source.substr(0, (*next)->offset - definition.offset);
 }
 
+Finding findingAt(const VerifiedDocument& document, SchemaRule rule, const Span& span, std::string message,
+                  std::string help) {
+  Finding finding;
+  finding.rule = &ruleOf(rule);
+  finding.severity = finding.rule->severity;
+  finding.location = {document.file, span};
+  finding.message = std::move(message);
+  finding.help = std::move(help);
+  if (const SharedDefinition* definition = document.definitionAt(span.begin)) finding.definition = *definition;
+  return finding;
+}
+
 std::size_t offsetOf(const SourceText& source, const XMLPosition& position) {
   const std::string_view line = source.line(position.line);
   if (!line.data()) return 0;

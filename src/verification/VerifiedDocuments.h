@@ -28,6 +28,10 @@ struct VerifiedDocument {
 // By the name under which the set knows it.
 using VerifiedDocuments = std::map<std::string, VerifiedDocument, std::less<>>;
 
+// A finding in a document, in the definition that holds the span.
+[[nodiscard]] Finding findingAt(const VerifiedDocument& document, SchemaRule rule, const Span& span,
+                                std::string message, std::string help = {});
+
 // A place in a document as the set tells it; the start of the document if it has no such place.
 [[nodiscard]] std::size_t offsetOf(const SourceText& source, const XMLPosition& position);
 

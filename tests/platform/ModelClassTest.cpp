@@ -208,6 +208,37 @@ TEST(ModelRegistry, FindsClassesByTheirNames) {
   ASSERT_EQ(found, &Attachment::describedClass());
   EXPECT_EQ(&getClass(*found->create()), found);
   EXPECT_EQ(models.find("attachment"), nullptr);
+
+  class Letter : public Model<Letter, Attachment> {
+   public:
+    static void describe(ModelDescription<Letter>& model) {
+      model.className("a\t\"Letter\"");
+      model.property("reply", &Letter::reply);
+      model.property("number", &Letter::number);
+      model.property("pages", &Letter::pages);
+      model.propertyWithoutField<double>("weight");
+      model.property("name", &Letter::open);
+    }
+    std::shared_ptr<Attachment> reply;
+    OptionalNumber number;
+    std::int16_t pages = 0;
+    bool open = false;
+  };
+  ModelRegistry letters;
+  EXPECT_EQ(letters.json(), "{\"classes\": [\n]}\n");
+  ASSERT_TRUE(letters.add<Letter>());
+  EXPECT_EQ(letters.json(), R"({"classes": [
+  {"name": "a\u0009\"Letter\"", "properties": [
+    {"name": "bytes", "type": "binary"},
+    {"name": "name", "type": "bool"},
+    {"name": "number", "type": "number"},
+    {"name": "pages", "type": "integer"},
+    {"name": "preview", "type": "binary"},
+    {"name": "reply", "type": "object", "class": "Attachment"},
+    {"name": "weight", "type": "real"}
+  ]}
+]}
+)");
 }
 
 TEST(NumberObject, RemembersItsType) {

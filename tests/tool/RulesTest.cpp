@@ -32,6 +32,7 @@ std::vector<Finding> findingsIn(const Rule& rule, std::string_view example) {
     check.add("example", std::move(result.document));
     verification::AppExtensions extensions;
     extensions.indexed = {rule.name == "full-scan" ? "person" : ""};
+    check.useModels(verification::ModelList::read(KORVEX_SOURCE_DIR "/tests/support/Person.json").models);
     return check.run("upgrades", extensions).findings;
   }
   WarningSelection everyWarning;

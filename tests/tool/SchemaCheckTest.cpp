@@ -109,6 +109,75 @@ TEST(SchemaCheck, TellsWhatIsWrongWhereAndWhen) {
   for (const auto& [definitions, wanted] : schemaCases) EXPECT_EQ(findings(definitions), wanted) << definitions;
 }
 
+// The classes are those of the address book, read from its C++.
+TEST(SchemaCheck, FindsUnknownClassesAndProperties) {
+  const std::string pack = "<pack as='info' properties='notes, company'/>\n";
+  const SchemaCase cases[] = {
+      {"<map id='m' result='Persn'/><select id='a' result=':m'>SELECT 1 FROM person</select>",
+       "3:21: warning: there is no model class 'Persn' [unknown-class]\nhelp: did you mean 'Person'?\n"},
+      {"<select id='a' result='[Phon]'>SELECT 1 AS id FROM person</select>",
+       "3:25: warning: there is no model class 'Phon' [unknown-class]\nhelp: did you mean 'Phone'?\n"},
+      {"<map id='m' result='Person'><result column='id' property='persnId'/></map>"
+       "<select id='a' result=':m'>SELECT id FROM person</select>",
+       "3:59: warning: class 'Person' has no property 'persnId' [unknown-property]\nhelp: did you mean 'personId'?\n"},
+      {"<crypt class='Person' property='note'/>",
+       "3:33: warning: class 'Person' has no property 'note' [unknown-property]\nhelp: did you mean 'notes'?\n"},
+      {"<crypt class='Company' property='name'/>",
+       "3:15: warning: there is no model class 'Company' [unknown-class]\n"},
+      {"<pack as='name' properties='notes, jobTitel'/>",
+       "3:1: warning: the packed column 'name' has the type TEXT [pack-column]\n"
+       "help: Declare the column as BLOB.\n"
+       "3:36: warning: no model class has a property 'jobTitel' [unknown-property]\nhelp: did you mean 'jobTitle'?\n"},
+      // By the argument's name, in a condition, a shared block, a loop and a path that occurs twice.
+      {"<update id='a' arguments='newPerson'>UPDATE person SET name = :newPerson.givenNam, id = :newPerson.info"
+       "<if true='newPerson.nicknam'>, birthday = @b</if></update><sql id='b'>:newPerson.birthdy</sql>",
+       "3:74: warning: class 'Person' has no property 'givenNam' [unknown-property]\nhelp: did you mean 'givenName'?\n"
+       "3:124: warning: class 'Person' has no property 'nicknam' [unknown-property]\nhelp: did you mean 'nickname'?\n"
+       "3:185: warning: class 'Person' has no property 'birthdy' [unknown-property]\nhelp: did you mean 'birthday'?\n"},
+      {"<select id='a' result='int' arguments='p'>SELECT 1 FROM person WHERE id IN (<foreach collection='p.phones'"
+       " item='phone' separator=','>:phone.numbr</foreach>) AND :p.phones.count = 1</select>",
+       "3:142: warning: class 'Phone' has no property 'numbr' [unknown-property]\nhelp: did you mean 'number'?\n"},
+      // By what is read from the argument, unless it may be a dictionary.
+      {"<update id='a' arguments='q'>UPDATE person SET name = :q.givenName, id = :q.personId, birthday = :q.birthdy"
+       "</update>",
+       "3:101: warning: class 'Person' has no property 'birthdy' [unknown-property]\nhelp: did you mean 'birthday'?\n"},
+      {"<update id='a' arguments='q'>UPDATE person SET id = :q.personId, birthday = :q.day</update>", ""},
+  };
+  for (const auto& [definitions, wanted] : cases) {
+    const CommandLine models = {"--models", KORVEX_SOURCE_DIR "/examples/addressbook/Models.h"};
+    std::string told = findings(pack + definitions, models,
+                                "<upgrade toVersion='1'>CREATE TABLE person (id INTEGER, "
+                                "name TEXT, birthday TEXT, info BLOB)</upgrade>\n");
+    EXPECT_EQ(told, wanted) << definitions;
+  }
+}
+
+TEST(SchemaCheck, ReadsModels) {
+  const std::string path = testing::TempDir() + "/korvex_models";
+  const auto models = [&](const std::string& text) {
+    std::ofstream(path) << text;
+    const Outcome outcome = run({"models", path});
+    std::string told =
+        outcome.out + outcome.err.substr(std::min(outcome.err.find("korvex_models") + 15, outcome.err.size()));
+    std::erase_if(told, [](char character) { return character == ' ' || character == '\n'; });
+    return told;
+  };
+  const std::pair<std::string, std::string> cases[] = {
+      {R"( {"classes": [{"name": "A", "properties": ["b", {"name": "c", "class": "A", "type": "object"}]}]})",
+       R"({"classes":[{"name":"A","properties":["b",{"name":"c","class":"A"}]}]})"},
+      {R"({"classes": [{"name": "A", b}]})", "1:28:notJSONfromhereon"},
+      {R"({"classes": [{"properties": []}]})",
+       R"(aclasswithoutaname:write{"classes":[{"name":"…","properties":[…]}]})"},
+      {R"x(struct A : korvex::Model<app::A> { // Model<No> className("No")
+        d(D& m) { m.className( "A" ); m.property("b", &A::b, "_b"); m.propertyWithoutField<int>("c"); /* m.property("d" */
+        struct B : Model<B, app::A> { m.className("B"); m.property("e", '"', &B::e); puts("m.property(\"f\")"); };
+        struct C : Model<C, C> {)x",
+       R"({"classes":[{"name":"A","properties":["b","c"]},{"name":"B","properties":["b","c","e"]}]})"},
+      {"/* Model<A", R"(nomodelclass:givetheJSONthatModelRegistry::json()prints,oraC++filewithclassName("…"))"},
+  };
+  for (const auto& [text, wanted] : cases) EXPECT_EQ(models(text), wanted) << text;
+}
+
 // Without a schema, and without false alarms for an engine with another notation.
 TEST(SchemaCheck, FindsWhatNoEngineCanLoad) {
   const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "korvex_set";
@@ -118,9 +187,11 @@ TEST(SchemaCheck, FindsWhatNoEngineCanLoad) {
       {"", ""},
       {" + :c", ":1:58: warning: 'c' is no argument of method 'a': declare it, or write one of b [not-runnable]\n"},
       {"<if true='c'>+ 1</if>",
-       ":1:65: warning: condition: 'c' is no argument of method 'a': declare it, or write one of b [not-runnable]\n"},
+       ":1:65: warning: condition: 'c' is no argument of method 'a': declare it, or write one of b "
+       "[not-runnable]\n"},
       {"<if true='b &amp;&amp;'>+ 1</if>",
-       ":1:65: warning: not an expression: the expression ends where a value is missing [expression-syntax]\n"},
+       ":1:65: warning: not an expression: the expression ends where a value is missing "
+       "[expression-syntax]\n"},
       {" + @c", ":1:58: warning: '@c' is neither an sql block nor a constant [not-runnable]\n"},
       {" + @b", ""},  // where arguments are written so, references are another engine's
       {"</select><select id='n'>", ":1:64: error: Result type of select method 'n' is undefined. [missing-result]\n"},
@@ -207,7 +278,8 @@ TEST(SchemaCheck, ReadsScriptsAndDatabases) {
     return run({"check", "--format", "short", "--schema", schema, "-"}, document);
   };
   constexpr const char* schema =
-      "PRAGMA foreign_keys=OFF; BEGIN; CREATE VIRTUAL TABLE book USING fts5(title, body);\nCREATE INDEX i ON x(y);";
+      "PRAGMA foreign_keys=OFF; BEGIN; CREATE VIRTUAL TABLE book USING fts5(title, body);\nCREATE INDEX i ON "
+      "x(y);";
   std::ofstream(script) << schema;
   EXPECT_EQ(check(script).out, script + ":2:19: error: no such table: main.x [sql]\n");
   std::ofstream(script) << "CREATE VIRTUAL TABLE book USING fts5(title, body); -- the only one";
@@ -239,16 +311,17 @@ TEST(SchemaCheck, ReadsScriptsAndDatabases) {
 
 TEST(SqlCommand, SaysWhatSQLiteRefuses) {
   const std::string document =
-      "<k><upgrade toVersion='1'>CREATE TABLE p (id INTEGER PRIMARY KEY)</upgrade><update id='u' arguments='a, d'>"
+      "<k><upgrade toVersion='1'>CREATE TABLE p (id INTEGER PRIMARY KEY)</upgrade><update id='u' "
+      "arguments='a, d'>"
       "<step>UPDATE p SET <if true='a'>x</if><if false='a'>id</if> = 1</step>"
       "<step>UPDATE p <format pairs='d' prefix='SET ' join=','/></step></update></k>";
   const Outcome outcome = run({"sql", "--schema", "upgrades", "-", "u"}, document);
   EXPECT_EQ(outcome.code, ExitCodeSomethingFound);
-  EXPECT_EQ(
-      outcome.out,
-      "-- step 1\n-- 2 variants\n\n-- a is true\nUPDATE p SET x = 1\n-- error: no such column: x\n\n"
-      "-- a is false\nUPDATE p SET id = 1\n-- step 2\n-- 2 variants\n\n-- d has 1 entry\nUPDATE p SET \"key\" = ?\n"
-      "-- error: no such column: key\n\n-- d is empty\nUPDATE p\n-- error: incomplete input\n");
+  EXPECT_EQ(outcome.out,
+            "-- step 1\n-- 2 variants\n\n-- a is true\nUPDATE p SET x = 1\n-- error: no such column: x\n\n"
+            "-- a is false\nUPDATE p SET id = 1\n-- step 2\n-- 2 variants\n\n-- d has 1 entry\nUPDATE p SET "
+            "\"key\" = ?\n"
+            "-- error: no such column: key\n\n-- d is empty\nUPDATE p\n-- error: incomplete input\n");
   EXPECT_EQ(run({"sql", "-", "v"}, document).code, ExitCodeTrouble);
 }
 
