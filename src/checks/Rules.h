@@ -48,6 +48,8 @@ enum class SchemaRule {
   UnyieldedColumn,
   PackColumn,
   UnusedDefinition,
+  UnusedTable,
+  EmptyList,
   UnusedArgument,
   UnknownClass,
   UnknownProperty,

@@ -7,7 +7,7 @@
 
 namespace korvex {
 
-inline constexpr std::array<Rule, 13> schemaRules = {{
+inline constexpr std::array<Rule, 15> schemaRules = {{
     {SchemaRule::NotRunnable, "not-runnable", Severity::Warning, true, "A definition that the engine cannot load",
      "Declare the value, or correct the name.",
      "An engine builds a set of all definitions. Values that no argument declares, references to unknown blocks and "
@@ -122,6 +122,30 @@ inline constexpr std::array<Rule, 13> schemaRules = {{
      R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
 <sql id="columns">id, name</sql>
 <select id="all" result="[{}]">SELECT @columns FROM person</select>)"},
+    {SchemaRule::UnusedTable, "unused-table", Severity::Warning, true, "A table that no method uses",
+     "Drop it in an upgrade, or add the methods that use it.",
+     "An upgrade creates the table, but no statement reads or writes it, nor does a view or a trigger that one uses. "
+     "Nothing is reported if a method has an assigned table, since the app can pass the name of any.",
+     R"(<upgrade toVersion="1">
+  CREATE TABLE person (id INTEGER, name TEXT);
+  CREATE TABLE tag (title TEXT)
+</upgrade>
+<select id="all" result="[{}]">SELECT id, name FROM person</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="all" result="[{}]">SELECT id, name FROM person</select>)"},
+    {SchemaRule::EmptyList, "empty-list", Severity::Warning, true, "IN with an empty list",
+     "Write the entries, or a foreach.",
+     "SQLite accepts IN () and NOT IN (), which hold for no row and for every row. Written out, they are a list that "
+     "was "
+     "forgotten. That a foreach has no entries is no reason for this warning.",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="some" result="[string]">
+  SELECT name FROM person WHERE id IN ()
+</select>)",
+     R"(<upgrade toVersion="1">CREATE TABLE person (id INTEGER, name TEXT)</upgrade>
+<select id="some" result="[string]">
+  SELECT name FROM person WHERE id IN (1, 2)
+</select>)"},
     {SchemaRule::UnusedArgument, "unused-argument", Severity::Warning, true, "An argument that a method never uses",
      "Use it, or remove it.",
      "Neither the SQL of the method nor a condition mentions it, and no block that it inserts.",

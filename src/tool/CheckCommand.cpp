@@ -79,8 +79,9 @@ class Check {
     const InputInProgress input(path);
     Document::Result result = readDocument(file, _console.in, _options.load);
     if (result.document) {
-      checkDocument(path, *result.document);
-      if (checksSet()) _schemaCheck.add(path, std::move(result.document));
+      std::vector<Definition> definitions = loadDefinitions(*result.document);
+      checkDocument(path, *result.document, definitions);
+      if (checksSet()) _schemaCheck.add(path, std::move(result.document), std::move(definitions));
     } else if (!blamesDocument(result.error->kind())) {
       addUnreadable({path, result.error->message});
     } else {
@@ -90,8 +91,7 @@ class Check {
     }
   }
 
-  void checkDocument(const std::string& path, const Document& document) {
-    const std::vector<Definition> definitions = loadDefinitions(document);
+  void checkDocument(const std::string& path, const Document& document, const std::vector<Definition>& definitions) {
     ++_totals.files;
     _totals.definitions += definitions.size();
     for (const Finding& finding : _set.check(path, document, definitions)) addFinding(finding);

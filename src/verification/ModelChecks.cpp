@@ -49,7 +49,7 @@ class ModelChecker {
   // The column of a pack can be read like a property.
   void collectPacks() {
     for (const auto& [name, document] : _documents) {
-      for (const Definition& definition : loadDefinitions(*document.document)) {
+      for (const Definition& definition : document.built) {
         const auto* pack = QXDAOElementCast<QXDAOPack>(definition.element.get());
         if (pack) _packs.emplace(pack->column().value_or(std::string_view()));
       }
@@ -59,7 +59,7 @@ class ModelChecker {
   void checkDefinitions() {
     for (const auto& [name, document] : _documents) {
       _document = &document;
-      for (const Definition& definition : loadDefinitions(*document.document)) {
+      for (const Definition& definition : document.built) {
         if (definition.element) checkDefinition(definition);
       }
     }

@@ -37,9 +37,15 @@ std::string_view wordAt(std::string_view text, std::size_t begin) {
 }  // namespace
 
 void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> document) {
+  std::vector<Definition> definitions = loadDefinitions(*document);
+  add(path, std::move(document), std::move(definitions));
+}
+
+void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> document,
+                      std::vector<Definition> definitions) {
   VerifiedDocument& verified = _verified[path];
   verified.file = std::make_shared<const CheckedFile>(CheckedFile{path, document->sharedSource()});
-  for (const Definition& definition : loadDefinitions(*document)) {
+  for (const Definition& definition : definitions) {
     verified.definitions.push_back(inDefinition(definition));
     if (!definition.element) _rejected.insert(verified.definitions.back().get());
     const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
@@ -49,6 +55,7 @@ void SchemaCheck::add(const std::string& path, std::unique_ptr<Document> documen
     }
   }
   verified.document = std::move(document);
+  verified.built = std::move(definitions);
   _documents.push_back({path, verified.document});
 }
 
@@ -160,7 +167,7 @@ SchemaCheckResult SchemaCheck::run(const std::string& source, const AppExtension
   Verification verification(*runnable.set, schema, _verified);
   if (upgrades) verification.runUpgrades();
   result.whole = verification.checkMethods(goesOn);
-  if (result.whole) verification.checkSet();
+  if (result.whole) verification.checkSet(runnable.errors.empty() && _rejected.empty());
   std::vector<Finding> found = verification.takeFindings();
   std::move(found.begin(), found.end(), std::back_inserter(result.findings));
   addModelFindings(runnable.set.get(), result.findings);

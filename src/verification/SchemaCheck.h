@@ -30,6 +30,7 @@ class SchemaCheck {
  public:
   // The documents of the set, in their order.
   void add(const std::string& path, std::unique_ptr<Document> document);
+  void add(const std::string& path, std::unique_ptr<Document> document, std::vector<Definition> definitions);
 
   // The classes and properties that the definitions may name; all, if there are none here.
   void useModels(ModelList models) { _models = std::move(models); }

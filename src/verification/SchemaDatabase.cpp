@@ -47,6 +47,10 @@ bool createsOrDrops(int action) {
          action == SQLITE_CREATE_VTABLE || action == SQLITE_DROP_VTABLE;
 }
 
+bool usesTable(int action) {
+  return action == SQLITE_READ || action == SQLITE_INSERT || action == SQLITE_UPDATE || action == SQLITE_DELETE;
+}
+
 // "NAME/ARGS", with -1 for "*".
 std::optional<std::pair<std::string, int>> functionOf(std::string_view declaration) {
   const std::size_t slash = declaration.rfind('/');
@@ -162,6 +166,7 @@ int SchemaDatabase::authorize(void* self, int action, const char* first, const c
                               const char* /*trigger*/) {
   auto& database = *static_cast<SchemaDatabase*>(self);
   if (createsOrDrops(action)) database._changesSchema = true;
+  if (usesTable(action) && !database._usedTables.contains(std::string_view(first))) database._usedTables.emplace(first);
   if (action == SQLITE_FUNCTION) {
     return second && std::string_view(second) == "load_extension" ? SQLITE_DENY : SQLITE_OK;
   }
@@ -275,6 +280,15 @@ std::vector<std::string> SchemaDatabase::tableNames() {
 std::vector<std::string> SchemaDatabase::columnNames() {
   return namesFrom(
       "SELECT DISTINCT c.name FROM sqlite_schema s, pragma_table_info(s.name) c WHERE s.type IN ('table', 'view')");
+}
+
+std::vector<std::string> SchemaDatabase::unusedTables() {
+  const auto used = _usedTables;  // which the query changes
+  std::vector<std::string> tables = namesFrom(
+      "SELECT name FROM pragma_table_list WHERE schema = 'main' AND type IN ('table', 'virtual') AND name NOT GLOB "
+      "'sqlite_*'");
+  std::erase_if(tables, [&](const std::string& table) { return used.contains(table); });
+  return tables;
 }
 
 std::vector<std::pair<std::string, std::string>> SchemaDatabase::columnTypes() {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -82,6 +83,9 @@ class SchemaDatabase {
   // The tables and views, and the columns of all of them, each name once.
   [[nodiscard]] std::vector<std::string> tableNames();
   [[nodiscard]] std::vector<std::string> columnNames();
+  // The tables that no statement has named, directly, in a view or in a trigger, since that was forgotten.
+  [[nodiscard]] std::vector<std::string> unusedTables();
+  void forgetUsedTables() { _usedTables.clear(); }
   // The columns of all tables with their declared types, in capital letters.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> columnTypes();
 
@@ -95,6 +99,7 @@ class SchemaDatabase {
 
   sqlite3* _database = nullptr;
   std::vector<std::string> _indexed;
+  std::set<std::string, std::less<>> _usedTables;
   long _budget = 0;  // of the running statement, in thousands of instructions
   bool _trusted = false;
   bool _changesSchema = false;

@@ -14,7 +14,8 @@ namespace {
 class SetChecker {
  public:
   SetChecker(const DefinitionSet& set, const VerifiedDocuments& documents, const SeenUse& seen, SchemaDatabase* schema)
-      : _set(set), _seen(seen), _hasSchema(schema != nullptr) {
+      : _set(set), _seen(seen), _schema(schema) {
+    if (schema) _unusedTables = schema->unusedTables();
     if (schema) _columnTypes = schema->columnTypes();
     for (const auto& [name, document] : documents) _documents.push_back(&document);
   }
@@ -23,12 +24,13 @@ class SetChecker {
     collectReferences();
     for (const VerifiedDocument* document : _documents) {
       _document = document;
-      for (const Definition& definition : loadDefinitions(*document->document)) {
+      for (const Definition& definition : document->built) {
         if (!definition.element) continue;
         _definition = document->definitionAt(definition.xml.offset());
         checkDefinition(definition);
       }
     }
+    if (_schema && _seen.isComplete) checkTables();
     return std::move(_findings);
   }
 
@@ -36,7 +38,7 @@ class SetChecker {
   void checkDefinition(const Definition& definition) {
     const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
     if (method) return checkArguments(*method);
-    if (!_hasSchema) return;
+    if (!_schema) return;
     if (const auto* map = QXDAOElementCast<QXDAOMap>(definition.element.get())) return checkMap(*map, definition.xml);
     if (const auto* pack = QXDAOElementCast<QXDAOPack>(definition.element.get())) return checkPack(*pack);
     const OptionalStringView name = definition.element->name();
@@ -88,6 +90,28 @@ class SetChecker {
       report(SchemaRule::PackColumn, (*_definition)->offset, "no table has the packed column '" + column + "'", {});
   }
 
+  // Those that an upgrade creates. The app can assign any of them to a method that has an assigned table.
+  void checkTables() {
+    const auto plans = _set.plans();
+    if (plans.empty() ||
+        std::any_of(plans.begin(), plans.end(), [](const Plan* plan) { return plan->method().assignedTable(); }))
+      return;
+    for (const std::string& table : _unusedTables) reportTable(table);
+  }
+
+  void reportTable(const std::string& table) {
+    for (const VerifiedDocument* document : _documents) {
+      for (const SharedDefinition& definition : document->definitions) {
+        const std::string_view source = document->sourceOf(*definition);
+        const std::size_t at = definition->tag == C_UPGRADE ? findSqlWord(source, table, 0) : source.size();
+        if (at == source.size()) continue;
+        _document = document;
+        return report(SchemaRule::UnusedTable, definition->offset + at, "no method uses the table '" + table + "'", {},
+                      table.size());
+      }
+    }
+  }
+
   // A name that the method mentions once is only declared. A block can use it, too.
   void checkArguments(const QXDAOMethod& method) {
     const std::string_view source = _document->sourceOf(**_definition);
@@ -117,7 +141,8 @@ class SetChecker {
 
   const DefinitionSet& _set;
   const SeenUse& _seen;
-  const bool _hasSchema;
+  SchemaDatabase* const _schema;  // may be null
+  std::vector<std::string> _unusedTables;
   std::vector<std::pair<std::string, std::string>> _columnTypes;
   std::vector<const VerifiedDocument*> _documents;
   std::set<std::string_view> _references;

@@ -18,6 +18,7 @@ namespace korvex::verification {
 struct SeenUse {
   std::map<std::string, std::set<std::string>, std::less<>> columnsOfMaps;  // by the map, those of all selects
   std::set<std::string, std::less<>> unknownMaps;  // those with a select that cannot be prepared
+  bool isComplete = true;                          // every definition was built and could be prepared
 };
 
 // Without a schema: only arguments that are not used.

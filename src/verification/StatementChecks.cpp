@@ -6,6 +6,8 @@
 #include <array>
 #include <set>
 
+#include "sqlite/ForbiddenStatements.h"
+
 namespace korvex::verification {
 namespace {
 
@@ -100,7 +102,14 @@ std::optional<Defect> repeatedColumn(const Statement& statement) {
   return std::nullopt;
 }
 
-constexpr std::array checks = {writingSelect, readingUpdate, unreadColumns, repeatedColumn};
+std::optional<Defect> vacuum(const Statement& statement) {
+  const ByteRange code = codeOf(statement.sql);
+  const std::string_view word = textOf(statement.sql, code).substr(0, 6);
+  if (!isWord(word, "VACUUM")) return std::nullopt;
+  return Defect{&ruleOf(SchemaRule::Sql), forbiddenStatement, "Run VACUUM outside of methods.", code};
+}
+
+constexpr std::array checks = {vacuum, writingSelect, readingUpdate, unreadColumns, repeatedColumn};
 
 }  // namespace
 
@@ -155,6 +164,18 @@ Defect fullScan(std::string_view sql, const std::string& table) {
   }
   return {&ruleOf(SchemaRule::FullScan), "the statement reads all rows of '" + table + "'",
           "Add an index, or a condition that uses one; 'korvex-dao sql --plan' shows how SQLite runs it.", place};
+}
+
+std::optional<Defect> emptyList(std::string_view sql) {
+  const std::vector<ByteRange> tokens = tokensOf(sql);
+  for (std::size_t at = 0; at + 2 < tokens.size(); ++at) {
+    if (!isWord(textOf(sql, tokens[at]), "IN") || textOf(sql, tokens[at + 1]) != "(" ||
+        textOf(sql, tokens[at + 2]) != ")")
+      continue;
+    return Defect{
+        &ruleOf(SchemaRule::EmptyList), "the list is empty", {}, ByteRange{tokens[at].begin, tokens[at + 2].end}};
+  }
+  return std::nullopt;
 }
 
 Defect lostWhere(std::string_view sql) {

@@ -18,6 +18,9 @@ namespace korvex::verification {
 enum class WhereClause { NotNeeded, Missing, Present };
 [[nodiscard]] WhereClause whereClauseOf(std::string_view sql);
 
+// For an IN with nothing in its brackets.
+[[nodiscard]] std::optional<Defect> emptyList(std::string_view sql);
+
 // For a variant without the condition that others have.
 [[nodiscard]] Defect lostWhere(std::string_view sql);
 

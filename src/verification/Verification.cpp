@@ -51,12 +51,14 @@ class Verification::Work {
     }
   }
 
-  void checkSet() {
+  void checkSet(bool isWhole) {
+    _seen.isComplete = _seen.isComplete && isWhole;
     for (Finding& finding : findingsOfSet(_set, _documents, _seen, &_schema)) _report.add(std::move(finding));
   }
 
   bool checkMethods(const std::function<bool()>& goesOn) {
     _standIns.readNames();
+    _schema.forgetUsedTables();
     for (const Plan* plan : _set.plans()) {
       if (goesOn && !goesOn()) return false;
       checkPlan(*plan);
@@ -75,7 +77,10 @@ class Verification::Work {
     for (const Variant& variant : variants.variants) {
       const VariantText text(unit, variant.key);
       const auto fault = runText(text.sql());
-      if (fault && reports) _report.add(unit, text, *fault, {});
+      if (fault && reports) {
+        _seen.isComplete = false;
+        _report.add(unit, text, *fault, {});
+      }
       if (fault) return false;
     }
     return true;
@@ -165,10 +170,14 @@ class Verification::Work {
     const Prepared prepared = _schema.prepare(text.sql());
     seeColumns(plan, prepared);
     if (!prepared.message.empty()) {
+      _seen.isComplete = false;
       return defects.failures.add(variant, text, sqlDefect(prepared.message), prepared.offset);
     }
     for (const Defect& defect : defectsOf(plan, text.sql(), prepared)) {
       defects.failures.add(variant, text, defect, static_cast<int>(defect.place->begin));
+    }
+    if (const auto empty = emptyList(text.sql()); empty && isOneText(text, *empty->place)) {
+      defects.failures.add(variant, text, *empty, static_cast<int>(empty->place->begin));
     }
     for (const std::string& table : _schema.indexedTables()) {
       if (scansTable(_schema, text.sql(), table)) defects.failures.add(variant, text, fullScan(text.sql(), table), 0);
@@ -176,6 +185,14 @@ class Verification::Work {
     const WhereClause where = whereClauseOf(text.sql());
     defects.hasWhere = defects.hasWhere || where == WhereClause::Present;
     if (where == WhereClause::Missing) defects.withoutWhere.add(variant, text, lostWhere(text.sql()), 0);
+  }
+
+  // Whether no loop or other element comes between the two ends.
+  static bool isOneText(const VariantText& text, const ByteRange& range) {
+    const VariantText::Origin begin = text.originOf(range.begin);
+    const VariantText::Origin last = text.originOf(range.end - 1);
+    return begin.document == last.document && begin.begin.line == last.begin.line &&
+           begin.begin.column == last.begin.column && last.decoded - begin.decoded == range.end - 1 - range.begin;
   }
 
   void seeColumns(const Plan& plan, const Prepared& prepared) {
@@ -233,7 +250,7 @@ void Verification::runUpgrades() { _work->runUpgrades(); }
 
 bool Verification::checkMethods(const std::function<bool()>& goesOn) { return _work->checkMethods(goesOn); }
 
-void Verification::checkSet() { _work->checkSet(); }
+void Verification::checkSet(bool isWhole) { _work->checkSet(isWhole); }
 
 const VerificationTotals& Verification::totals() const { return _work->totals; }
 

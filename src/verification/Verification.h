@@ -30,8 +30,8 @@ class Verification {
   void runUpgrades();
   // False if goesOn() was false before the last method.
   bool checkMethods(const std::function<bool()>& goesOn = {});
-  // What the set does not use, after the methods.
-  void checkSet();
+  // What the set does not use, after the methods. Tables only if the set is whole: no definition was left out.
+  void checkSet(bool isWhole);
 
   [[nodiscard]] const VerificationTotals& totals() const;
   // By document and place. A fault in a text that several methods insert is one finding.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "checks/Finding.h"
+#include "korvex/Definition.h"
 #include "korvex/Document.h"
 
 namespace korvex::verification {
@@ -19,6 +20,7 @@ struct VerifiedDocument {
   std::shared_ptr<const CheckedFile> file;  // with a source
   std::shared_ptr<const Document> document;
   std::vector<SharedDefinition> definitions;  // in the order of their places
+  std::vector<Definition> built;              // in the same order
 
   // The definition that holds a place; null before the first one.
   [[nodiscard]] const SharedDefinition* definitionAt(std::size_t offset) const;

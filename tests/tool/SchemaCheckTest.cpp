@@ -95,6 +95,17 @@ constexpr SchemaCase schemaCases[] = {
      "<select id='a' arguments='x, y, z' result='int'>SELECT 1 FROM person WHERE @b</select>",
      "2:33: warning: '@c' is never used [unused-definition]\n"
      "2:79: warning: argument 'z' is never used [unused-argument]\n"},
+    {"<update id='a'> vacuum</update><delete id='b'>DELETE FROM person</delete>",
+     "2:17: error: a method cannot begin or end transactions, or attach databases: every call is a transaction of its "
+     "own [sql]\nhelp: Run VACUUM outside of methods.\n"},
+    {"<select id='a' result='int' arguments='b'>SELECT 1 FROM person WHERE id NOT IN ( ) AND id IN <foreach"
+     " collection='b' item='c' open='(' separator=',' close=')'>:c</foreach></select>",
+     "2:77: warning: the list is empty [empty-list]\n2:1: note: in all 3 variants\n"},
+    {"<upgrade toVersion='2'>CREATE TABLE used (x); CREATE TABLE seen (x); CREATE TABLE kept (x); CREATE VIEW v AS "
+     "SELECT x FROM seen; CREATE TRIGGER t AFTER DELETE ON person BEGIN INSERT INTO kept VALUES (1); END; CREATE TABLE "
+     "lost (x); CREATE VIRTUAL TABLE f USING fts5(x)</upgrade><select id='a' result='int'>SELECT count(*) FROM used, v"
+     "</select><delete id='b'>DELETE FROM person</delete><select id='c' result='int'>SELECT 1 FROM f</select>",
+     "2:223: warning: no method uses the table 'lost' [unused-table]\n"},
     {"<upgrade toVersion='2'>ALTER TABLE person ADD COLUMN name TEXT</upgrade>",
      "2:54: error: duplicate column name: name [sql]\n"},
     {"<upgrade toVersion='2'>CREATE TABLE a (x); CREATE TABLE b (y); ALTER TABLE a ADD COLUMN x</upgrade>"
