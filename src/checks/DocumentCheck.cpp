@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "checks/Culprits.h"
 #include "checks/DocumentWarnings.h"
-#include "checks/ErrorHints.h"
 #include "checks/NearMiss.h"
 #include "checks/Places.h"
 #include "checks/Suppressions.h"
@@ -24,13 +24,11 @@ namespace {
 // Finding a similar name takes time proportional to the number of names.
 constexpr std::size_t maxHints = 100;
 
-// At the faulty node.
 Finding errorOf(const Definition& definition, const WarningList& list) {
-  const QXDAOError& error = *definition.error;
-  const XMLNode& origin = error.origin ? error.origin : definition.xml;
-  Finding finding = list.findingAt(ruleOf(error.rule), list.places().spanAt(origin.offset()));
-  finding.message = error.message();
-  finding.help = hintAbout(error.rule, origin);
+  Culprit culprit = culpritOf(definition, list.places());
+  Finding finding = list.findingAt(ruleOf(definition.error->rule), culprit.place);
+  finding.message = definition.error->message();
+  finding.help = std::move(culprit.help);
   finding.definition = inDefinition(definition);
   return finding;
 }

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "evaluator/Tokenizing.h"
+
 namespace korvex {
 
 namespace {
@@ -205,6 +207,13 @@ bool takeToken(std::string_view& text, QXDAOTokenList& tokens) {
 void skipWhiteSpace(std::string_view& text) { text.remove_prefix(countWhile(text, 0, is<WhiteSpace>)); }
 
 }  // namespace
+
+std::size_t lengthOfTokens(std::string_view expression) {
+  std::string_view rest = expression;
+  QXDAOTokenList tokens;
+  for (skipWhiteSpace(rest); !rest.empty() && takeToken(rest, tokens);) skipWhiteSpace(rest);
+  return expression.size() - rest.size();
+}
 
 QXDAOTokenList QXDAOEvaluator::buildTokenListWithExpression(std::string_view expression) {
   QXDAOTokenList tokens;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <set>
 #include <string>
 #include <variant>
@@ -234,7 +235,7 @@ TEST(Warnings, OfUnusedSuppressionsAboutNamesWaitForTheWholeSet) {
       {{"<d>" + allow + "<update id='a'>x</update></d>", "<d><sql id='a'>x</sql></d>"}, unused},
       {{"<d>" + allow + "<update id='a'>x</update></d>", "<d><delete id='a'><if/></delete></d>"},
        {"2:1:19: condition-format"}},
-      {{"<d>" + allow + "<const A=''/><const A='' B=''/></d>"}, {"1:1:54: const-format"}},
+      {{"<d>" + allow + "<const A=''/><const A='' B=''/></d>"}, {"1:1:66: const-format"}},
       {{"<d>" + allow + "<upgrade toVersion='1'>x</upgrade></d>"}, unused},
   };
   for (const auto& [documents, expected] : cases) {
@@ -251,37 +252,26 @@ TEST(Warnings, DoNotTroubleDocumentsThatAreRight) {
   }
 }
 
-TEST(Errors, ComeWithWhatMayBeMeant) {
-  const std::string inUpdate = "<update id='u'>";
-  const std::pair<std::string, const char*> cases[] = {
-      {"<cont A='1'/>", "no definition is called 'cont'; did you mean 'const'?"},
-      {"<query/>", "no definition is called 'query'"},
-      {"<sql ID='a'>x</sql>", "'sql' has no attribute 'ID'; did you mean 'id'?"},
-      {"<sql name='a'>x</sql>", ""},
-      {"<Select id='a' result='int'/>", "did you mean 'select'?"},
-      {inUpdate + "<Where/></update>", "did you mean 'where'?"},
-      {inUpdate + "<sql id='a'/></update>", ""},
-      {"<map id='m' result='P'><reslt column='a' property='b'/></map>", ""},
-      {"<map id='m' result='P'><result colum='a' property='b'/></map>",
-       "'result' has no attribute 'colum'; did you mean 'column'?"},
-      {inUpdate + "<foreach item='i' collection='c' seperator=','>x</foreach></update>",
-       "'foreach' has no attribute 'seperator'; did you mean 'separator'?"},
-      {inUpdate + "<if test='a'>x</if></update>", ""},
-      {inUpdate + "<if ture='a'>x</if></update>", "'if' has no attribute 'ture'; did you mean 'true'?"},
-      {inUpdate + "<if true='a' flase='b'>x</if></update>", ""},
-      {inUpdate + "<trim prefix='p' prefixOveride='a'>x</trim></update>",
-       "'trim' has no attribute 'prefixOveride'; did you mean 'prefixOverrides'?"},
-      {"<select id='a' Result='int'>x</select>", "'select' has no attribute 'Result'; did you mean 'result'?"},
-      {"<upgrade toversion='1'>x</upgrade>", "'upgrade' has no attribute 'toversion'; did you mean 'toVersion'?"},
-      {"<pack as='a' propertys='b, c'/>", "'pack' has no attribute 'propertys'; did you mean 'properties'?"},
-  };
-  for (const auto& [definition, help] : cases) {
-    const auto read = Document::fromBytes(wrapped(definition));
+// Each line: a definition, " => ", and the column, rule and help of its error.
+TEST(Errors, PointAtTheCulpritAndSayWhatToWrite) {
+  std::ifstream lines(root + "tests/checks/culprits.txt");
+  std::set<std::string> provoked;
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t middle = line.rfind(" => ");
+    ASSERT_NE(middle, std::string::npos) << line;
+    const auto read = Document::fromBytes("<k>\n" + line.substr(0, middle) + "\n</k>");
     const std::vector<Finding> findings = findingsOf("", *read.document, loadDefinitions(*read.document));
     const auto error = std::find_if(findings.begin(), findings.end(),
                                     [](const Finding& finding) { return finding.severity == Severity::Error; });
-    ASSERT_NE(error, findings.end()) << definition;
-    EXPECT_EQ(error->help, help) << definition;
+    ASSERT_NE(error, findings.end()) << line;
+    const std::string told = std::to_string(error->location.begin().column) + ' ' + std::string(error->rule->name);
+    EXPECT_EQ(told + ": " + error->help, line.substr(middle + 4)) << line;
+    EXPECT_LE(error->location.span.begin, error->location.span.end);
+    provoked.emplace(error->rule->name);
+  }
+  for (const Rule& rule : rules()) {
+    const bool isProvoked = provoked.contains(std::string(rule.name));
+    EXPECT_EQ(isProvoked, std::holds_alternative<QXDAORule>(rule.id)) << rule.name;
   }
 }
 

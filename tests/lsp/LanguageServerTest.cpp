@@ -173,7 +173,7 @@ TEST(LanguageServer, PublishesTheFindingsOfEachText) {
   const Row rows[] = {
       {"<a>\n <sql id='x'>1</sql>\n</a>", "", ""},
       {"<a>\n <sql id='a' idd=''>1</sql>\n</a>", "1:13-1:16", "never reads the attribute 'idd'"},
-      {"<a>\n <sql id=''>1</sql>\n</a>", "1:1-1:5", "Element name(id attribute) is empty."},
+      {"<a>\n <sql id=''>1</sql>\n</a>", "1:6-1:8", "Element name(id attribute) is empty."},
       {"<a>\r\n é😀<sql/></a>", "1:4-1:8", "Element name(id attribute) is empty."},
       {"<?xml version='1.0' encoding='ISO-8859-1'?><a>é<sql/></a>", "0:47-0:51",
        "Element name(id attribute) is empty."},

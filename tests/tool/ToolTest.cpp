@@ -68,18 +68,21 @@ TEST(Dump, DocumentFailures) {
 TEST(Check, FindingPointsIntoTheLine) {
   const Outcome result = run({"check", "-"}, "<d>\n<update id='u'>\n\té <if/>\n</update><const/></d>");
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(
-      result.out,
-      "<stdin>:3:4: error: Condition 'if' is of wrong format. [condition-format]\n\té <if/>\n\t  ^\n"
-      "<stdin>:4:10: error: Invalid constant declaration ''. [const-format]\n</update><const/></d>\n         ^\n");
-  EXPECT_EQ(result.err, "For details: korvex-dao explain condition-format\n2 definitions in 1 file, 2 errors\n");
+  EXPECT_EQ(result.out,
+            "<stdin>:3:4: error: Condition 'if' is of wrong format. [condition-format]\n\té <if/>\n\t  ^\n"
+            "help: the if has no condition; write true=\"…\" or false=\"…\"\n"
+            "<stdin>:4:10: error: Invalid constant declaration ''. [const-format]\n</update><const/></d>\n         ^\n"
+            "help: write the name and the text as an attribute: <const NAME=\"text\"/>\n");
+  EXPECT_EQ(result.err, "2 definitions in 1 file, 2 errors\n");
+  EXPECT_EQ(run({"check", "-"}, "<d><a></d>").err,
+            "For details: korvex-dao explain malformed-document\n0 definitions in 1 file, 1 error\n");
 }
 
 TEST(Check, DocumentCannotSpeakToTheTerminal) {
   const std::string xml = "<d><const a='1'>x\n\xC2\x9B\x7F</const></d>";
-  EXPECT_EQ(
-      run({"check", "-"}, xml).out,
-      "<stdin>:1:4: error: Invalid constant declaration 'x\\n\\u009b\\x7f'. [const-format]\n<d><const a='1'>x\n   ^\n");
+  EXPECT_EQ(run({"check", "-"}, xml).out,
+            "<stdin>:1:17: error: Invalid constant declaration 'x\\n\\u009b\\x7f'. [const-format]\n<d><const a='1'>x\n"
+            "                ^\nhelp: a const has no content; write its text as the value: <const a=\"…\"/>\n");
   const Json report = Json::parse(run({"check", "--format=json", "-"}, xml).out);
   EXPECT_EQ(report.at("findings").at(0).at("message"), "Invalid constant declaration 'x\n\xC2\x9B\x7F'.");
 }
@@ -90,11 +93,13 @@ TEST(Check, JsonReport) {
   Json report = Json::parse(result.out);
   EXPECT_EQ(report.at("unreadable").at(0).at("path"), "/no/such.xml");
   report.erase("unreadable");
-  EXPECT_EQ(report.dump(), R"({"findings":[{"path":"<stdin>","line":2,"column":1,"endLine":2,"endColumn":5,)"
-                           R"("severity":"error","rule":"missing-map-result",)"
-                           R"("message":"Result type of map 'm' cannot be nil.","help":null,"related":[],)"
-                           R"("definition":{"tag":"map","name":"m","line":2}}],)"
-                           R"("definitions":1,"files":1,"errors":1,"warnings":0})");
+  EXPECT_EQ(
+      report.dump(),
+      R"({"findings":[{"path":"<stdin>","line":2,"column":1,"endLine":2,"endColumn":5,)"
+      R"("severity":"error","rule":"missing-map-result",)"
+      R"("message":"Result type of map 'm' cannot be nil.","help":"'result' is missing; write result=\"Person\"","related":[],)"
+      R"("definition":{"tag":"map","name":"m","line":2}}],)"
+      R"("definitions":1,"files":1,"errors":1,"warnings":0})");
   EXPECT_TRUE(result.err.ends_with("1 definition in 1 file, 1 error, 1 unreadable path\n")) << result.err;
 }
 
@@ -147,7 +152,7 @@ TEST(Check, Warnings) {
     arguments.emplace_back("-");
     const Outcome result = run(arguments, xml);
     EXPECT_EQ(result.code, code);
-    EXPECT_TRUE(result.err.ends_with("\n3 definitions in 1 file, " + std::string(counts) + "\n")) << result.err;
+    EXPECT_TRUE(result.err.ends_with("3 definitions in 1 file, " + std::string(counts) + "\n")) << result.err;
   }
   const std::string twice = "<d><const A='1'/>\n<const A='1'/></d>";
   EXPECT_EQ(run({"check", "-"}, twice).code, 0);
