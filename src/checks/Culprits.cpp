@@ -13,6 +13,7 @@
 #include "korvex/QXDAOMethod.h"
 #include "language/Vocabulary.h"
 #include "plan/SourcePlaces.h"
+#include "plan/SqlText.h"
 #include "platform/Strings.h"
 #include "platform/Tables.h"
 
@@ -75,7 +76,6 @@ struct Fault {
   const XMLNode& definition;
   const Places& places;
 
-  [[nodiscard]] Fault at(const XMLNode& other) const { return {other, definition, places}; }
   [[nodiscard]] std::string_view tag() const { return tagOf(node); }
 
   [[nodiscard]] Culprit onElement(std::string help) const { return {places.spanAt(node.offset()), std::move(help)}; }
@@ -91,7 +91,7 @@ struct Fault {
     if (written.verbatim) return {written.of(piece), std::move(help)};
     const auto decoded = static_cast<std::size_t>(piece.data() - written.value.data());
     const std::size_t begin = sourceOffset(places.source().text(), written.whole.begin, decoded);
-    return {{begin, std::min(begin + 1, written.whole.end)}, std::move(help)};
+    return {{begin, std::max(begin, std::min(begin + 1, written.whole.end))}, std::move(help)};
   }
   // On the first visible character of a text, or on a tag.
   [[nodiscard]] Culprit onChild(const XMLNode& child, std::string help) const {
@@ -203,8 +203,11 @@ Culprit unknownElement(const Fault& fault) {
   }
   const std::string meant = didYouMean(fault.tag(), tags);
   if (!meant.empty()) return fault.onElement(meant);
+  const std::size_t begin = fault.node.offset();
+  const bool isComparison = begin > 0 && isNameCharacter(fault.places.source().text()[begin - 1]);
   return fault.onElement(
-      joined({"'", fault.tag(), "' is no element of a method; write &lt; for a '<' that begins no tag"}));
+      joined({"'", fault.tag(), "' is no element of a method; ",
+              isComparison ? "write &lt; for a '<' that begins no tag" : "it contains text, " + listed(tags)}));
 }
 
 std::string_view parentOf(const Fault& fault) {

@@ -44,7 +44,11 @@ bool isNameFor(std::string_view value, std::string_view modelClass) {
 class ModelChecker {
  public:
   ModelChecker(const VerifiedDocuments& documents, const ModelList& models)
-      : _documents(documents), _models(models), _classes(models.classes()) {}
+      : _documents(documents), _models(models), _classes(models.classes()) {
+    for (const ModelInfo* model : _classes) {
+      for (const std::string_view property : models.propertiesOf(*model)) _properties.insert(property);
+    }
+  }
 
   // The column of a pack can be read like a property.
   void collectPacks() {
@@ -107,12 +111,8 @@ class ModelChecker {
 
   // A pack serves the objects of any class.
   void checkPacked(const XMLNode& xml, std::string_view property) {
-    std::set<std::string_view> known;
-    for (const ModelInfo* model : _classes) {
-      for (const std::string_view name : _models.propertiesOf(*model)) known.insert(name);
-    }
-    if (property.empty() || known.contains(property)) return;
-    const std::vector<std::string_view> names(known.begin(), known.end());
+    if (property.empty() || _properties.contains(property)) return;
+    const std::vector<std::string_view> names(_properties.begin(), _properties.end());
     report(SchemaRule::UnknownProperty, spanIn(xml, C_PROPERTIES, property),
            "no model class has a property " + quoted(property), didYouMean(property, names));
   }
@@ -179,7 +179,10 @@ class ModelChecker {
     if (_seen.emplace(_document, span.begin).second) reportProperty(span, model, part);
   }
 
-  static std::size_t findPath(std::string_view source, std::string_view path, std::size_t from) {
+  // A path that is not written as it is read, with a character reference in it, is not found.
+  static std::size_t findPath(std::string_view whole, std::string_view path, std::size_t from) {
+    constexpr std::size_t maxDistance = 65536;
+    const std::string_view source = whole.substr(0, from + maxDistance);
     const auto continues = [&](std::size_t at) {
       return at < source.size() && (isNameCharacter(source[at]) || source[at] == '.');
     };
@@ -187,7 +190,7 @@ class ModelChecker {
     while (at != std::string_view::npos && ((at > 0 && continues(at - 1)) || continues(at + path.size()))) {
       at = source.find(path, at + 1);
     }
-    return std::min(at, source.size());
+    return std::min(at, whole.size());
   }
 
   void reportProperty(const Span& span, const ModelInfo& model, std::string_view property) {
@@ -211,6 +214,7 @@ class ModelChecker {
   const VerifiedDocuments& _documents;
   const ModelList& _models;
   const std::vector<const ModelInfo*> _classes;
+  std::set<std::string_view> _properties;  // of all classes
   std::set<std::string, std::less<>> _packs;
   const VerifiedDocument* _document = nullptr;
   std::set<std::pair<const VerifiedDocument*, std::size_t>> _seen;  // the places of paths that are reported
