@@ -168,11 +168,12 @@ void findDuplicateArguments(const Definition& definition, WarningList& list) {
 
 // Only commas separate names.
 void findMalformedArguments(const Definition& definition, WarningList& list) {
+  std::optional<WrittenValue> written;
   for (OptionalStringView rest = definition.xml.valueOfAttribute(C_ARGUMENTS); rest;) {
     const std::string_view name = spaceBothEndsTrimmed(takePiece(rest, ','));
     if (name.find_first_of(" \t\r\n'\"`") == std::string_view::npos) continue;
-    list.add(Warning::MalformedArgument, definition.xml,
-             list.places().writtenValueOf(definition.xml, C_ARGUMENTS).of(name),
+    if (!written) written = list.places().writtenValueOf(definition.xml, C_ARGUMENTS);
+    list.add(Warning::MalformedArgument, definition.xml, written->of(name),
              "the argument " + quoted(name) + " has white space or quotes in its name")
         .help = "separate names by commas, and write them without quotes";
   }

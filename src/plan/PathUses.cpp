@@ -17,7 +17,6 @@ class PathUseWalk {
  private:
   void walk(std::size_t begin) {
     for (std::size_t at = begin; _contents.instructions[at].operation != PlanOperation::End; ++at) {
-      if (_loop && at >= _loopEnd) _loop = nullptr;
       visit(_contents.instructions[at]);
     }
   }
@@ -34,7 +33,6 @@ class PathUseWalk {
       case PlanOperation::Foreach:
         add(instruction.slot, std::string(*instruction.element<QXDAOForeach>().collection()));
         _loop = &instruction.element<QXDAOForeach>();
-        _loopEnd = instruction.number;
         return;
       case PlanOperation::Format:
         return add(instruction.slot, std::string(*instruction.element<QXDAOKeyValueFormatter>().pairs()));
@@ -70,8 +68,7 @@ class PathUseWalk {
   const SetContents& _contents;
   const QXDAOMethod& _method;
   const PlanInstruction* _place = nullptr;
-  const QXDAOForeach* _loop = nullptr;
-  std::size_t _loopEnd = 0;
+  const QXDAOForeach* _loop = nullptr;  // the last one: only its own text can name its item
 };
 
 std::vector<PathUse> pathUsesOf(const PlanUnit& unit) { return std::move(PathUseWalk(unit).uses); }

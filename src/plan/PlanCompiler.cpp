@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 #include <utility>
 
@@ -26,6 +27,7 @@ namespace {
 constexpr std::size_t maxPieces = std::size_t{1} << 22U;
 constexpr std::size_t maxBytes = std::size_t{64} << 20U;
 constexpr std::size_t maxArguments = 60000;
+constexpr std::size_t fewArguments = 32;  // are found as fast without a map
 
 // Pairs the children of an element with the nodes that they were built from.
 class ChildWalk {
@@ -78,7 +80,8 @@ class PlanCompiler final : public NameResolver {
   }
 
   [[nodiscard]] std::optional<ValueSlot> slotOf(std::string_view name) const override {
-    const auto found = std::find(_names.begin(), _names.end(), name);
+    if (const auto argument = _slots.find(name); argument != _slots.end()) return argument->second;
+    const auto found = std::find(_names.begin() + static_cast<std::ptrdiff_t>(_slots.size()), _names.end(), name);
     if (found == _names.end()) return std::nullopt;
     return static_cast<ValueSlot>(found - _names.begin());
   }
@@ -106,6 +109,7 @@ class PlanCompiler final : public NameResolver {
   // The arguments, then the item of the method's foreach, then that of a foreach element.
   void readNames() {
     _names.clear();
+    _slots.clear();
     const auto& arguments = *_method->arguments();
     if (arguments.size() > maxArguments) return fail(_place, "a method has no more than 60000 arguments");
     for (const QXDAOMethodArgument& argument : arguments) {
@@ -114,6 +118,7 @@ class PlanCompiler final : public NameResolver {
         fail(placeInAttribute(_xml, C_ARGUMENTS, 0), "argument " + quoted(name) + " is declared twice",
              DefinitionErrorKind::DuplicateName);
       }
+      if (arguments.size() > fewArguments) _slots.emplace(name, static_cast<ValueSlot>(_names.size()));
       _names.push_back(name);
     }
     _names.push_back(_method->foreachItemName().value_or(std::string_view()));
@@ -446,7 +451,8 @@ class PlanCompiler final : public NameResolver {
   Plan* _plan = nullptr;
   XMLNode _xml;
   XMLPosition _place;
-  std::vector<std::string_view> _names;  // by slot; empty if there is none
+  std::vector<std::string_view> _names;          // by slot; empty if there is none
+  std::map<std::string_view, ValueSlot> _slots;  // of the arguments, if they are many
   bool _fixedText = true;
   bool _overflown = false;
   // The current text, and the outermost reference in it.

@@ -163,6 +163,20 @@ TEST(SchemaCheck, FindsUnknownClassesAndProperties) {
   }
 }
 
+// A base class has no name in definitions; the app may assign any table.
+TEST(SchemaCheck, FindsInheritedPropertiesAndAssignedTables) {
+  const std::string path = testing::TempDir() + "/korvex_bases.h";
+  std::ofstream(path)
+      << R"(class A : Model<A> { property("a") }; class B : Model<B, A> { className("B") property("b") })";
+  EXPECT_EQ(
+      findings("<update id='u' arguments='b'>UPDATE person SET id = :b.a, name = :b.b, birthday = :b.third</update>",
+               {"--models", path}),
+      "2:86: warning: class 'B' has no property 'third' [unknown-property]\n");
+  EXPECT_EQ(findings("<select id='s' result='int' assignedTable='true'>SELECT 1 FROM @T</select>"
+                     "<upgrade toVersion='2'>CREATE TABLE other (x)</upgrade>"),
+            "");
+}
+
 TEST(SchemaCheck, ReadsModels) {
   const std::string path = testing::TempDir() + "/korvex_models";
   const auto models = [&](const std::string& text) {
