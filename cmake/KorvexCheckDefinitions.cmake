@@ -6,7 +6,8 @@
 # removed. A PATH is a file, or a directory with *.xml files. A file that the build generates is recognised by its property
 # GENERATED, which an earlier add_custom_command sets. With SCHEMA, the SQL is checked against the schema of that SOURCE:
 # "upgrades" for that of the upgrades in the documents, an SQL script, or a database. With MODELS, classes and properties are
-# checked against those of a C++ FILE with model classes, or of the JSON that `korvex-dao models` prints. OPTIONS are passed to `korvex-dao check`.
+# checked against those of a C++ FILE with model classes, or of the JSON that `korvex-dao models` prints. OPTIONS are passed
+# to `korvex-dao check`.
 #
 # The command is that of this package. KORVEX_DAO_EXECUTABLE names another one, which is needed when cross-compiling.
 # Without either, the command is searched on the path.

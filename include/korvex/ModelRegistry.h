@@ -31,8 +31,10 @@ class KORVEX_EXPORT ModelRegistry {
 
   // The classes as JSON for `korvex-dao check --models`, by name, with the properties that they declare and inherit:
   //
-  //   {"classes": [{"name": "Person", "properties": [{"name": "address", "type": "object", "class": "Address"}, …]},
-  //   …]}
+  //   {"classes": [
+  //     {"name": "Person", "properties": [{"name": "address", "type": "object", "class": "Address"}, …]},
+  //     …
+  //   ]}
   //
   // The type is bool, integer, real, string, number, binary or object; an object of a class with a name has that class.
   [[nodiscard]] std::string json() const;

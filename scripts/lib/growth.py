@@ -9,6 +9,7 @@ import subprocess
 import sys
 import time
 
+from documents import document, numbered, result_map, sql, update
 from hash_collisions import colliding_names
 
 EXPONENT_LIMIT = 1.3
@@ -23,32 +24,8 @@ NOISE_BYTES = 2_000_000
 # Documents
 
 
-def document(content):
-    return b"<d>" + content + b"</d>"
-
-
-def sql(text):
-    return document(b'<sql id="s">' + text + b"</sql>")
-
-
-def update(content, attributes=b""):
-    return document(b'<update id="u"' + attributes + b">" + content + b"</update>")
-
-
-def result_map(content):
-    return document(b'<map id="m" result="R">' + content + b"</map>")
-
-
-def numbered(count, pattern):
-    return b"".join(pattern.replace(b"#", b"%d" % number) for number in range(count))
-
-
 def nested(count, tag):
     return b"<" + tag + b">x" + (b"<" + tag + b">") * count + (b"</" + tag + b">") * (count + 1)
-
-
-def list_of_names(count):
-    return b",".join(colliding_names(count))
 
 
 def maps_of(names):
@@ -102,7 +79,7 @@ def edit(line, character, text):
 # -------------------------------------------------------------------------------------------
 # Packed values
 
-STRING, INTEGER = 2, 84
+INTEGER = 84  # the encode of a 32-bit integer
 
 
 def records(count, name, encode, content):
@@ -124,7 +101,7 @@ DOCUMENTS = {
     "equal arguments": lambda n: update(b"x", b' arguments="' + b"a," * n + b'a"'),
     "equal arguments and a long id": lambda n: document(
         b'<update id="' + b"i" * 2 * n + b'" arguments="' + b"a," * n + b'b">x</update>'),
-    "arguments with colliding hashes": lambda n: update(b"x", b' arguments="' + list_of_names(n) + b'"'),
+    "arguments with colliding hashes": lambda n: update(b"x", b' arguments="' + b",".join(colliding_names(n)) + b'"'),
     "malformed arguments": lambda n: update(b"x", b' arguments="' + b"a b," * n + b'z"'),
     "empty arguments": lambda n: update(b"x", b' arguments="' + b"," * n + b'"'),
     "columns": lambda n: result_map(numbered(n, b'<result property="p#" column="c#"/>')),

@@ -45,9 +45,6 @@ std::string joined(std::initializer_list<std::string_view> pieces) {
   return text;
 }
 
-// `, or 'hint'` where there is a similar word.
-std::string orElse(std::string hint, std::string otherwise) { return hint.empty() ? otherwise : hint; }
-
 // What other tools call the attributes.
 struct Alias {
   std::string_view written;
@@ -77,6 +74,11 @@ struct Fault {
   const Places& places;
 
   [[nodiscard]] std::string_view tag() const { return tagOf(node); }
+  // Whether the attribute is there and not empty.
+  [[nodiscard]] bool has(std::string_view attribute) const { return !isEmpty(node.valueOfAttribute(attribute)); }
+  [[nodiscard]] std::string hasNo(std::string_view attribute) const {
+    return joined({"'", tag(), "' has no attribute '", attribute, "'; "});
+  }
 
   [[nodiscard]] Culprit onElement(std::string help) const { return {places.spanAt(node.offset()), std::move(help)}; }
   [[nodiscard]] Culprit onName(std::string_view attribute, std::string help) const {
@@ -121,7 +123,7 @@ XMLNode firstChild(const XMLNode& parent, const Predicate& predicate) {
 }
 
 // The first attribute other than the named ones; empty if there is none.
-std::string_view firstOther(const XMLNode& node, std::initializer_list<std::string_view> known) {
+std::string_view firstOther(const XMLNode& node, const Names& known) {
   for (const XMLAttribute& attribute : node.attributes()) {
     const std::string_view name = textOf(attribute.name());
     if (std::find(known.begin(), known.end(), name) == known.end()) return name;
@@ -129,9 +131,12 @@ std::string_view firstOther(const XMLNode& node, std::initializer_list<std::stri
   return {};
 }
 
-bool isKnownAttribute(std::string_view tag, std::string_view attribute) {
-  const ElementEntry* element = vocabularyEntryOf(tag);
-  return element && attributeEntryOf(*element, attribute);
+Names knownAttributes(std::string_view tag) {
+  Names names;
+  if (const ElementEntry* element = vocabularyEntryOf(tag)) {
+    for (const AttributeEntry& attribute : element->attributes) names.push_back(attribute.name);
+  }
+  return names;
 }
 
 // An attribute that is empty, misspelled or not there. `example` is a value for it.
@@ -140,16 +145,16 @@ Culprit missing(const Fault& fault, std::string_view attribute, std::string_view
   if (fault.node.valueOfAttribute(attribute)) {
     return fault.onName(attribute, joined({"'", attribute, "' is empty; write ", write}));
   }
+  const Names known = knownAttributes(fault.tag());
+  const std::array<std::string_view, 1> wanted = {attribute};
   for (const XMLAttribute& candidate : fault.node.attributes()) {
     const std::string_view written = textOf(candidate.name());
-    if (isKnownAttribute(fault.tag(), written)) continue;
-    const std::string wrong = joined({"'", fault.tag(), "' has no attribute '", written, "'; "});
-    const std::array<std::string_view, 1> wanted = {attribute};
-    const bool isMeant = isAlias(written, attribute) || !nearestOf(written, wanted).empty();
+    const bool isUnknown = std::find(known.begin(), known.end(), written) == known.end();
+    if (!isUnknown || (!isAlias(written, attribute) && nearestOf(written, wanted).empty())) continue;
     const std::string_view value = textOf(candidate.stringValue());
     const bool isShort = !value.empty() && value.size() <= maxRepeated && value.find('"') == std::string_view::npos;
-    if (isMeant)
-      return fault.onName(written, wrong + "write " + joined({attribute, "=\"", isShort ? value : example, "\""}));
+    return fault.onName(written,
+                        joined({fault.hasNo(written), "write ", attribute, "=\"", isShort ? value : example, "\""}));
   }
   return fault.onElement(joined({"'", attribute, "' is missing; write ", write}));
 }
@@ -157,36 +162,33 @@ Culprit missing(const Fault& fault, std::string_view attribute, std::string_view
 Culprit unknownAttribute(const Fault& fault, std::string_view written, const Names& known) {
   const auto alias =
       std::find_if(known.begin(), known.end(), [&](std::string_view name) { return isAlias(written, name); });
-  if (alias != known.end()) {
-    return fault.onName(written,
-                        joined({"'", fault.tag(), "' has no attribute '", written, "'; write ", *alias, "=\"…\""}));
-  }
+  if (alias != known.end()) return fault.onName(written, joined({fault.hasNo(written), "write ", *alias, "=\"…\""}));
   const std::string meant = didYouMean(written, known);
-  if (meant.empty()) {
-    return fault.onName(written,
-                        joined({"'", written, "' is not an attribute of ", fault.tag(), "; it takes ", listed(known)}));
-  }
-  return fault.onName(written, joined({"'", fault.tag(), "' has no attribute '", written, "'; ", meant}));
+  if (!meant.empty()) return fault.onName(written, fault.hasNo(written) + meant);
+  return fault.onName(written,
+                      joined({"'", written, "' is not an attribute of ", fault.tag(), "; it takes ", listed(known)}));
 }
 
 // ---------------------------------------------------------------------------------------------
 // Any definition
+
+std::string definitionMeant(std::string_view tag) {
+  const std::string meant = didYouMean(tag, definitionTags);
+  return meant.empty() ? "the definitions are " + listed(definitionTags) : meant;
+}
 
 Culprit unknownDefinition(const Fault& fault) {
   if (vocabularyEntryOf(fault.tag())) {
     return fault.onElement(
         joined({"'", fault.tag(), "' belongs inside another element; a definition is ", listed(definitionTags)}));
   }
-  const std::string meant = didYouMean(fault.tag(), definitionTags);
-  return fault.onElement(orElse(meant, joined({"the definitions are ", listed(definitionTags)})));
+  return fault.onElement(definitionMeant(fault.tag()));
 }
 
 // A definition with an unknown tag and no name is reported as nameless.
 Culprit missingName(const Fault& fault) {
   if (isDefinitionTag(fault.tag())) return missing(fault, C_ID, "aName");
-  const std::string meant = didYouMean(fault.tag(), definitionTags);
-  return fault.onElement(joined({"no definition is called '", fault.tag(), "'",
-                                 meant.empty() ? "; the definitions are " + listed(definitionTags) : "; " + meant}));
+  return fault.onElement(joined({"no definition is called '", fault.tag(), "'; ", definitionMeant(fault.tag())}));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -256,8 +258,6 @@ Culprit argumentsFormat(const Fault& fault) {
 
 Culprit missingResult(const Fault& fault) {
   Culprit culprit = missing(fault, C_RESULT, "int");
-  const OptionalStringView written = fault.node.valueOfAttribute(C_RESULT);
-  if (!isEmpty(written)) culprit.help = joined({"'", *written, "' names no type"});
   culprit.help +=
       ". A result is int, long long, bool, double, string, binary, {}, a class, or :map, and in [ ] a list of them";
   return culprit;
@@ -358,6 +358,19 @@ Culprit unreadableCondition(const Fault& fault, std::string_view attribute) {
   return culprit;
 }
 
+// An attribute that is neither true nor false.
+Culprit unknownTest(const Fault& fault, std::string_view written) {
+  if (!firstOther(fault.node, {written}).empty()) {
+    return fault.onName(written, joined({"attribute '", written,
+                                         "' is not known here; remove it. A condition combines tests with && and ||"}));
+  }
+  const std::array<std::string_view, 2> known = {C_TRUE, C_FALSE};
+  const std::string meant = didYouMean(written, known);
+  if (!meant.empty()) return fault.onName(written, fault.hasNo(written) + meant);
+  return fault.onName(written,
+                      joined({"attribute '", written, "' is not known here; write true=\"…\" or false=\"…\""}));
+}
+
 Culprit conditionFormat(const Fault& fault) {
   const std::string_view other = firstOther(fault.node, {C_TRUE, C_FALSE});
   const std::string_view first = firstOther(fault.node, {});
@@ -366,18 +379,7 @@ Culprit conditionFormat(const Fault& fault) {
     return fault.onName(first, "an otherwise has no condition; write a when, or remove the attribute");
   if (first.empty())
     return fault.onElement(joined({"the ", fault.tag(), " has no condition; write true=\"…\" or false=\"…\""}));
-  if (!other.empty()) {
-    const std::array<std::string_view, 2> known = {C_TRUE, C_FALSE};
-    const bool alone = firstOther(fault.node, {other}).empty();
-    const std::string meant = alone ? didYouMean(other, known) : std::string();
-    if (!meant.empty())
-      return fault.onName(other, joined({"'", fault.tag(), "' has no attribute '", other, "'; ", meant}));
-    if (alone)
-      return fault.onName(other,
-                          joined({"attribute '", other, "' is not known here; write true=\"…\" or false=\"…\""}));
-    return fault.onName(other, joined({"attribute '", other,
-                                       "' is not known here; remove it. A condition combines tests with && and ||"}));
-  }
+  if (!other.empty()) return unknownTest(fault, other);
   if (fault.node.attributeCount() > 1) {
     return fault.onName(firstOther(fault.node, {first}),
                         "a condition has either true or false; combine the two tests with &&");
@@ -386,9 +388,7 @@ Culprit conditionFormat(const Fault& fault) {
 }
 
 Culprit chooseContent(const Fault& fault) {
-  if (fault.tag() == C_IF && fault.node.offset() != fault.definition.offset()) {
-    return fault.onElement("in a choose, write when instead of if");
-  }
+  if (fault.tag() == C_IF) return fault.onElement("in a choose, write when instead of if");
   if (fault.tag() == C_OTHERWISE) {
     XMLNode second = fault.node.next();
     while (second && !isElement(second, C_OTHERWISE)) second = second.next();
@@ -402,17 +402,11 @@ Culprit chooseContent(const Fault& fault) {
   return fault.onChild(text ? text : fault.node, "put this text into a when or the otherwise");
 }
 
-const Names& foreachNames() {
-  static const Names names = {C_ITEM, C_COLLECTION, C_OPEN, C_SEPARATOR, C_CLOSE, C_REVERSE};
-  return names;
-}
-
 Culprit foreachParameters(const Fault& fault) {
-  const std::string_view other =
-      firstOther(fault.node, {C_ITEM, C_COLLECTION, C_OPEN, C_SEPARATOR, C_CLOSE, C_REVERSE});
-  if (!other.empty()) return unknownAttribute(fault, other, foreachNames());
-  const bool hasItem = !isEmpty(fault.node.valueOfAttribute(C_ITEM));
-  return hasItem ? missing(fault, C_COLLECTION, "ids") : missing(fault, C_ITEM, "id");
+  const Names known = {C_ITEM, C_COLLECTION, C_OPEN, C_SEPARATOR, C_CLOSE, C_REVERSE};  // most important first
+  const std::string_view unknown = firstOther(fault.node, known);
+  if (!unknown.empty()) return unknownAttribute(fault, unknown, known);
+  return fault.has(C_ITEM) ? missing(fault, C_COLLECTION, "ids") : missing(fault, C_ITEM, "id");
 }
 
 Culprit textOnly(const Fault& fault, std::string_view parent) {
@@ -422,18 +416,17 @@ Culprit textOnly(const Fault& fault, std::string_view parent) {
 Culprit foreachContent(const Fault& fault) { return textOnly(fault, "a foreach"); }
 Culprit sqlFormat(const Fault& fault) { return textOnly(fault, "an sql block"); }
 
+Culprit trimFormat(const Fault& fault) {
+  const Names known = knownAttributes(C_TRIM);
+  const std::string_view unknown = firstOther(fault.node, known);
+  return unknown.empty() ? missing(fault, C_PREFIX_OVERRIDES, "AND |OR ") : unknownAttribute(fault, unknown, known);
+}
+
 Culprit fragmentFormat(const Fault& fault) {
-  const auto has = [&](std::string_view attribute) { return !isEmpty(fault.node.valueOfAttribute(attribute)); };
-  if (!has(C_PREFIX)) return missing(fault, C_PREFIX, fault.tag() == C_TRIM ? "WHERE" : "SET ");
-  if (fault.tag() == C_TRIM) {
-    for (const XMLAttribute& attribute : fault.node.attributes()) {
-      const std::string_view written = textOf(attribute.name());
-      if (isKnownAttribute(C_TRIM, written)) continue;
-      return unknownAttribute(fault, written, {C_PREFIX, C_PREFIX_OVERRIDES, C_SUFFIX_OVERRIDES, C_ON_VOID});
-    }
-    return missing(fault, C_PREFIX_OVERRIDES, "AND |OR ");
-  }
-  return has(C_PAIRS) ? missing(fault, C_JOIN, ", ") : missing(fault, C_PAIRS, "values");
+  const bool isTrim = fault.tag() == C_TRIM;
+  if (!fault.has(C_PREFIX)) return missing(fault, C_PREFIX, isTrim ? "WHERE" : "SET ");
+  if (isTrim) return trimFormat(fault);
+  return fault.has(C_PAIRS) ? missing(fault, C_JOIN, ", ") : missing(fault, C_PAIRS, "values");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -457,9 +450,8 @@ Culprit constFormat(const Fault& fault) {
 // Maps, crypt properties and packs
 
 Culprit cryptFormat(const Fault& fault) {
-  const auto has = [&](std::string_view attribute) { return !isEmpty(fault.node.valueOfAttribute(attribute)); };
-  if (!has(C_CLASS)) return missing(fault, C_CLASS, "Person");
-  if (!has(C_PROPERTY)) return missing(fault, C_PROPERTY, "notes");
+  if (!fault.has(C_CLASS)) return missing(fault, C_CLASS, "Person");
+  if (!fault.has(C_PROPERTY)) return missing(fault, C_PROPERTY, "notes");
   const std::string_view other = firstOther(fault.node, {C_CLASS, C_PROPERTY});
   if (!other.empty()) return fault.onName(other, joined({"a crypt has only class and property; remove '", other, "'"}));
   const XMLNode child = fault.node.firstChild();
@@ -468,18 +460,19 @@ Culprit cryptFormat(const Fault& fault) {
 
 Culprit missingMapResult(const Fault& fault) { return missing(fault, C_RESULT, "Person"); }
 
+constexpr const char* mapContent = "a map contains only <result property=\"…\" column=\"…\"/>";
+
 Culprit mapFormat(const Fault& fault) {
   if (fault.node.kind() == XMLNodeKind::Element && fault.node.offset() == fault.definition.offset()) {
     const XMLNode text = firstChild(fault.node, [](const XMLNode& child) { return child.kind() == XMLNodeKind::Text; });
-    return fault.onChild(text ? text : fault.node, "a map contains only <result property=\"…\" column=\"…\"/>");
+    return fault.onChild(text ? text : fault.node, mapContent);
   }
   if (fault.tag() != C_RESULT) {
     const std::array<std::string_view, 1> known = {C_RESULT};
     const std::string meant = didYouMean(fault.tag(), known);
-    return fault.onElement(orElse(meant, "a map contains only <result property=\"…\" column=\"…\"/>"));
+    return fault.onElement(meant.empty() ? mapContent : meant);
   }
-  const bool hasColumn = !isEmpty(fault.node.valueOfAttribute(C_COLUMN));
-  return hasColumn ? missing(fault, C_PROPERTY, "name") : missing(fault, C_COLUMN, "name");
+  return fault.has(C_COLUMN) ? missing(fault, C_PROPERTY, "name") : missing(fault, C_COLUMN, "name");
 }
 
 Culprit missingPackColumn(const Fault& fault) { return missing(fault, C_AS, "info"); }

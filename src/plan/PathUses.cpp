@@ -1,5 +1,7 @@
 #include "plan/PathUses.h"
 
+#include <utility>
+
 #include "korvex/QXDAOForeach.h"
 #include "korvex/QXDAOKeyValueFormatter.h"
 #include "plan/SetContents.h"

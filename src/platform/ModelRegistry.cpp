@@ -1,6 +1,9 @@
 #include "korvex/ModelRegistry.h"
 
+#include <type_traits>
 #include <utility>
+
+#include "korvex/ScalarTypes.h"
 
 namespace korvex {
 

@@ -22,23 +22,10 @@ namespace {
 // What the evaluator gives for lists and texts.
 bool isBuiltIn(std::string_view member) { return member == "count" || member == "length"; }
 
-std::vector<std::string_view> partsOf(std::string_view path) {
-  std::vector<std::string_view> parts;
-  for (std::size_t begin = 0; begin <= path.size();) {
-    const std::size_t end = std::min(path.find('.', begin), path.size());
-    parts.push_back(path.substr(begin, end - begin));
-    begin = end + 1;
-  }
-  return parts;
-}
-
-char lowered(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter; }
-
 // "person" and "newPerson" are names for a Person.
 bool isNameFor(std::string_view value, std::string_view modelClass) {
   if (value.size() > modelClass.size()) return value.ends_with(modelClass);
-  return std::equal(value.begin(), value.end(), modelClass.begin(), modelClass.end(),
-                    [](char left, char right) { return lowered(left) == lowered(right); });
+  return asciiLowerCase(value) == asciiLowerCase(modelClass);
 }
 
 class ModelChecker {
@@ -48,11 +35,7 @@ class ModelChecker {
     for (const ModelInfo* model : _classes) {
       for (const std::string_view property : models.propertiesOf(*model)) _properties.insert(property);
     }
-  }
-
-  // The column of a pack can be read like a property.
-  void collectPacks() {
-    for (const auto& [name, document] : _documents) {
+    for (const auto& [name, document] : documents) {
       for (const Definition& definition : document.built) {
         const auto* pack = QXDAOElementCast<QXDAOPack>(definition.element.get());
         if (pack) _packs.emplace(pack->column().value_or(std::string_view()));
@@ -78,23 +61,44 @@ class ModelChecker {
  private:
   void checkDefinition(const Definition& definition) {
     const XMLNode& xml = definition.xml;
-    if (const auto* map = QXDAOElementCast<QXDAOMap>(definition.element.get())) {
-      const ModelInfo* model = knownClass(xml, C_RESULT, map->resultClass().value_or(std::string_view()));
-      for (const XMLNode& child : xml.children()) {
-        if (model) checkProperty(*model, child, child.valueOfAttribute(C_PROPERTY).value_or(std::string_view()));
-      }
-    } else if (const auto* crypt = QXDAOElementCast<QXDAOCryptProperty>(definition.element.get())) {
-      const ModelInfo* model = knownClass(xml, C_CLASS, crypt->className().value_or(std::string_view()));
-      if (model) checkProperty(*model, xml, crypt->propertyName().value_or(std::string_view()));
-    } else if (const auto* pack = QXDAOElementCast<QXDAOPack>(definition.element.get())) {
-      for (const std::string_view property : *pack->propertyList()) checkPacked(xml, property);
-    } else if (const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get())) {
-      if (method->operation() == QXDAOOperationSelect && method->resultType() == QXDAOSelectResultTypeObject)
-        static_cast<void>(knownClass(xml, C_RESULT, method->resultTypeName().value_or(std::string_view())));
+    const QXDAOElement* element = definition.element.get();
+    if (const auto* map = QXDAOElementCast<QXDAOMap>(element)) return checkMap(*map, xml);
+    if (const auto* crypt = QXDAOElementCast<QXDAOCryptProperty>(element)) return checkCrypt(*crypt, xml);
+    if (const auto* pack = QXDAOElementCast<QXDAOPack>(element)) return checkPack(*pack, xml);
+    if (const auto* method = QXDAOElementCast<QXDAOMethod>(element)) return checkResult(*method, xml);
+  }
+
+  void checkMap(const QXDAOMap& map, const XMLNode& xml) {
+    const ModelInfo* model = knownClass(xml, C_RESULT, map.resultClass());
+    for (const XMLNode& child : xml.children()) {
+      if (model) checkProperty(*model, child, child.valueOfAttribute(C_PROPERTY));
     }
   }
 
-  const ModelInfo* knownClass(const XMLNode& xml, std::string_view attribute, std::string_view name) {
+  void checkCrypt(const QXDAOCryptProperty& crypt, const XMLNode& xml) {
+    const ModelInfo* model = knownClass(xml, C_CLASS, crypt.className());
+    if (model) checkProperty(*model, xml, crypt.propertyName());
+  }
+
+  // A pack serves the objects of any class.
+  void checkPack(const QXDAOPack& pack, const XMLNode& xml) {
+    for (const std::string_view property : *pack.propertyList()) {
+      if (property.empty() || _properties.contains(property)) continue;
+      const std::vector<std::string_view> names(_properties.begin(), _properties.end());
+      report(SchemaRule::UnknownProperty, spanIn(xml, C_PROPERTIES, property),
+             "no model class has a property " + quoted(property), didYouMean(property, names));
+    }
+  }
+
+  void checkResult(const QXDAOMethod& method, const XMLNode& xml) {
+    const bool makesObjects =
+        method.operation() == QXDAOOperationSelect && method.resultType() == QXDAOSelectResultTypeObject;
+    if (makesObjects) static_cast<void>(knownClass(xml, C_RESULT, method.resultTypeName()));
+  }
+
+  // Null after a report, and if no class is named.
+  const ModelInfo* knownClass(const XMLNode& xml, std::string_view attribute, OptionalStringView written) {
+    const std::string_view name = written.value_or(std::string_view());
     const ModelInfo* model = _models.find(name);
     if (model || name.empty()) return model;
     std::vector<std::string_view> names;
@@ -104,17 +108,9 @@ class ModelChecker {
     return nullptr;
   }
 
-  void checkProperty(const ModelInfo& model, const XMLNode& xml, std::string_view property) {
-    if (property.empty() || _models.property(model, property)) return;
-    reportProperty(spanIn(xml, C_PROPERTY, property), model, property);
-  }
-
-  // A pack serves the objects of any class.
-  void checkPacked(const XMLNode& xml, std::string_view property) {
-    if (property.empty() || _properties.contains(property)) return;
-    const std::vector<std::string_view> names(_properties.begin(), _properties.end());
-    report(SchemaRule::UnknownProperty, spanIn(xml, C_PROPERTIES, property),
-           "no model class has a property " + quoted(property), didYouMean(property, names));
+  void checkProperty(const ModelInfo& model, const XMLNode& xml, OptionalStringView property) {
+    if (isEmpty(property) || _models.property(model, *property)) return;
+    reportProperty(spanIn(xml, C_PROPERTY, *property), model, *property);
   }
 
   // Paths by the value that they begin with.
@@ -140,7 +136,7 @@ class ModelChecker {
     if (named != _classes.end()) return *named;
     std::set<std::string_view> read;
     for (const PathUse& use : uses) {
-      const auto parts = partsOf(use.path);
+      const auto parts = splitAt(use.path, '.');
       if (parts.size() > 1 && !isBuiltIn(parts[1])) read.insert(parts[1]);
     }
     const auto declared = [&](const ModelInfo* model) {
@@ -157,7 +153,7 @@ class ModelChecker {
   // Follows the path as far as the classes of its properties are known.
   void checkPath(const ModelInfo& first, const PathUse& use) {
     const ModelInfo* model = &first;
-    const auto parts = partsOf(use.path);
+    const auto parts = splitAt(use.path, '.');
     for (std::size_t part = 1; part < parts.size() && model && !isBuiltIn(parts[part]); ++part) {
       const std::string* type = _models.property(*model, parts[part]);
       if (!type && _packs.contains(parts[part])) return;
@@ -214,8 +210,8 @@ class ModelChecker {
   const VerifiedDocuments& _documents;
   const ModelList& _models;
   const std::vector<const ModelInfo*> _classes;
-  std::set<std::string_view> _properties;  // of all classes
-  std::set<std::string, std::less<>> _packs;
+  std::set<std::string_view> _properties;     // of all classes
+  std::set<std::string, std::less<>> _packs;  // their columns can be read like properties
   const VerifiedDocument* _document = nullptr;
   std::set<std::pair<const VerifiedDocument*, std::size_t>> _seen;  // the places of paths that are reported
 };
@@ -226,7 +222,6 @@ std::vector<Finding> findingsOfModels(const DefinitionSet* set, const VerifiedDo
                                       const ModelList& models) {
   if (models.empty()) return {};
   ModelChecker checker(documents, models);
-  checker.collectPacks();
   checker.checkDefinitions();
   if (set) checker.checkValues(*set);
   return std::move(checker.findings);

@@ -9,6 +9,7 @@
 
 #include "korvex/SourceText.h"
 #include "plan/SqlText.h"
+#include "verification/TextFile.h"
 
 namespace korvex::verification {
 namespace {
@@ -16,17 +17,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Classes = std::map<std::string, ModelInfo, std::less<>>;
 
-constexpr std::size_t maxModelFile = std::size_t{16} << 20U;
 constexpr int maxBases = 64;  // more than any program has, so that a circle ends
-
-std::optional<std::string> modelText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string text(maxModelFile + 1, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<std::size_t>(file.gcount()));
-  const bool complete = file.eof() && text.size() <= maxModelFile;
-  return complete ? std::optional(std::move(text)) : std::nullopt;
-}
 
 std::string textOf(const Json& object, const char* key) {
   const auto found = object.find(key);
@@ -179,16 +170,17 @@ class DescriptionScanner {
 
 ModelList::Reading ModelList::read(const std::string& path) {
   Reading reading;
-  const std::optional<std::string> text = modelText(path);
-  if (!text) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text;
+  if (!appendRest(file, text)) {
     reading.fault = "no list of model classes can be read there";
     return reading;
   }
-  const std::size_t begin = text->find_first_not_of(" \t\r\n");
-  if (begin != std::string::npos && (*text)[begin] == '{') {
-    reading.fault = readJson(*text, reading.models._classes);
+  const std::size_t begin = text.find_first_not_of(" \t\r\n");
+  if (begin != std::string::npos && text[begin] == '{') {
+    reading.fault = readJson(text, reading.models._classes);
   } else {
-    DescriptionScanner(*text, reading.models._classes).scan();
+    DescriptionScanner(text, reading.models._classes).scan();
   }
   if (reading.fault.empty() && reading.models.classes().empty()) {
     reading.fault =

@@ -1,8 +1,8 @@
 #include "verification/SchemaSource.h"
 
-#include <array>
 #include <fstream>
 
+#include "verification/TextFile.h"
 #include "verification/Verification.h"
 
 namespace korvex::verification {
@@ -18,12 +18,7 @@ std::optional<std::string> schemaText(const std::string& path) {
   text.resize(static_cast<std::size_t>(file.gcount()));
   if (!file && !file.eof()) return std::nullopt;
   if (text == databaseHeader) return text;
-  constexpr std::size_t maxScript = std::size_t{16} << 20U;
-  std::array<char, 65536> block{};
-  while (text.size() <= maxScript && (file.read(block.data(), block.size()), file.gcount() > 0)) {
-    text.append(block.data(), static_cast<std::size_t>(file.gcount()));
-  }
-  return text.size() <= maxScript ? std::optional(text) : std::nullopt;
+  return appendRest(file, text) ? std::optional(text) : std::nullopt;
 }
 
 }  // namespace
