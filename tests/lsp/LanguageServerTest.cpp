@@ -578,6 +578,13 @@ TEST(LanguageServer, ChecksSqlAgainstASchema) {
   EXPECT_EQ(diagnostics({{"schema", "upgrades"}}, ""), "unread-attribute 36;sql 49;");
   EXPECT_EQ(diagnostics({{"schema", "upgrades"}}, change), "unread-attribute 36;");
   EXPECT_EQ(diagnostics({{"schema", "/nowhere/none.sql"}}, ""), "unread-attribute 36;");
+  const auto typed = notification(
+      "textDocument/didChange",
+      {{"textDocument", {{"uri", uri}}},
+       {"contentChanges", {{{"text", "<k><select id='a' result='[Persn]'>SELECT name FROM p</select></k>"}}}}});
+  const std::string models = KORVEX_SOURCE_DIR "/tests/support/Person.json";
+  EXPECT_EQ(diagnostics({{"schema", "upgrades"}}, typed), "");
+  EXPECT_EQ(diagnostics({{"schema", "upgrades"}, {"models", models}}, typed), "unknown-class 27;");
 
   // Once for a change, however many messages follow while the client is quiet.
   std::istringstream in(request(0, "initialize", {{"initializationOptions", {{"schema", "upgrades"}}}}) +
