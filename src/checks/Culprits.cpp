@@ -145,12 +145,10 @@ Culprit missing(const Fault& fault, std::string_view attribute, std::string_view
   if (fault.node.valueOfAttribute(attribute)) {
     return fault.onName(attribute, joined({"'", attribute, "' is empty; write ", write}));
   }
-  const Names known = knownAttributes(fault.tag());
   const std::array<std::string_view, 1> wanted = {attribute};
   for (const XMLAttribute& candidate : fault.node.attributes()) {
     const std::string_view written = textOf(candidate.name());
-    const bool isUnknown = std::find(known.begin(), known.end(), written) == known.end();
-    if (!isUnknown || (!isAlias(written, attribute) && nearestOf(written, wanted).empty())) continue;
+    if (!isAlias(written, attribute) && nearestOf(written, wanted).empty()) continue;
     const std::string_view value = textOf(candidate.stringValue());
     const bool isShort = !value.empty() && value.size() <= maxRepeated && value.find('"') == std::string_view::npos;
     return fault.onName(written,

@@ -201,6 +201,7 @@ TEST(SchemaCheck, ReadsModels) {
       {"/* Model<A", R"(nomodelclass:givetheJSONthatModelRegistry::json()prints,oraC++filewithclassName("…"))"},
   };
   for (const auto& [text, wanted] : cases) EXPECT_EQ(models(text), wanted) << text;
+  EXPECT_NE(run({"models", testing::TempDir()}).err.find("no list of model classes can be read"), std::string::npos);
 }
 
 // Without a schema, and without false alarms for an engine with another notation.
