@@ -18,8 +18,6 @@ bool isOneOf(std::span<const std::string_view> words, std::string_view word) {
   return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-bool startsWithSmallLetter(std::string_view word) { return !word.empty() && word[0] >= 'a' && word[0] <= 'z'; }
-
 // ---------------------------------------------------------------------------------------------
 // Yes and no
 
@@ -49,8 +47,11 @@ std::optional<Doubt> doubtAboutWord(const AttributeEntry& attribute, std::string
   if (attribute.words.size() == 1 && attribute.words[0] == C_TRUE) {
     return doubtAboutYes(value, known, "only 'true' is read as yes");
   }
-  std::string meant = known ? std::string() : didYouMean(value, attribute.words);
-  if (meant.empty()) return std::nullopt;
+  if (known || saysNo(value)) return std::nullopt;
+  std::string meant = didYouMean(value, attribute.words);
+  for (const std::string_view word : meant.empty() ? attribute.words : decltype(attribute.words)()) {
+    meant += (meant.empty() ? "write " : " or ") + quoted(word);
+  }
   return Doubt{quoted(value) + " means nothing to " + quoted(attribute.name), std::move(meant)};
 }
 

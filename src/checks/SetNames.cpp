@@ -51,10 +51,15 @@ Span placeOfName(const Definition& definition, const Places& places) {
 
 void SetNames::add(const std::vector<Definition>& definitions, WarningList& list) {
   for (const Definition& definition : definitions) {
-    if (definition.tag() == C_MAP) _maps.emplace(definition.xml.valueOfAttribute(C_ID).value_or(std::string_view()));
+    if (definition.tag() == C_MAP) addMap(definition.xml);
     if (definition.error) addRefused(definition.xml);
     if (const std::optional<Name> name = nameOf(definition)) addNamed(*name, definition, list);
   }
+}
+
+void SetNames::addMap(const XMLNode& map) {
+  _maps.emplace(map.valueOfAttribute(C_ID).value_or(std::string_view()));
+  _classes.emplace(map.valueOfAttribute(C_RESULT).value_or(std::string_view()));
 }
 
 // The name is an attribute's value, or of a constant an attribute's name.

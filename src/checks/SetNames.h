@@ -23,6 +23,8 @@ class SetNames {
 
   // Includes maps that were rejected.
   [[nodiscard]] bool hasMap(const std::string& name) const { return _maps.contains(name); }
+  // Whether a map makes objects of that class.
+  [[nodiscard]] bool hasClass(const std::string& name) const { return _classes.contains(name); }
   // Sorted.
   [[nodiscard]] std::vector<std::string_view> mapNames() const;
 
@@ -41,6 +43,7 @@ class SetNames {
  private:
   static constexpr std::size_t kinds = 5;  // of definitions that have names
 
+  void addMap(const XMLNode& map);
   void addRefused(const XMLNode& definition);
   void addNamed(const Name& name, const Definition& definition, WarningList& list);
 
@@ -51,6 +54,7 @@ class SetNames {
   std::array<Names, kinds> _repeated;
   Names _refused;  // the possible names of rejected definitions
   Names _maps;
+  Names _classes;
 };
 
 }  // namespace korvex

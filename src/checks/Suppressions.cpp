@@ -1,8 +1,8 @@
 #include "checks/Suppressions.h"
 
 #include <algorithm>
-#include <optional>
 
+#include "korvex/OptionalString.h"
 #include "platform/Strings.h"
 
 namespace korvex {
@@ -17,8 +17,8 @@ bool takeWord(std::string_view& text, std::string_view word) {
   return true;
 }
 
-// The name in "korvex: allow NAME"; absent in any other comment.
-std::optional<std::string_view> nameIn(std::string_view comment) {
+// The names in "korvex: allow NAME, NAME"; absent in any other comment.
+OptionalStringView suppressedNames(std::string_view comment) {
   constexpr std::size_t opening = 4;
   constexpr std::size_t closing = 3;
   comment = comment.substr(opening, comment.size() - opening - closing);
@@ -48,21 +48,27 @@ Suppressions::Suppressions(const Places& places) {
     const std::size_t behind = markupBehind(places, comment->end);
     if (behind != nextComment) nextElement = places.elementAt(behind) ? behind : Suppression::none;
     nextComment = comment->begin;
-    if (const auto name = nameIn(places.markup().textOf(*comment))) {
-      _suppressions.push_back({*comment, *name, warningNamed(*name), nextElement});
+    const std::size_t first = _suppressions.size();
+    for (OptionalStringView names = suppressedNames(places.markup().textOf(*comment)); names;) {
+      const std::string_view name = *spaceNewLineTabBothEndsTrimmed(OptionalStringView(takePiece(names, ',')));
+      _suppressions.push_back({*comment, name, warningNamed(name), nextElement});
     }
+    std::reverse(_suppressions.begin() + static_cast<std::ptrdiff_t>(first), _suppressions.end());
   }
   std::reverse(_suppressions.begin(), _suppressions.end());
   for (std::size_t i = 0; i < _suppressions.size(); ++i)
     _lastFor[{_suppressions[i].element, _suppressions[i].rule}] = i;
 }
 
-const Suppression* Suppressions::use(const FoundWarning& warning) {
+const Suppression* Suppressions::find(const FoundWarning& warning) const {
   const auto found = _lastFor.find({warning.element, warning.finding.rule});
-  if (found == _lastFor.end()) return nullptr;
-  Suppression& suppression = _suppressions[found->second];
-  suppression.used = true;
-  return &suppression;
+  return found == _lastFor.end() ? nullptr : &_suppressions[found->second];
+}
+
+const Suppression* Suppressions::use(const FoundWarning& warning) {
+  const Suppression* found = find(warning);
+  if (found) _suppressions[static_cast<std::size_t>(found - _suppressions.data())].used = true;
+  return found;
 }
 
 }  // namespace korvex

@@ -1,5 +1,5 @@
-// Comments that suppress warnings: <!-- korvex: allow NAME --> directly before an element suppresses the warnings of
-// that name about it, but not about elements inside it.
+// Comments that suppress warnings: <!-- korvex: allow NAME, NAME --> directly before an element suppresses the
+// warnings of those names about it, but not about elements inside it.
 #pragma once
 
 #include <map>
@@ -27,7 +27,9 @@ class Suppressions {
 
   // In document order.
   [[nodiscard]] const std::vector<Suppression>& all() const { return _suppressions; }
-  // The last suppression of the warning, marked as used; null if there is none.
+  // The last suppression of the warning; null if there is none.
+  [[nodiscard]] const Suppression* find(const FoundWarning& warning) const;
+  // The same, marked as used.
   const Suppression* use(const FoundWarning& warning);
 
  private:

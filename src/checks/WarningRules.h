@@ -153,8 +153,9 @@ DELETE FROM recent)",
      "A value that begins with \"y\", \"t\" or a digit other than 0, in upper or lower case, means yes. Any other "
      "value "
      "means no, \"on\" included. The 'crypt' of a pack must be exactly \"true\", and 'onVoid' one of its two values. A "
-     "'result' that is not a plain type in lower case is a class name, and so is one with a single bracket. The "
-     "warning is given only for values that look like a known one.",
+     "'result' that is not a plain type in lower case is a class name, and so is one with a single bracket, or the "
+     "name of a map without its colon. The warning is given only for values that look like a known one, and for words "
+     "that have no meaning.",
      R"(<select id="allTags" result="[string]" parallel="on">
   SELECT title FROM tag
 </select>)",
@@ -188,7 +189,7 @@ DELETE FROM recent)",
 <sql id="columns" author="me">id, name</sql>)"},
     {Warning::UnknownWarning, "unknown-warning", Severity::Warning, true,
      "A comment that suppresses an unknown warning", "Correct the name; 'korvex-dao check --help' lists them.",
-     "The comment \"korvex: allow NAME\" names one warning. Errors cannot be suppressed.",
+     "The comment \"korvex: allow NAME\" names a warning, or several separated by commas. Errors cannot be suppressed.",
      R"(<!-- korvex: allow duplicate-names -->
 <const PAGE_SIZE="50"/>)",
      R"(<!-- korvex is the app's own library: allow for that -->

@@ -24,6 +24,9 @@ inline constexpr std::string_view xmlWhiteSpace = " \t\r\n";
 }
 
 // The text in single quotes, for a message.
+[[nodiscard]] inline bool startsWithSmallLetter(std::string_view word) {
+  return !word.empty() && word[0] >= 'a' && word[0] <= 'z';
+}
 [[nodiscard]] inline std::string quoted(std::string_view text) { return std::string("'").append(text).append("'"); }
 
 // The part of the text without spaces at both ends. The result points into the argument.
