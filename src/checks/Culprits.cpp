@@ -80,29 +80,46 @@ struct Fault {
     return joined({"'", tag(), "' has no attribute '", attribute, "'; "});
   }
 
-  [[nodiscard]] Culprit onElement(std::string help) const { return {places.spanAt(node.offset()), std::move(help)}; }
+  [[nodiscard]] Culprit onElement(std::string help) const {
+    return {places.spanAt(node.offset()), std::move(help), change(Repair::Kind::RemoveNode)};
+  }
   [[nodiscard]] Culprit onName(std::string_view attribute, std::string help) const {
-    return {places.nameOf(node, attribute), std::move(help)};
+    return {places.nameOf(node, attribute), std::move(help), without(attribute)};
   }
   [[nodiscard]] Culprit onValue(std::string_view attribute, std::string help) const {
-    return {places.valueOf(node, attribute), std::move(help)};
+    return {places.valueOf(node, attribute), std::move(help), without(attribute)};
   }
   // On a piece of a value, which must be a view into it.
   [[nodiscard]] Culprit onPiece(std::string_view attribute, std::string_view piece, std::string help) const {
     const WrittenValue written = places.writtenValueOf(node, attribute);
-    if (written.verbatim) return {written.of(piece), std::move(help)};
+    if (written.verbatim) return {written.of(piece), std::move(help), without(attribute)};
     const auto decoded = static_cast<std::size_t>(piece.data() - written.value.data());
     const std::size_t begin = sourceOffset(places.source().text(), written.whole.begin, decoded);
-    return {{begin, std::max(begin, std::min(begin + 1, written.whole.end))}, std::move(help)};
+    return {{begin, std::max(begin, std::min(begin + 1, written.whole.end))}, std::move(help), without(attribute)};
   }
   // On the first visible character of a text, or on a tag.
   [[nodiscard]] Culprit onChild(const XMLNode& child, std::string help) const {
     std::size_t begin = child.offset();
     const std::string_view source = places.source().text();
     while (begin < source.size() && isXMLWhiteSpace(source[begin])) ++begin;
-    return {places.spanAt(begin), std::move(help)};
+    return {places.spanAt(begin), std::move(help), {Repair::Kind::RemoveNode, child.offset(), {}, {}, {}}};
   }
+
+  [[nodiscard]] Repair change(Repair::Kind kind) const { return {kind, node.offset(), {}, {}, {}}; }
+  [[nodiscard]] Repair without(std::string_view attribute) const {
+    return {Repair::Kind::ChangeAttributes, node.offset(), attribute, {}, {}};
+  }
+  [[nodiscard]] Repair with(std::string_view attribute, std::string_view value, std::string_view removed = {}) const {
+    return {Repair::Kind::ChangeAttributes, node.offset(), removed, attribute, std::string(value)};
+  }
+  [[nodiscard]] Repair as(std::string_view tag) const { return {Repair::Kind::Rename, node.offset(), {}, tag, {}}; }
 };
+
+// The same culprit, with another repair than its place suggests.
+Culprit repaired(Culprit culprit, Repair repair) {
+  culprit.repair = std::move(repair);
+  return culprit;
+}
 
 bool isContent(const XMLNode& node) {
   if (node.kind() == XMLNodeKind::Element) return true;
@@ -139,11 +156,18 @@ Names knownAttributes(std::string_view tag) {
   return names;
 }
 
+// What a repair gives an attribute. Messages quote names.
+std::string_view placeholderFor(std::string_view attribute, std::string_view example) {
+  return attribute == C_ID || attribute == C_AS ? "…" : example;
+}
+
 // An attribute that is empty, misspelled or not there. `example` is a value for it.
 Culprit missing(const Fault& fault, std::string_view attribute, std::string_view example) {
   const std::string write = joined({attribute, "=\"", example, "\""});
+  const std::string_view placeholder = placeholderFor(attribute, example);
   if (fault.node.valueOfAttribute(attribute)) {
-    return fault.onName(attribute, joined({"'", attribute, "' is empty; write ", write}));
+    return repaired(fault.onName(attribute, joined({"'", attribute, "' is empty; write ", write})),
+                    fault.with(attribute, placeholder));
   }
   const std::array<std::string_view, 1> wanted = {attribute};
   for (const XMLAttribute& candidate : fault.node.attributes()) {
@@ -151,20 +175,36 @@ Culprit missing(const Fault& fault, std::string_view attribute, std::string_view
     if (!isAlias(written, attribute) && nearestOf(written, wanted).empty()) continue;
     const std::string_view value = textOf(candidate.stringValue());
     const bool isShort = !value.empty() && value.size() <= maxRepeated && value.find('"') == std::string_view::npos;
-    return fault.onName(written,
-                        joined({fault.hasNo(written), "write ", attribute, "=\"", isShort ? value : example, "\""}));
+    const std::string_view meant = isShort ? value : example;
+    return repaired(fault.onName(written, joined({fault.hasNo(written), "write ", attribute, "=\"", meant, "\""})),
+                    fault.with(attribute, placeholder == example ? example : meant, written));
   }
-  return fault.onElement(joined({"'", attribute, "' is missing; write ", write}));
+  return repaired(fault.onElement(joined({"'", attribute, "' is missing; write ", write})),
+                  fault.with(attribute, placeholder));
 }
 
 Culprit unknownAttribute(const Fault& fault, std::string_view written, const Names& known) {
   const auto alias =
       std::find_if(known.begin(), known.end(), [&](std::string_view name) { return isAlias(written, name); });
-  if (alias != known.end()) return fault.onName(written, joined({fault.hasNo(written), "write ", *alias, "=\"…\""}));
-  const std::string meant = didYouMean(written, known);
-  if (!meant.empty()) return fault.onName(written, fault.hasNo(written) + meant);
+  const std::string_view value = textOf(fault.node.valueOfAttribute(written));
+  if (alias != known.end()) {
+    return repaired(fault.onName(written, joined({fault.hasNo(written), "write ", *alias, "=\"…\""})),
+                    fault.with(*alias, value, written));
+  }
+  const std::string_view meant = nearestOf(written, known);
+  if (!meant.empty()) {
+    return repaired(fault.onName(written, fault.hasNo(written) + didYouMean(written, known)),
+                    fault.with(meant, value, written));
+  }
   return fault.onName(written,
                       joined({"'", written, "' is not an attribute of ", fault.tag(), "; it takes ", listed(known)}));
+}
+
+// A tag that is probably one of these.
+Culprit misspelled(const Fault& fault, std::span<const std::string_view> tags, std::string help) {
+  const std::string_view meant = nearestOf(fault.tag(), tags);
+  Culprit culprit = fault.onElement(std::move(help));
+  return meant.empty() ? culprit : repaired(std::move(culprit), fault.as(meant));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -180,13 +220,14 @@ Culprit unknownDefinition(const Fault& fault) {
     return fault.onElement(
         joined({"'", fault.tag(), "' belongs inside another element; a definition is ", listed(definitionTags)}));
   }
-  return fault.onElement(definitionMeant(fault.tag()));
+  return misspelled(fault, definitionTags, definitionMeant(fault.tag()));
 }
 
 // A definition with an unknown tag and no name is reported as nameless.
 Culprit missingName(const Fault& fault) {
   if (isDefinitionTag(fault.tag())) return missing(fault, C_ID, "aName");
-  return fault.onElement(joined({"no definition is called '", fault.tag(), "'; ", definitionMeant(fault.tag())}));
+  return misspelled(fault, definitionTags,
+                    joined({"no definition is called '", fault.tag(), "'; ", definitionMeant(fault.tag())}));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -201,8 +242,8 @@ Culprit unknownElement(const Fault& fault) {
   for (const ElementEntry& element : vocabulary()) {
     if (element.tag != C_RESULT && !isDefinitionTag(element.tag)) tags.push_back(element.tag);
   }
-  const std::string meant = didYouMean(fault.tag(), tags);
-  if (!meant.empty()) return fault.onElement(meant);
+  std::string meant = didYouMean(fault.tag(), tags);
+  if (!meant.empty()) return misspelled(fault, tags, std::move(meant));
   const std::size_t begin = fault.node.offset();
   const bool isComparison = begin > 0 && isNameCharacter(fault.places.source().text()[begin - 1]);
   return fault.onElement(
@@ -216,9 +257,23 @@ std::string_view parentOf(const Fault& fault) {
   return parent ? fault.places.markup().nameOf(*parent) : std::string_view("another element");
 }
 
+// The child of the definition that contains the fault.
+std::size_t outermostAround(const Fault& fault) {
+  const Markup& markup = fault.places.markup();
+  const MarkupElement* element = fault.places.elementAt(fault.node.offset());
+  for (const MarkupElement* outer = element; outer && outer->startTag.begin != fault.definition.offset();
+       outer = markup.parentOf(*outer)) {
+    element = outer;
+  }
+  return element ? element->startTag.begin : fault.node.offset();
+}
+
+// What is around the block was meant to be in it.
 Culprit misplacedBlock(const Fault& fault) {
-  return fault.onElement(
-      joined({"a ", fault.tag(), " stands directly in an update, insert or delete, not in '", parentOf(fault), "'"}));
+  return repaired(
+      fault.onElement(joined(
+          {"a ", fault.tag(), " stands directly in an update, insert or delete, not in '", parentOf(fault), "'"})),
+      {Repair::Kind::RemoveNode, outermostAround(fault), {}, {}, {}});
 }
 
 Culprit misplacedExcept(const Fault& fault) {
@@ -234,8 +289,20 @@ Culprit upgradeFormat(const Fault& fault) {
   if (version && !other.empty())
     return fault.onName(other, joined({"an upgrade has only toVersion; remove '", other, "'"}));
   if (isEmpty(version)) return missing(fault, C_TO_VERSION, "1");
-  return fault.onValue(C_TO_VERSION,
-                       joined({"'", *version, "' is no decimal number; write one such as 2 or 2.5, or initial"}));
+  return repaired(
+      fault.onValue(C_TO_VERSION,
+                    joined({"'", *version, "' is no decimal number; write one such as 2 or 2.5, or initial"})),
+      fault.with(C_TO_VERSION, "1"));
+}
+
+// The names in a list, without the empty ones.
+std::string namesIn(std::string_view list) {
+  std::string names;
+  for (OptionalStringView rest = list; rest;) {
+    const std::string_view name = spaceBothEndsTrimmed(takePiece(rest, ','));
+    if (!name.empty()) names += (names.empty() ? "" : ", ") + std::string(name);
+  }
+  return names;
 }
 
 Culprit argumentsFormat(const Fault& fault) {
@@ -248,10 +315,11 @@ Culprit argumentsFormat(const Fault& fault) {
   }
   // The comma that is too much.
   const std::size_t comma = end < value.size() ? end : begin == 0 ? 0 : begin - 1;
-  return fault.onPiece(C_ARGUMENTS, value.substr(comma, std::min<std::size_t>(1, value.size() - comma)),
-                       value.find(',') == std::string_view::npos
-                           ? "the list is only white space; write the names, or remove the attribute"
-                           : "a name is missing beside this comma; write it, or remove the comma");
+  return repaired(fault.onPiece(C_ARGUMENTS, value.substr(comma, std::min<std::size_t>(1, value.size() - comma)),
+                                value.find(',') == std::string_view::npos
+                                    ? "the list is only white space; write the names, or remove the attribute"
+                                    : "a name is missing beside this comma; write it, or remove the comma"),
+                  fault.with(C_ARGUMENTS, namesIn(value)));
 }
 
 Culprit missingResult(const Fault& fault) {
@@ -263,7 +331,8 @@ Culprit missingResult(const Fault& fault) {
 
 Culprit stepsInSelect(const Fault& fault) {
   const XMLNode step = firstChild(fault.node, [](const XMLNode& child) { return isElement(child, C_STEP); });
-  return fault.onChild(step ? step : fault.node, "a select is one statement; remove the step around it");
+  return repaired(fault.onChild(step ? step : fault.node, "a select is one statement; remove the step around it"),
+                  {Repair::Kind::ReplaceByContent, step.offset(), {}, {}, {}});
 }
 
 Culprit contentBeside(const Fault& fault, std::string_view tag, std::string help) {
@@ -324,7 +393,8 @@ Culprit tryFormat(const Fault& fault) {
     return found;
   });
   if (behind) return fault.onChild(behind, "the except comes last; move this in front of it");
-  return fault.onElement("end the try with <except>…</except>, which runs if the try fails");
+  return repaired(fault.onElement("end the try with <except>…</except>, which runs if the try fails"),
+                  fault.change(Repair::Kind::ReplaceByContent));
 }
 
 Culprit secondExcept(const Fault& fault) {
@@ -340,13 +410,17 @@ std::string columnOf(const Fault& fault, const Span& place) {
   return std::to_string(fault.places.source().position(place.begin).column);
 }
 
+constexpr std::string_view anyCondition = "a";
+
 // The first character that begins no token.
 Culprit unreadableCondition(const Fault& fault, std::string_view attribute) {
   const std::string_view value = textOf(fault.node.valueOfAttribute(attribute));
   const std::size_t at = lengthOfTokens(value);
+  const Repair repair = fault.with(attribute, anyCondition);
   if (at == value.size())
-    return fault.onName(attribute, "the condition is empty; write an expression, such as name != null");
-  Culprit culprit = fault.onPiece(attribute, value.substr(at, 1), {});
+    return repaired(fault.onName(attribute, "the condition is empty; write an expression, such as name != null"),
+                    repair);
+  Culprit culprit = repaired(fault.onPiece(attribute, value.substr(at, 1), {}), repair);
   if (value[at] == '"' || value[at] == '\'') {
     culprit.help = "the condition has an open quote at column " + columnOf(fault, culprit.place) + "; close the text";
   } else {
@@ -364,9 +438,11 @@ Culprit unknownTest(const Fault& fault, std::string_view written) {
   }
   const std::array<std::string_view, 2> known = {C_TRUE, C_FALSE};
   const std::string meant = didYouMean(written, known);
-  if (!meant.empty()) return fault.onName(written, fault.hasNo(written) + meant);
-  return fault.onName(written,
-                      joined({"attribute '", written, "' is not known here; write true=\"…\" or false=\"…\""}));
+  const Repair repair = fault.with(C_TRUE, anyCondition, written);
+  if (!meant.empty()) return repaired(fault.onName(written, fault.hasNo(written) + meant), repair);
+  return repaired(
+      fault.onName(written, joined({"attribute '", written, "' is not known here; write true=\"…\" or false=\"…\""})),
+      repair);
 }
 
 Culprit conditionFormat(const Fault& fault) {
@@ -376,7 +452,9 @@ Culprit conditionFormat(const Fault& fault) {
   if (fault.tag() == C_OTHERWISE)
     return fault.onName(first, "an otherwise has no condition; write a when, or remove the attribute");
   if (first.empty())
-    return fault.onElement(joined({"the ", fault.tag(), " has no condition; write true=\"…\" or false=\"…\""}));
+    return repaired(
+        fault.onElement(joined({"the ", fault.tag(), " has no condition; write true=\"…\" or false=\"…\""})),
+        fault.with(C_TRUE, anyCondition));
   if (!other.empty()) return unknownTest(fault, other);
   if (fault.node.attributeCount() > 1) {
     return fault.onName(firstOther(fault.node, {first}),
@@ -386,7 +464,7 @@ Culprit conditionFormat(const Fault& fault) {
 }
 
 Culprit chooseContent(const Fault& fault) {
-  if (fault.tag() == C_IF) return fault.onElement("in a choose, write when instead of if");
+  if (fault.tag() == C_IF) return repaired(fault.onElement("in a choose, write when instead of if"), fault.as(C_WHEN));
   if (fault.tag() == C_OTHERWISE) {
     XMLNode second = fault.node.next();
     while (second && !isElement(second, C_OTHERWISE)) second = second.next();
@@ -417,7 +495,11 @@ Culprit sqlFormat(const Fault& fault) { return textOnly(fault, "an sql block"); 
 Culprit trimFormat(const Fault& fault) {
   const Names known = knownAttributes(C_TRIM);
   const std::string_view unknown = firstOther(fault.node, known);
-  return unknown.empty() ? missing(fault, C_PREFIX_OVERRIDES, "AND |OR ") : unknownAttribute(fault, unknown, known);
+  constexpr std::string_view example = "AND |OR ";
+  if (unknown.empty()) return missing(fault, C_PREFIX_OVERRIDES, example);
+  Culprit culprit = unknownAttribute(fault, unknown, known);
+  if (culprit.repair.set.empty()) culprit.repair = fault.with(C_PREFIX_OVERRIDES, example, unknown);
+  return culprit;
 }
 
 Culprit fragmentFormat(const Fault& fault) {
@@ -431,7 +513,8 @@ Culprit fragmentFormat(const Fault& fault) {
 // Sql blocks and constants
 
 Culprit reservedSqlName(const Fault& fault) {
-  return fault.onValue(C_ID, "@T stands for the assigned table of a select; give the block another name");
+  return repaired(fault.onValue(C_ID, "@T stands for the assigned table of a select; give the block another name"),
+                  fault.with(C_ID, placeholderFor(C_ID, {})));
 }
 
 Culprit constFormat(const Fault& fault) {
@@ -468,7 +551,7 @@ Culprit mapFormat(const Fault& fault) {
   if (fault.tag() != C_RESULT) {
     const std::array<std::string_view, 1> known = {C_RESULT};
     const std::string meant = didYouMean(fault.tag(), known);
-    return fault.onElement(meant.empty() ? mapContent : meant);
+    return misspelled(fault, known, meant.empty() ? mapContent : meant);
   }
   return fault.has(C_COLUMN) ? missing(fault, C_PROPERTY, "name") : missing(fault, C_COLUMN, "name");
 }
@@ -476,7 +559,9 @@ Culprit mapFormat(const Fault& fault) {
 Culprit missingPackColumn(const Fault& fault) { return missing(fault, C_AS, "info"); }
 Culprit missingPackProperties(const Fault& fault) { return missing(fault, C_PROPERTIES, "notes, website"); }
 Culprit singlePackProperty(const Fault& fault) {
-  return fault.onValue(C_PROPERTIES, "add a property after a comma, or store the only one in a column of its own");
+  return repaired(
+      fault.onValue(C_PROPERTIES, "add a property after a comma, or store the only one in a column of its own"),
+      fault.with(C_PROPERTIES, "notes, website"));
 }
 
 struct CulpritRule {

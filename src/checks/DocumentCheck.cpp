@@ -1,10 +1,13 @@
 #include "checks/DocumentCheck.h"
 
 #include <algorithm>
+#include <map>
+#include <memory>
 #include <utility>
 
 #include "checks/Culprits.h"
 #include "checks/DocumentWarnings.h"
+#include "checks/FurtherFaults.h"
 #include "checks/NearMiss.h"
 #include "checks/Places.h"
 #include "checks/Suppressions.h"
@@ -16,6 +19,7 @@
 #include "korvex/QXDAOPackReader.h"
 #include "korvex/SourceText.h"
 #include "korvex/XMLNode.h"
+#include "platform/Strings.h"
 
 namespace korvex {
 
@@ -24,29 +28,71 @@ namespace {
 // Finding a similar name takes time proportional to the number of names.
 constexpr std::size_t maxHints = 100;
 
-Finding errorOf(const Definition& definition, const WarningList& list) {
-  Culprit culprit = culpritOf(definition, list.places());
-  Finding finding = list.findingAt(ruleOf(definition.error->rule), culprit.place);
-  finding.message = definition.error->message();
-  finding.help = std::move(culprit.help);
-  finding.definition = inDefinition(definition);
-  return finding;
-}
+// The errors of definitions, in the order of their places. The one that a definition was rejected for stays the first.
+class ErrorList {
+ public:
+  explicit ErrorList(const WarningList& list) : _list(list) {}
 
-bool isBefore(const Finding& first, const Finding& second) {
-  return first.location.span.begin < second.location.span.begin;
+  void add(const Definition& definition, std::vector<Finding>& findings) {
+    Culprit culprit = culpritOf(definition, _list.places());
+    const auto in = inDefinition(definition);
+    std::vector<FurtherFault> further = furtherFaults(definition, culprit, _list.places());
+    if (!further.empty()) _firstPlaces[in->offset] = culprit.place.begin;
+    findings.push_back(
+        findingOf(definition.error->rule, std::string(definition.error->message()), std::move(culprit), in));
+    for (FurtherFault& fault : further) {
+      findings.push_back(findingOf(fault.rule, std::move(fault.message), std::move(fault.culprit), in));
+    }
+  }
+
+  void sort(std::vector<Finding>& findings) const {
+    std::stable_sort(findings.begin(), findings.end(),
+                     [this](const Finding& first, const Finding& second) { return orderOf(first) < orderOf(second); });
+  }
+
+ private:
+  using InDefinition = std::shared_ptr<const Finding::InDefinition>;
+
+  [[nodiscard]] Finding findingOf(QXDAORule rule, std::string message, Culprit culprit, const InDefinition& in) const {
+    Finding finding = _list.findingAt(ruleOf(rule), culprit.place);
+    finding.message = std::move(message);
+    finding.help = std::move(culprit.help);
+    finding.definition = in;
+    return finding;
+  }
+
+  [[nodiscard]] std::size_t orderOf(const Finding& finding) const {
+    const std::size_t place = finding.location.span.begin;
+    if (finding.rule->severity != Severity::Error || !finding.definition) return place;
+    const auto first = _firstPlaces.find(finding.definition->offset);
+    return first == _firstPlaces.end() ? place : std::max(place, first->second);
+  }
+
+  const WarningList& _list;
+  std::map<std::size_t, std::size_t> _firstPlaces;  // of definitions with several errors
+};
+
+// Null unless the definition is a select with results of that type.
+const QXDAOMethod* selectOf(const Definition& definition, QXDAOSelectResultType type) {
+  const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
+  return method && method->operation() == QXDAOOperationSelect && method->resultType() == type ? method : nullptr;
 }
 
 // The name of the map that a result is made through.
 OptionalStringView mapOf(const Definition& definition) {
-  const auto* method = QXDAOElementCast<QXDAOMethod>(definition.element.get());
-  const bool mapped = method && method->operation() == QXDAOOperationSelect &&
-                      method->resultType() == QXDAOSelectResultTypeMappedObject;
-  return mapped ? method->resultTypeName() : OptionalStringView();
+  const QXDAOMethod* select = selectOf(definition, QXDAOSelectResultTypeMappedObject);
+  return select ? select->resultTypeName() : OptionalStringView();
 }
 
-// Where the result names its map.
-Span placeOfMap(const Definition& definition, const Places& places) {
+// The name of a class that looks like that of a map: classes begin with a capital letter.
+OptionalStringView possibleMapOf(const Definition& definition) {
+  const QXDAOMethod* select = selectOf(definition, QXDAOSelectResultTypeObject);
+  const OptionalStringView name = select ? select->resultTypeName() : OptionalStringView();
+  return name && startsWithSmallLetter(*name) ? name : OptionalStringView();
+}
+
+// Where the result names its map or class.
+Span placeOfResult(const Definition& definition, const Places& places) {
   const WrittenValue result = places.writtenValueOf(definition.xml, C_RESULT);
   return result.of(readResult(result.value).name);
 }
@@ -104,8 +150,9 @@ std::vector<Finding> SetCheck::check(const std::string& path, const Document& do
   const Places places(document.source());
   WarningList list(places, std::make_shared<const CheckedFile>(CheckedFile{path, document.sharedSource()}));
   std::vector<Finding> findings;
+  ErrorList errors(list);
   for (const Definition& definition : definitions) {
-    if (definition.error) findings.push_back(errorOf(definition, list));
+    if (definition.error) errors.add(definition, findings);
     findWarningsIn(definition, list);
   }
   _names.add(definitions, list);
@@ -116,28 +163,41 @@ std::vector<Finding> SetCheck::check(const std::string& path, const Document& do
   list.warnings().clear();
   addReferences(definitions, list, suppressions);
   reportSuppressions(definitions, list, suppressions, findings);
-  std::stable_sort(findings.begin(), findings.end(), isBefore);
+  errors.sort(findings);
   return findings;
 }
 
 void SetCheck::addReferences(const std::vector<Definition>& definitions, WarningList& list,
                              Suppressions& suppressions) {
-  if (!_selection.wants(ruleOf(Warning::UndefinedMap))) return;
   for (const Definition& definition : definitions) {
-    const OptionalStringView map = mapOf(definition);
-    if (!map) continue;
-    list.setDefinition(definition);
-    list.add(Warning::UndefinedMap, definition.xml, placeOfMap(definition, list.places()),
-             "no map has the name '" + std::string(*map) + "'");
-    FoundWarning& warning = list.warnings().back();
-    MapReference& reference = _references.emplace_back();
-    reference.map = *map;
-    if (const Suppression* suppression = suppressions.use(warning)) {
-      reference.suppressed = true;
-      reference.unusedSuppression = unusedSuppression(*suppression, list);
+    if (const OptionalStringView map = mapOf(definition); map && _selection.wants(ruleOf(Warning::UndefinedMap))) {
+      addReference(definition, *map, list, suppressions).finding.message =
+          "no map has the name '" + std::string(*map) + "'";
     }
-    reference.finding = std::move(warning.finding);
+    if (const OptionalStringView name = possibleMapOf(definition)) {
+      MapReference& reference = addReference(definition, *name, list, suppressions, Warning::DoubtfulValue);
+      reference.finding.message = quoted(*name) + " is read as a class, and a map has this name";
+      reference.finding.help = "did you mean ':" + std::string(*name) + "'?";
+    }
   }
+}
+
+SetCheck::MapReference& SetCheck::addReference(const Definition& definition, std::string_view map, WarningList& list,
+                                               Suppressions& suppressions, Warning warning) {
+  MapReference& reference = _references.emplace_back();
+  reference.map = map;
+  reference.warning = warning;
+  list.setDefinition(definition);
+  list.add(warning, definition.xml, placeOfResult(definition, list.places()), {});
+  FoundWarning& found = list.warnings().back();
+  const Suppression* earlier = suppressions.find(found);
+  const bool isUsed = earlier && earlier->used;
+  if (const Suppression* suppression = suppressions.use(found)) {
+    reference.suppressed = true;
+    if (!isUsed) reference.unusedSuppression = unusedSuppression(*suppression, list);
+  }
+  reference.finding = std::move(found.finding);
+  return reference;
 }
 
 void SetCheck::report(Finding finding, std::vector<Finding>& findings) const {
@@ -175,16 +235,22 @@ void SetCheck::reportUnused(const Suppression& suppression, const Definition* de
   }
 }
 
+bool SetCheck::isFaulty(const MapReference& reference) const {
+  const bool defined = _names.hasMap(reference.map);
+  return reference.warning == Warning::UndefinedMap ? !defined : defined && !_names.hasClass(reference.map);
+}
+
 std::vector<Finding> SetCheck::finish() {
   std::vector<Finding> findings;
   if (!_complete) return findings;
   const std::vector<std::string_view> maps = _names.mapNames();
   for (MapReference& reference : _references) {
-    const bool defined = _names.hasMap(reference.map);
-    if (!defined && !reference.suppressed) {
-      if (findings.size() < maxHints) reference.finding.help = didYouMean(reference.map, maps);
+    const bool faulty = isFaulty(reference);
+    if (faulty && !reference.suppressed) {
+      if (reference.finding.help.empty() && findings.size() < maxHints)
+        reference.finding.help = didYouMean(reference.map, maps);
       report(std::move(reference.finding), findings);
-    } else if (defined && reference.suppressed) {
+    } else if (!faulty && reference.unusedSuppression) {
       report(std::move(*reference.unusedSuppression), findings);
     }
   }

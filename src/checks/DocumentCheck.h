@@ -41,9 +41,11 @@ class SetCheck {
   [[nodiscard]] std::vector<Finding> finish();
 
  private:
-  // A result that names a map, with one warning for each case: the map is missing, or it exists.
+  // A result that names a map, or a class that may be meant to be one. Whether that is wrong is known at the end, and
+  // so is whether a comment that suppresses the warning is needed.
   struct MapReference {
     std::string map;
+    Warning warning{};
     Finding finding;
     bool suppressed = false;
     std::optional<Finding> unusedSuppression;
@@ -56,6 +58,9 @@ class SetCheck {
   };
 
   void addReferences(const std::vector<Definition>& definitions, WarningList& list, Suppressions& suppressions);
+  MapReference& addReference(const Definition& definition, std::string_view map, WarningList& list,
+                             Suppressions& suppressions, Warning warning = Warning::UndefinedMap);
+  [[nodiscard]] bool isFaulty(const MapReference& reference) const;
   void report(Finding finding, std::vector<Finding>& findings) const;
   void reportSuppressions(const std::vector<Definition>& definitions, const WarningList& list,
                           const Suppressions& suppressions, std::vector<Finding>& findings);

@@ -93,7 +93,7 @@ TEST(Warnings, StandWhereTheyAreSeen) {
        {"1:1:27: unread-attribute", "1:1:65: unread-attribute"}},
       // In rejected definitions: only the warnings that do not depend on the missing elements.
       {"<update id='a'><step x='1' resumable='1'>%{</step><if/></update>",
-       {"1:1:25: unread-attribute", "1:1:54: condition-format"}},
+       {"1:1:25: unread-attribute", "1:1:54: condition-format", "1:1:54: content-beside-steps"}},
       {"<select id='a' result='int'><sql id='a' x='1'/></select>", {"1:1:32: unknown-element"}},
       {"<nope id='a' x='1'/>", {"1:1:4: unknown-definition"}},
       {"<upgrade toVersion='1'><!-- --><step resumable='yes'><if true='a'/></step></upgrade>",
@@ -166,6 +166,12 @@ TEST(Warnings, AboutNamesInSeveralDocuments) {
   const std::pair<Texts, Texts> cases[] = {
       {{one, "<d><map id='m'/></d>"}, {"2:1:4: missing-map-result"}},
       {{one}, {"1:1:28: undefined-map"}},
+      {{"<d><select id='a' result='[m]'>x</select><select id='b' result='k'>x</select></d>",
+        "<d><map id='m' result='P'/><map id='k' result='k'/></d>"},
+       {"1:1:28: doubtful-value"}},
+      {{"<d><!-- korvex: allow doubtful-value --><select id='a' result='m' parallel='on'>x</select></d>",
+        "<map id='n' result='P'/>"},
+       {}},
       {{one, "<insert id='a'>x</insert>", "<select id='a' result='[:nn]'>x</select>"},
        {"2:1:13: duplicate-name", "3:1:13: duplicate-name", "1:1:28: undefined-map", "3:1:26: undefined-map"}},
       {{"<d><map id='m' result='P'/></d>", one, "<d><sql id='a'/><const n='1'/><const C='2'/></d>"},
@@ -210,6 +216,10 @@ TEST(Warnings, AreSuppressedByACommentBeforeTheElement) {
       {"<update id='u'><![CDATA[" + allow + "]]><where x=''/></update>", {"1:1:77: unread-attribute"}},
       {"<!-- korvex: allow condition-format --><update id='u'><if/></update>",
        {"1:1:4: unknown-warning", "1:1:58: condition-format"}},
+      {"<!-- korvex: allow duplicate-column, unread-attribute,lost-resumable -->" + wrong,
+       {"1:1:4: unused-suppression", "1:1:4: unused-suppression"}},
+      {"<!-- korvex: allow doubtful-value --><select id='a' result='m'>x</select><map id='m' result='P'/>", {}},
+      {"<!-- korvex: allow doubtful-value --><select id='a' result='m'>x</select>", {"1:1:4: unused-suppression"}},
       {"<!-- korvex: allow a b -->" + wrong, {"1:1:4: unknown-warning", "1:1:42: unread-attribute"}},
       {"<!-- korvex: allow -->" + wrong, {"1:1:38: unread-attribute"}},
       {"<!-- korvex: allow lost-resumable --><update id='u'>" + allow + "<if/></update>", {"1:1:95: condition-format"}},
@@ -273,6 +283,46 @@ TEST(Errors, PointAtTheCulpritAndSayWhatToWrite) {
     const bool isProvoked = provoked.contains(std::string(rule.name));
     EXPECT_EQ(isProvoked, std::holds_alternative<QXDAORule>(rule.id)) << rule.name;
   }
+}
+
+// Definitions, and the columns of their errors, the one of the element layer first.
+TEST(Errors, OfADefinitionAreToldTogether) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"<select result='int'><if test='a'>x</if> <foreach items='b'>y</foreach></select>", "1 26 42 51"},
+      {"<update id='a' arguments='b,, c' foreach='c.d'><wher>x</wher><if ture='b'>y</if></update>", "29 48 48 66"},
+      {"<update id='a'><try>x <if true='#'>y</if></try></update>", "33 16"},
+      {"<update id='a'><try>x <if true='b'>y</if></try></update>", "16"},
+      {"<slect id='a' result='int'><choose>x<if true=''>y</if><where>z</where></choose></slect>", "1 36 37 41 55"},
+      {"<map id='m'>x<reslt colum='c'/></map>", "1 13 14 21"},
+      {"<update id='a'><step><if>x</if></step>y<step><trim prefix='b' over=','>z</trim></step></update>", "22 39 63"},
+      {"<select id='a' result='int'><step>x<if>y</if></step> <step>z</step></select>", "36 29"},
+      {"<upgrade version='1' x='2' y='3'/>", "10 22 28"},
+      {"<crypt class='A' column='c'>x</crypt>", "1 18 29"},
+      {"<sql id='t'>x<b>y</b><c/></sql>", "10 14 22"},
+      {"<const A='b' C='d' E='f'>x</const>", "14 20 26"},
+      {"<pack properties='a'/>", "1 19"},
+  };
+  for (const auto& [definition, columns] : cases) {
+    const auto read = Document::fromBytes("<k>\n" + std::string(definition) + "</k>");
+    std::string told;
+    for (const Finding& finding : findingsOf("", *read.document, loadDefinitions(*read.document))) {
+      if (finding.severity == Severity::Error) told += std::to_string(finding.location.begin().column) + ' ';
+    }
+    EXPECT_EQ(told, std::string(columns) + ' ') << definition;
+  }
+}
+
+TEST(Errors, OfOneDefinitionAreBounded) {
+  const auto countIn = [](std::size_t faults, std::size_t texts) {
+    std::string definition = "<update id='a'>";
+    for (std::size_t i = 0; i < faults; ++i) definition += "<if>x</if>";
+    for (std::size_t i = 0; i < texts; ++i) definition += "x<where/>";
+    const auto read = Document::fromBytes(definition + "</update>");
+    return findingsOf("", *read.document, loadDefinitions(*read.document)).size();
+  };
+  EXPECT_EQ(countIn(20, 0), 20U);
+  EXPECT_EQ(countIn(100, 0), 21U);
+  EXPECT_EQ(countIn(2, 10'000), 1U);
 }
 
 // The parser's positions refer to another text than the one that is displayed.

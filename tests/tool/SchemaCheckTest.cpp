@@ -220,7 +220,11 @@ TEST(SchemaCheck, FindsWhatNoEngineCanLoad) {
        "[expression-syntax]\n"},
       {" + @c", ":1:58: warning: '@c' is neither an sql block nor a constant [not-runnable]\n"},
       {" + @b", ""},  // where arguments are written so, references are another engine's
-      {"</select><select id='n'>", ":1:64: error: Result type of select method 'n' is undefined. [missing-result]\n"},
+      {"</select><select id='n' result=''>",
+       ":1:79: error: Result type of select method 'n' is undefined. ('result' is empty; write result=\"int\". A "
+       "result "
+       "is int, long long, bool, double, string, binary, {}, a class, or :map, and in [ ] a list of them) "
+       "[missing-result]\n"},
       {"</select><sql id='s'>@s</sql><select id='d' arguments='e' result='int'>SELECT 1",
        ":1:76: warning: '@s' is part of itself: s → s [not-runnable]\n"
        ":1:110: warning: argument 'e' is never used [unused-argument]\n"},
@@ -328,7 +332,7 @@ TEST(SchemaCheck, ReadsScriptsAndDatabases) {
   std::string dump = "CREATE TABLE book(title);\n";
   for (int row = 0; row < 20000; ++row) dump += "INSERT INTO book VALUES ('" + std::to_string(row) + "');\n";
   std::ofstream(script) << dump + "INSERT INTO bok VALUES (1);\n" + dump;
-  EXPECT_EQ(check(script).out, script + ":20002:13: error: no such table: bok [sql]\n");
+  EXPECT_EQ(check(script).out, script + ":20002:13: error: no such table: bok (did you mean 'book'?) [sql]\n");
 
   EXPECT_EQ(check((folder / "korvex_none").string()).code, ExitCodeTrouble);
   std::filesystem::resize_file(database, 60);
