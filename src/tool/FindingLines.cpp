@@ -30,6 +30,11 @@ std::string encoded(std::string_view text, std::string_view characters) {
   return visibleText(result);
 }
 
+void printPlace(std::ostream& out, const Location& location) {
+  const XMLPosition begin = location.begin();
+  out << visibleText(location.path()) << ':' << begin.line << ':' << begin.column << ": ";
+}
+
 void printColumns(std::ostream& out, const XMLPosition& begin, const XMLPosition& end) {
   if (end.line > begin.line) return;  // annotations of several lines have no columns
   out << ",col=" << begin.column << ",endColumn=" << std::max(begin.column, end.column - 1);
@@ -38,9 +43,14 @@ void printColumns(std::ostream& out, const XMLPosition& begin, const XMLPosition
 }  // namespace
 
 void printShortFinding(std::ostream& out, const Finding& finding) {
-  const XMLPosition begin = finding.location.begin();
-  out << visibleText(finding.location.path()) << ':' << begin.line << ':' << begin.column << ": "
-      << severityName(finding.severity) << ": " << visibleText(finding.message) << " [" << finding.rule->name << "]\n";
+  printPlace(out, finding.location);
+  out << severityName(finding.severity) << ": " << visibleText(finding.message);
+  if (!finding.help.empty()) out << " (" << visibleText(finding.help) << ')';
+  out << " [" << finding.rule->name << "]\n";
+  for (const Related& related : finding.related) {
+    printPlace(out, related.location);
+    out << "note: " << visibleText(related.message) << '\n';
+  }
 }
 
 void printGithubFinding(std::ostream& out, const Finding& finding) {

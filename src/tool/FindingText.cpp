@@ -21,7 +21,7 @@ struct Style {
 constexpr Style colorless;
 constexpr Style colored = {"\x1b[1m", "\x1b[1;31m", "\x1b[1;35m", "\x1b[1;36m", "\x1b[1;32m", "\x1b[0m"};
 
-void printPlace(std::ostream& out, const Location& location, const Style& style) {
+void printPlaceOf(std::ostream& out, const Location& location, const Style& style) {
   const XMLPosition position = location.begin();
   out << style.bold << visibleText(location.path()) << ':' << position.line << ':' << position.column << ": "
       << style.plain;
@@ -36,7 +36,7 @@ void printExcerpt(std::ostream& out, const Excerpt& excerpt, const Style& style)
 }
 
 void printRelated(std::ostream& out, const Related& related, const Style& style) {
-  printPlace(out, related.location, style);
+  printPlaceOf(out, related.location, style);
   out << style.cyan << "note: " << style.plain << visibleText(related.message) << '\n';
 }
 
@@ -44,7 +44,7 @@ void printRelated(std::ostream& out, const Related& related, const Style& style)
 
 void printFinding(std::ostream& out, const Finding& finding, bool color) {
   const Style& style = color ? colored : colorless;
-  printPlace(out, finding.location, style);
+  printPlaceOf(out, finding.location, style);
   printSeverity(out, finding.severity, style);
   out << style.bold << visibleText(finding.message) << style.plain << " [" << finding.rule->name << "]\n";
   const SourceText* source = finding.location.file->source.get();

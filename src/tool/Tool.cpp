@@ -55,12 +55,12 @@ Warnings, with the names that --warn and --no-warn take:
 constexpr std::string_view checkFooter =
     R"(All are on by default except undefined-map, which is on if PATH is a directory.
 Those about SQL and about unused definitions need --schema.
-The comment <!-- korvex: allow NAME --> directly before an element suppresses
-the warnings of that name about this element, not about those inside it.
+The comment <!-- korvex: allow NAME, NAME --> directly before an element suppresses
+the warnings of those names about this element, not about those inside it.
 
 Formats:
   text    a finding with its source line, for people
-  short   one line per finding: path:line:column: error: message [rule]
+  short   a line for each finding: path:line:column: error: message (help) [rule]
   json    the findings as data
   sarif   a SARIF 2.1.0 log, which code scanners read
   github  annotations for a GitHub Actions workflow
@@ -280,9 +280,10 @@ CLI::App* addCheck(CLI::App& tool, CheckOptions& options) {
                           {"sarif", CheckFormat::Sarif},
                           {"github", CheckFormat::Github}},
                          "The output format: text (default), short, json, sarif, or github");
-  addChoice<ColorMode>(*command, "--color", options.color,
-                       {{"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}},
-                       "When to use color: always, never, or auto (default): on a terminal, unless NO_COLOR is set");
+  addChoice<ColorMode>(
+      *command, "--color", options.color,
+      {{"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}},
+      "When to use color: always, never, or auto (default): on a terminal that is not dumb, unless NO_COLOR is set");
   addWarnings(*command, "--warn", options.warnings, "Enable the warnings with this name; repeatable");
   addWarnings(*command, "--no-warn", options.noWarnings, "Disable the warnings with this name; repeatable");
   command->add_flag("--werror", options.warningsAreErrors, "Treat warnings as errors");
@@ -475,6 +476,37 @@ void protectBracketedPaths(Words& arguments) {
   }
 }
 
+// The words that may stand for an argument: commands, or the long options of one.
+std::vector<std::string> commandNames(const CLI::App& tool) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : tool.get_subcommands({})) names.push_back(command->get_name());
+  return names;
+}
+std::vector<std::string> optionNames(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+// What a misspelled command or option was probably meant to be; empty if none is misspelled.
+std::string meantArgument(const CLI::App& tool, const std::vector<std::string>& arguments) {
+  const CLI::App* command = nullptr;
+  for (const std::string& argument : arguments) {
+    const bool isOption = argument.starts_with("--");
+    if (argument == "--") break;
+    if (!isOption && command) continue;
+    const std::string word = argument.substr(0, argument.find('='));
+    const std::vector<std::string> names = isOption ? optionNames(command ? *command : tool) : commandNames(tool);
+    if (std::find(names.begin(), names.end(), word) == names.end()) {
+      return didYouMean(word, std::vector<std::string_view>(names.begin(), names.end()));
+    }
+    if (!isOption) command = tool.get_subcommand(word);
+  }
+  return {};
+}
+
 ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console) {
   CLI::App tool("Checks, shows and runs SQL methods defined in XML, and decodes packed columns.", "korvex-dao");
   tool.set_version_flag("--version", "korvex-dao " KORVEX_VERSION, "Print the version and exit");
@@ -502,6 +534,7 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
   const CLI::App* server = addLanguageServer(tool, serverOptions);
   addCompletion(tool, console);
   addManPage(tool, console);
+  const std::vector<std::string> written = arguments;
   try {
     protectBracketedPaths(arguments);
     std::reverse(arguments.begin(), arguments.end());  // CLI11 expects them in reverse order
@@ -510,6 +543,8 @@ ExitCode parseAndRun(std::vector<std::string> arguments, const Console& console)
     std::ostringstream message;
     const int code = tool.exit(error, console.out, message);
     console.err << visibleLines(message.str());
+    const std::string hint = code == 0 ? "" : meantArgument(tool, written);
+    if (!hint.empty()) console.err << "help: " << hint << '\n';
     return code == 0 ? ExitCodeNothingFound : ExitCodeTrouble;
   }
   if (check->parsed()) return runCheck(checkOptions, console);

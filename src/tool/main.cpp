@@ -9,11 +9,13 @@
 
 namespace {
 
-// By convention, an empty NO_COLOR has no effect.
-bool noColorWanted() {
-  const char* value = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): before any thread runs
-  return value != nullptr && !std::string_view(value).empty();
+std::string_view environment(const char* name) {
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): before any thread runs
+  return value ? value : "";
 }
+
+// By convention, an empty NO_COLOR has no effect.
+bool noColorWanted() { return !environment("NO_COLOR").empty() || environment("TERM") == "dumb"; }
 
 }  // namespace
 

@@ -21,7 +21,7 @@ TEST(FindingLines, AreOneLineEach) {
   const std::vector<Case> cases = {
       {"a.xml", 9, "Map 'm' is wrong.", "", "a.xml:2:3: error: Map 'm' is wrong. [map-format]",
        "::error file=a.xml,line=2,endLine=2,col=3,endColumn=7,title=map-format::Map 'm' is wrong."},
-      {"a.xml", 13, "m", "did you mean 'n'?", "a.xml:2:3: error: m [map-format]",
+      {"a.xml", 13, "m", "did you mean 'n'?", "a.xml:2:3: error: m (did you mean 'n'?) [map-format]",
        "::error file=a.xml,line=2,endLine=4,title=map-format::m%0Adid you mean 'n'?"},
       {"a.xml", 4, "nothing but a place", "", "a.xml:2:3: error: nothing but a place [map-format]",
        "::error file=a.xml,line=2,endLine=2,col=3,endColumn=3,title=map-format::nothing but a place"},
