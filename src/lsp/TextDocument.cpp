@@ -64,7 +64,7 @@ void TextDocument::change(const Json& contentChange) {
 
 void TextDocument::replace(Span span, std::string_view replacement) {
   _text.replace(span.begin, span.end - span.begin, replacement);
-  _unitsBeforeBlock.clear();
+  _unitsBeforeBlock.resize(std::min(_unitsBeforeBlock.size(), span.begin / blockSize + 1));
   findLines(span, span.begin + replacement.size());
 }
 
@@ -88,14 +88,11 @@ void TextDocument::findLines(Span replaced, std::size_t end) {
 // Counted by blocks, since a document may be a single long line.
 std::size_t TextDocument::unitsBefore(std::size_t offset) const {
   const std::string_view text = _text;
-  if (_unitsBeforeBlock.empty()) {
-    std::size_t units = 0;
-    for (std::size_t begin = 0; begin <= text.size(); begin += blockSize) {
-      _unitsBeforeBlock.push_back(units);
-      units += countUnits(text.substr(begin, blockSize));
-    }
-  }
   const std::size_t block = offset / blockSize;
+  while (_unitsBeforeBlock.size() <= block) {
+    const std::string_view last = text.substr((_unitsBeforeBlock.size() - 1) * blockSize, blockSize);
+    _unitsBeforeBlock.push_back(_unitsBeforeBlock.back() + countUnits(last));
+  }
   return _unitsBeforeBlock[block] + countUnits(text.substr(block * blockSize, offset % blockSize));
 }
 

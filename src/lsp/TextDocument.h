@@ -51,7 +51,7 @@ class TextDocument {
   std::string _uri;
   std::string _text;
   std::vector<std::size_t> _lineStarts{0};
-  mutable std::vector<std::size_t> _unitsBeforeBlock;  // empty until a long line is measured
+  mutable std::vector<std::size_t> _unitsBeforeBlock{0};  // as far as it was measured
 };
 
 [[nodiscard]] Json jsonOf(const Range& range);
