@@ -4,6 +4,7 @@
 #include <iterator>
 #include <span>
 #include <type_traits>
+#include <utility>
 
 #include "korvex/QXDAOCondition.h"
 #include "korvex/QXDAOConst.h"
@@ -65,7 +66,7 @@ Json toJson(const QXDAOToken& token) { return token.text; }
 
 Json toJson(std::span<const QXDAOColumn> columns) {
   Json object = Json::object();
-  for (const auto& [column, property] : columns) object[std::string(column)] = property;
+  for (const auto& [column, property] : columns) appendMember(object, column, property);
   return object;
 }
 
@@ -218,6 +219,10 @@ Json elementJson(const QXDAOElement& element) {
   Json json = {{"class", type.name}, {"name", toJson(element.name())}};
   for (const Property& property : type.properties) json[property.name] = property.read(element);
   return json;
+}
+
+void appendMember(Json& object, std::string_view name, Json value) {
+  object.get_ref<Json::object_t&>().emplace_back(std::string(name), std::move(value));
 }
 
 std::string jsonText(const Json& json) { return visibleJson(json.dump(2, ' ', false, Json::error_handler_t::replace)); }

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 
 #include "korvex/QXDAOElement.h"
 
@@ -15,6 +16,8 @@ using Json = nlohmann::ordered_json;
 // Absent is null, enumerations are the names of their constants. The engine's slots and the links
 // between elements are omitted.
 [[nodiscard]] Json elementJson(const QXDAOElement& element);
+// Adds a member that the object does not have yet. Looking for it would take time in proportion to the members.
+void appendMember(Json& object, std::string_view name, Json value);
 
 // Indented by two spaces; bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string jsonText(const Json& json);

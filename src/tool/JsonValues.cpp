@@ -47,7 +47,7 @@ Json jsonOfList(const ValueList& list) {
 
 Json jsonOfDictionary(const Dictionary& dictionary) {
   Json json = Json::object();
-  for (const Dictionary::Entry& entry : dictionary) json[entry.name] = jsonOfValue(entry.value);
+  for (const Dictionary::Entry& entry : dictionary) appendMember(json, entry.name, jsonOfValue(entry.value));
   return json;
 }
 
