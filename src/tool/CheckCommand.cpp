@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <set>
@@ -116,7 +117,7 @@ class Check {
   // What is wrong in one place is told once.
   void addSetFindings(const std::vector<Finding>& findings) {
     for (const Finding& finding : findings) {
-      const bool known = finding.rule == &ruleOf(SchemaRule::NotRunnable) && _places.contains(placeOf(finding));
+      const bool known = finding.rule == &ruleOf(SchemaRule::NotRunnable) && isPlaceKnown(finding);
       const bool wanted = finding.severity == Severity::Error || _selection.wants(*finding.rule);
       if (!known && wanted) addFinding(withSeverity(finding));
     }
@@ -132,7 +133,7 @@ class Check {
   void addFinding(const Finding& finding) {
     ++(finding.severity == Severity::Error ? _totals.errors : _totals.warnings);
     if (!_unexplained && finding.rule->severity == Severity::Error && finding.help.empty()) _unexplained = finding.rule;
-    _places.insert(placeOf(finding));
+    _places[finding.location.path()].insert(finding.location.span.begin);
     _report->add(finding);
   }
 
@@ -141,8 +142,10 @@ class Check {
     return finding;
   }
 
-  using Place = std::pair<std::string, std::size_t>;
-  static Place placeOf(const Finding& finding) { return {finding.location.path(), finding.location.span.begin}; }
+  [[nodiscard]] bool isPlaceKnown(const Finding& finding) const {
+    const auto found = _places.find(finding.location.path());
+    return found != _places.end() && found->second.contains(finding.location.span.begin);
+  }
 
   void addUnreadable(const UnreadablePath& path) {
     _set.addUnread();
@@ -170,8 +173,8 @@ class Check {
   WarningSelection _selection;
   SetCheck _set;
   verification::SchemaCheck _schemaCheck;
-  std::set<Place> _places;  // of the findings
-  std::string _verified;    // what the check against the schema covered
+  std::map<std::string, std::set<std::size_t>> _places;  // of the findings, by file
+  std::string _verified;                                 // what the check against the schema covered
   CheckTotals _totals;
   const Rule* _unexplained = nullptr;  // the first error without help
   std::size_t _unreadable = 0;

@@ -8,6 +8,7 @@
 #include "tool/FindingLines.h"
 #include "tool/FindingSarif.h"
 #include "tool/FindingText.h"
+#include "tool/StreamedJson.h"
 
 namespace korvex {
 namespace {
@@ -43,33 +44,32 @@ class GithubReport final : public CheckReport {
 
 class JsonReport final : public CheckReport {
  public:
-  explicit JsonReport(std::ostream& out) : _out(out) {}
-  void add(const Finding& finding) override { _findings.push_back(findingJson(finding)); }
+  explicit JsonReport(std::ostream& out) : _findings(out, "findings", 1) { _findings.begin(reportOf({})); }
+  void add(const Finding& finding) override { _findings.add(findingJson(finding)); }
   void addUnreadable(const UnreadablePath& path) override {
     _unreadable.push_back({{"path", path.path}, {"message", path.message}});
   }
-  void finish(const CheckTotals& totals) override {
-    const Json report = {{"findings", _findings}, {"unreadable", _unreadable}, {"definitions", totals.definitions},
-                         {"files", totals.files}, {"errors", totals.errors},   {"warnings", totals.warnings}};
-    _out << jsonText(report) << '\n';
-  }
+  void finish(const CheckTotals& totals) override { _findings.end(reportOf(totals)); }
 
  private:
-  std::ostream& _out;
-  Json _findings = Json::array();
+  [[nodiscard]] Json reportOf(const CheckTotals& totals) const {
+    return {{"findings", Json::array()}, {"unreadable", _unreadable}, {"definitions", totals.definitions},
+            {"files", totals.files},     {"errors", totals.errors},   {"warnings", totals.warnings}};
+  }
+
   Json _unreadable = Json::array();
+  StreamedJson _findings;
 };
 
 class SarifReport final : public CheckReport {
  public:
-  explicit SarifReport(std::ostream& out) : _out(out) {}
-  void add(const Finding& finding) override { _findings.push_back(finding); }
+  explicit SarifReport(std::ostream& out) : _results(out, "results", 3) { _results.begin(sarifLog({})); }
+  void add(const Finding& finding) override { _results.add(sarifResult(finding)); }
   void addUnreadable(const UnreadablePath& path) override { _unreadable.push_back(path); }
-  void finish(const CheckTotals& /*totals*/) override { _out << jsonText(sarifLog(_findings, _unreadable)) << '\n'; }
+  void finish(const CheckTotals& /*totals*/) override { _results.end(sarifLog(_unreadable)); }
 
  private:
-  std::ostream& _out;
-  std::vector<Finding> _findings;
+  StreamedJson _results;
   std::vector<UnreadablePath> _unreadable;
 };
 

@@ -55,20 +55,6 @@ Json ruleJson(const Rule& rule) {
           {"defaultConfiguration", {{"enabled", rule.onByDefault}, {"level", severityName(rule.severity)}}}};
 }
 
-Json resultJson(const Finding& finding) {
-  Json result = {{"ruleId", finding.rule->name},
-                 {"ruleIndex", finding.rule - rules().data()},
-                 {"level", severityName(finding.severity)},
-                 {"message", messageText(messageWithHelp(finding))},
-                 {"locations", Json::array({locationJson(finding.location.path(), regionOf(finding.location))})}};
-  for (const Related& related : finding.related) {
-    Json location = locationJson(related.location.path(), startOf(related.location.begin()));
-    location["message"] = messageText(related.message);
-    result["relatedLocations"].push_back(location);
-  }
-  return result;
-}
-
 Json notificationJson(const UnreadablePath& path) {
   return {{"level", "error"},
           {"message", messageText(path.message)},
@@ -86,14 +72,28 @@ Json arrayOf(const Items& items, Convert convert) {
 
 std::string uriReference(std::string_view path) { return (path.starts_with('/') ? "file://" : "") + uriPathOf(path); }
 
-Json sarifLog(const std::vector<Finding>& findings, const std::vector<UnreadablePath>& unreadable) {
+Json sarifResult(const Finding& finding) {
+  Json result = {{"ruleId", finding.rule->name},
+                 {"ruleIndex", finding.rule - rules().data()},
+                 {"level", severityName(finding.severity)},
+                 {"message", messageText(messageWithHelp(finding))},
+                 {"locations", Json::array({locationJson(finding.location.path(), regionOf(finding.location))})}};
+  for (const Related& related : finding.related) {
+    Json location = locationJson(related.location.path(), startOf(related.location.begin()));
+    location["message"] = messageText(related.message);
+    result["relatedLocations"].push_back(location);
+  }
+  return result;
+}
+
+Json sarifLog(const std::vector<UnreadablePath>& unreadable) {
   const Json driver = {{"name", "korvex-dao"}, {"version", KORVEX_VERSION}, {"rules", arrayOf(rules(), ruleJson)}};
   const Json invocation = {{"executionSuccessful", unreadable.empty()},
                            {"toolExecutionNotifications", arrayOf(unreadable, notificationJson)}};
   const Json run = {{"tool", {{"driver", driver}}},
-                    {"invocations", Json::array({invocation})},
                     {"columnKind", "unicodeCodePoints"},
-                    {"results", arrayOf(findings, resultJson)}};
+                    {"results", Json::array()},
+                    {"invocations", Json::array({invocation})}};
   return {{"$schema", schema}, {"version", "2.1.0"}, {"runs", Json::array({run})}};
 }
 

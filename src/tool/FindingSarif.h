@@ -11,9 +11,11 @@
 
 namespace korvex {
 
-// A log of one run. It describes every rule, found or not; inputs that could not be read are
-// notifications of the run and make it unsuccessful.
-[[nodiscard]] Json sarifLog(const std::vector<Finding>& findings, const std::vector<UnreadablePath>& unreadable);
+// A log of one run, with an empty array of "results". It describes every rule, found or not; inputs that could not be
+// read are notifications of the run and make it unsuccessful.
+[[nodiscard]] Json sarifLog(const std::vector<UnreadablePath>& unreadable);
+// One of the results.
+[[nodiscard]] Json sarifResult(const Finding& finding);
 
 // The path as a URI reference, relative if the path is relative; other bytes are percent-encoded.
 [[nodiscard]] std::string uriReference(std::string_view path);
