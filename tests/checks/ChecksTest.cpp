@@ -296,6 +296,7 @@ TEST(Errors, OfADefinitionAreToldTogether) {
       {"<map id='m'>x<reslt colum='c'/></map>", "1 13 14 21"},
       {"<update id='a'><step><if>x</if></step>y<step><trim prefix='b' over=','>z</trim></step></update>", "22 39 63"},
       {"<select id='a' result='int'><step>x<if>y</if></step> <step>z</step></select>", "36 29"},
+      {"<update id='a'><try>x</try><if>y</if></update>", "16 28"},
       {"<upgrade version='1' x='2' y='3'/>", "10 22 28"},
       {"<crypt class='A' column='c'>x</crypt>", "1 18 29"},
       {"<sql id='t'>x<b>y</b><c/></sql>", "10 14 22"},

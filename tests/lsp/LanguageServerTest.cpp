@@ -228,6 +228,9 @@ TEST(LanguageServer, FollowsChangesUntilTheDocumentIsClosed) {
   EXPECT_EQ(talk(mended + change(range(1, 13, 20), "")).lastDiagnostics().size(), 1U);
   EXPECT_EQ(talk(start + change(range(7, 0, 9), "<")).lastDiagnostics().size(), 1U);
   EXPECT_EQ(talk(mended + change(nullptr, "<a><map id='m'/></a>")).lastDiagnostics().size(), 1U);
+  const std::string longLine = opened("<a><!--" + std::string(2500, 'x') + "--><sql id=''/></a>") +
+                               change(range(0, 2506, 2507), "x") + change(range(0, 7, 7), "😀😀😀");
+  EXPECT_EQ(rangeText(talk(longLine).lastDiagnostics().at(0)["range"]), "0:2521-0:2523");
   const std::string closed = notification("textDocument/didClose", {{"textDocument", {{"uri", uri}}}});
   EXPECT_EQ(talk(start + closed).lastDiagnostics(), Json::array());
 }

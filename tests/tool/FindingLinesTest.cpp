@@ -37,9 +37,11 @@ TEST(FindingLines, AreOneLineEach) {
     finding.location = {std::make_shared<const CheckedFile>(CheckedFile{row.path, source}), {4, row.end}};
     finding.message = row.message;
     finding.help = row.help;
+    finding.related.push_back({finding.location, "n"});
     std::ostringstream shortLine;
     printShortFinding(shortLine, finding);
-    EXPECT_EQ(shortLine.str(), row.shortLine + '\n');
+    const std::string place = row.shortLine.substr(0, row.shortLine.find(": error: "));
+    EXPECT_EQ(shortLine.str(), row.shortLine + '\n' + place + ": note: n\n");
     std::ostringstream githubLine;
     printGithubFinding(githubLine, finding);
     EXPECT_EQ(githubLine.str(), row.githubLine + '\n');

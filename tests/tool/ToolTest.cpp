@@ -101,6 +101,7 @@ TEST(Check, JsonReport) {
       R"("definition":{"tag":"map","name":"m","line":2}}],)"
       R"("definitions":1,"files":1,"errors":1,"warnings":0})");
   EXPECT_TRUE(result.err.ends_with("1 definition in 1 file, 1 error, 1 unreadable path\n")) << result.err;
+  EXPECT_TRUE(run({"check", "--format", "json", "-"}, "<d/>").out.starts_with("{\n  \"findings\": [],\n"));
 }
 
 // A path that no JSON text can hold as it is.
@@ -331,6 +332,15 @@ TEST(Usage, HelpAndMistakes) {
     } else {
       mistakes.back().push_back(word);
     }
+  }
+  const std::pair<CommandLine, const char*> misspelled[] = {
+      {{"chekc", "-"}, "help: did you mean 'check'?\n"},
+      {{"check", "--fromat=json", "-"}, "help: did you mean '--format'?\n"},
+      {{"check", "--", "--fromat"}, ""},
+  };
+  for (const auto& [arguments, help] : misspelled) {
+    const std::string err = run(arguments, "<d/>").err;
+    EXPECT_EQ(err.substr(std::min(err.find("help: "), err.size())), help);
   }
   for (const CommandLine& arguments : mistakes) {
     const Outcome result = run(arguments, "<d/>");
