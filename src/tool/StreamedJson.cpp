@@ -11,7 +11,7 @@ constexpr std::size_t spacesOfALevel = 2;
 
 // Where the entries of an empty array begin. Quotes in a text are escaped, so that no text looks like the member.
 std::size_t placeOfEntries(std::string_view text, std::string_view name) {
-  const std::string member = '"' + std::string(name) + "\": [";
+  const std::string member = name.empty() ? "[" : '"' + std::string(name) + "\": [";
   return text.find(member) + member.size();
 }
 

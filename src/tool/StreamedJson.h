@@ -12,6 +12,7 @@ namespace korvex {
 class StreamedJson {
  public:
   // The array is the member of that name, which is nested that deep and empty in what begin() and end() are given.
+  // Without a name, it is the whole.
   StreamedJson(std::ostream& out, std::string_view name, std::size_t depth) : _out(out), _name(name), _depth(depth) {}
 
   // Writes what stands before the entries. What stands behind them may change until end().

@@ -8,6 +8,7 @@
 #include "tool/Hex.h"
 #include "tool/InputFiles.h"
 #include "tool/PackedTable.h"
+#include "tool/StreamedJson.h"
 #include "tool/VisibleText.h"
 
 namespace korvex {
@@ -56,15 +57,17 @@ ExitCode unpackValue(const UnpackOptions& options, const Console& console) {
 bool isBlob(const ColumnCell& cell) { return std::strcmp(cell.storage, "blob") == 0; }
 bool isNull(const ColumnCell& cell) { return std::strcmp(cell.storage, "null") == 0; }
 
-// One run over a column: prints the table of each row as it comes, collects the rows for JSON.
+// One run over a column: prints each row as it comes.
 class ColumnUnpacking {
  public:
-  ColumnUnpacking(const UnpackOptions& options, const Console& console) : _options(options), _console(console) {}
+  ColumnUnpacking(const UnpackOptions& options, const Console& console)
+      : _options(options), _console(console), _entries(console.out, {}, 0) {}
 
   ExitCode run() {
+    if (_options.format == UnpackFormat::Json) _entries.begin(Json::array());
     const std::optional<std::string> failure =
         readColumn(_options.column, [this](const ColumnCell& cell) { takeRow(cell); });
-    if (_options.format == UnpackFormat::Json) _console.out << jsonText(_entries) << '\n';
+    if (_options.format == UnpackFormat::Json) _entries.end(Json::array());
     _console.out.flush();
     if (failure) {
       printUnreadable(_console.err, {_options.column.path, *failure});
@@ -80,7 +83,7 @@ class ColumnUnpacking {
     const PackedValue value = readPackedValue(cell.bytes);
     if (value.stop || !(isBlob(cell) || isNull(cell))) ++_errors;
     if (_options.format == UnpackFormat::Json) {
-      _entries.push_back(entryOf(cell, value));
+      _entries.add(entryOf(cell, value));
     } else {
       printRow(cell, value);
     }
@@ -107,7 +110,7 @@ class ColumnUnpacking {
 
   const UnpackOptions& _options;
   const Console& _console;
-  Json _entries = Json::array();
+  StreamedJson _entries;
   std::size_t _rows = 0;
   std::size_t _errors = 0;
 };
