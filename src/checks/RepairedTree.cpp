@@ -33,7 +33,7 @@ bool RepairedTree::repair(const Repair& repair) {
     case Repair::Kind::None:
       return false;
     case Repair::Kind::RemoveNode:
-      return redirect(*found, found->next);
+      return remove(*found);
     case Repair::Kind::ReplaceByContent:
       return replaceByContent(*found);
     case Repair::Kind::Rename:
@@ -45,27 +45,34 @@ bool RepairedTree::repair(const Repair& repair) {
   return false;
 }
 
-// What led to the node leads to the target from now on. Nothing leads to the root.
-bool RepairedTree::redirect(const CopiedNode& node, CopiedNode* target) {
+// What leads to the node; null for the root.
+RepairedTree::CopiedNode** RepairedTree::linkTo(const CopiedNode& node) {
   for (CopiedNode& other : _nodes) {
-    for (CopiedNode** link : {&other.firstChild, &other.next}) {
-      if (*link != &node) continue;
-      *link = target;
-      return true;
-    }
+    if (other.firstChild == &node) return &other.firstChild;
+    if (other.next == &node) return &other.next;
   }
-  return false;
+  return nullptr;
 }
 
-bool RepairedTree::replaceByContent(CopiedNode& node) {
-  CopiedNode* behind = node.next;
-  while (behind && behind->content != node.content) behind = behind->next;
-  if (behind) replaceByContent(*behind);
-  if (!node.firstChild) return redirect(node, node.next);
-  if (!redirect(node, node.firstChild)) return false;
-  CopiedNode* last = node.firstChild;
-  while (last->next) last = last->next;
-  last->next = node.next;
+bool RepairedTree::remove(const CopiedNode& node) {
+  CopiedNode** link = linkTo(node);
+  if (link) *link = node.next;
+  return link != nullptr;
+}
+
+bool RepairedTree::replaceByContent(const CopiedNode& node) {
+  CopiedNode** link = linkTo(node);
+  if (!link) return false;
+  while (*link) {
+    CopiedNode* sibling = *link;
+    if (sibling->content == node.content) {
+      *link = sibling->firstChild;
+      while (*link) link = &(*link)->next;
+      *link = sibling->next;
+    } else {
+      link = &sibling->next;
+    }
+  }
   return true;
 }
 

@@ -65,9 +65,10 @@ class RepairedTree final : public XMLTree {
   }
 
   CopiedNode* copy(const XMLNode& node);
-  bool replaceByContent(CopiedNode& node);
+  CopiedNode** linkTo(const CopiedNode& node);
+  bool remove(const CopiedNode& node);
+  bool replaceByContent(const CopiedNode& node);
   bool changeAttributes(CopiedNode& node, const Repair& repair);
-  bool redirect(const CopiedNode& node, CopiedNode* target);
 
   std::deque<CopiedNode> _nodes;  // the root first
   std::deque<CopiedAttribute> _attributes;
